@@ -1,0 +1,143 @@
+// SPDX-License-Identifier: GPL-2.0-or-later
+#include "platform/foundation/child_task.h"
+
+#include <unistd.h>
+
+#include <QEventLoop>
+#include <QProcess>
+#include <QProcessEnvironment>
+#include <utility>
+
+namespace kelvane {
+
+ChildTask::ChildTask() : process_(std::make_unique<QProcess>()) {
+  process_->setStandardInputFile(QProcess::nullDevice());
+}
+
+ChildTask::~ChildTask() {
+  process_->disconnect();
+  if (!isRunning()) return;
+  if (session_ == Session::OfItsOwn) {
+    // QProcess would kill the child with itself; this child is to outlive us, so its object is left
+    // to the system.
+    static_cast<void>(process_.release());
+    return;
+  }
+  process_->kill();
+  process_->waitForFinished(-1);
+}
+
+void ChildTask::setLaunchPath(std::string path) {
+  launchPath_ = std::move(path);
+}
+
+void ChildTask::setArguments(std::vector<std::string> arguments) {
+  arguments_ = std::move(arguments);
+}
+
+void ChildTask::setWorkingDirectory(std::string path) {
+  process_->setWorkingDirectory(QString::fromStdString(path));
+}
+
+void ChildTask::setSession(Session session) {
+  session_ = session;
+}
+
+void ChildTask::setEnvironmentVariable(const std::string& name, const std::string& value) {
+  environment_[name] = value;
+}
+
+void ChildTask::setForwardsStandardStreams() {
+  process_->setStandardInputFile({});
+  process_->setInputChannelMode(QProcess::ForwardedInputChannel);
+  process_->setProcessChannelMode(QProcess::ForwardedChannels);
+}
+
+bool ChildTask::launch() {
+  QStringList arguments;
+  for (const std::string& argument : arguments_) arguments << QString::fromStdString(argument);
+  QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
+  for (const auto& [name, value] : environment_) {
+    environment.insert(QString::fromStdString(name), QString::fromStdString(value));
+  }
+  process_->setProcessEnvironment(environment);
+  if (session_ == Session::OfItsOwn) {
+    process_->setChildProcessModifier([] { setsid(); });
+  }
+  QObject::connect(process_.get(), &QProcess::readyReadStandardOutput, [this] { deliverLines(); });
+  QObject::connect(process_.get(), &QProcess::finished, [this] {
+    deliverLines();
+    if (!incompleteLine_.empty() && lineHandler_) lineHandler_(std::exchange(incompleteLine_, {}));
+    if (endHandler_) endHandler_();
+  });
+  process_->start(QString::fromStdString(launchPath_), arguments);
+  return process_->waitForStarted(-1);
+}
+
+std::string ChildTask::launchError() const {
+  return process_->errorString().toStdString();
+}
+
+int64_t ChildTask::processIdentifier() const {
+  return process_->processId();
+}
+
+std::string ChildTask::availableStandardError() {
+  process_->setReadChannel(QProcess::StandardError);
+  if (process_->bytesAvailable() == 0) process_->waitForReadyRead(-1);
+  return process_->readAllStandardError().toStdString();
+}
+
+void ChildTask::setOutputLineHandler(std::function<void(const std::string&)> handler) {
+  lineHandler_ = std::move(handler);
+}
+
+void ChildTask::setEndHandler(std::function<void()> handler) {
+  endHandler_ = std::move(handler);
+}
+
+void ChildTask::deliverLines() {
+  if (!lineHandler_) return;
+  incompleteLine_ += process_->readAllStandardOutput().toStdString();
+  size_t end = 0;
+  while ((end = incompleteLine_.find('\n')) != std::string::npos) {
+    const std::string line = incompleteLine_.substr(0, end);
+    incompleteLine_.erase(0, end + 1);
+    lineHandler_(line);
+  }
+}
+
+void ChildTask::waitUntilExit() {
+  if (!isRunning()) return;
+  QEventLoop loop;
+  QObject::connect(process_.get(), &QProcess::finished, &loop, &QEventLoop::quit);
+  loop.exec();
+}
+
+bool ChildTask::waitBlocking(int milliseconds) {
+  return !isRunning() || process_->waitForFinished(milliseconds);
+}
+
+bool ChildTask::isRunning() const {
+  return process_->state() != QProcess::NotRunning;
+}
+
+int ChildTask::terminationStatus() const {
+  constexpr int kSignalledByShellConvention = 128;
+  const bool signalled = process_->exitStatus() == QProcess::CrashExit;
+  return signalled ? kSignalledByShellConvention + process_->exitCode() : process_->exitCode();
+}
+
+std::string ChildTask::readStandardErrorToEnd() {
+  return process_->readAllStandardError().toStdString();
+}
+
+std::string ChildTask::readStandardOutputToEnd() {
+  return process_->readAllStandardOutput().toStdString();
+}
+
+void ChildTask::terminate() {
+  process_->terminate();
+}
+
+}  // namespace kelvane
