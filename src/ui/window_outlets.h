@@ -1,0 +1,118 @@
+// SPDX-License-Identifier: GPL-2.0-or-later
+#pragma once
+
+#include <cstdint>
+#include <functional>
+#include <string>
+#include <vector>
+
+#include "platform/foundation/progress_indicator.h"
+
+namespace kelvane {
+
+class MediaController;
+
+/// A frame in window points: origin at the lower left of the content area, y upwards.
+struct Rect {
+  double x = 0;
+  double y = 0;
+  double width = 0;
+  double height = 0;
+
+  friend bool operator==(const Rect&, const Rect&) = default;
+};
+
+/// The four views that take turns in the content area.
+enum class ContentView { Message, DiskScroll, MountedItem, Burn };
+
+/// What can be hidden. The disc table is hidden by itself or with the scroll view around it.
+enum class HideableView { OpenButton, DiskTable, DiskScroll, Message };
+
+enum class Movement { Direct, Animated };
+
+/// An alert in words of the strings table: each text is a key.
+struct Alert {
+  enum class Style { Warning, Informational, Critical };
+
+  Style style = Style::Warning;
+  std::vector<std::string> buttonKeys;
+  std::string messageKey;
+  std::string informativeKey;
+  std::string detail;  ///< Not a key: what a drive or program said, for whoever wants to know; may be empty.
+};
+
+/// The number with which an alert's end handler hears of the first button; the second is one more, and so on.
+inline constexpr int kAlertFirstButtonReturn = 1000;
+
+/// The controller's one way to the main window and to the application around it, in the vocabulary of the window's outlets.
+///
+/// The Qt window implements it, batch mode does without widgets, and tests record it. Main thread only. Nothing here waits
+/// for the user: sheets are opened and return at once.
+class WindowOutlets {
+ public:
+  virtual ~WindowOutlets() = default;
+
+  /// Centres the preferences panel and the main window.
+  virtual void centerWindows() = 0;
+  virtual void makeKeyAndOrderFront() = 0;
+
+  virtual void setHidden(HideableView view, bool hidden) = 0;
+  /// Moves a view to a frame: at once, or within the duration set last.
+  virtual void setFrame(ContentView view, Rect frame, Movement movement) = 0;
+  virtual void setAnimationDuration(double seconds) = 0;
+
+  virtual void setHeaderLine(const std::string& text) = 0;
+  virtual void setOpenButtonCaption(const std::string& text) = 0;
+  virtual void setMessage(const std::string& text) = 0;
+
+  virtual void setVolumeNameField(const std::string& text) = 0;
+  virtual void setDeviceNameField(const std::string& text) = 0;
+  virtual void setSizeInformationField(const std::string& text) = 0;
+
+  virtual void setBurnMessage(const std::string& text) = 0;
+  virtual ProgressIndicator& burnProgressIndicator() = 0;
+  /// The tag of the selected item of the speed pop-up: 0 the drive's fastest, otherwise the multiple of 1x.
+  virtual int32_t burnSpeedTag() = 0;
+
+  /// The list that the disc table shows, with its selection.
+  virtual MediaController& mediaController() = 0;
+
+  virtual void setBurnConfirmationDiskTitle(const std::string& volumeName) = 0;
+  virtual std::string burnConfirmationDiskTitle() = 0;
+  /// Opens the burn confirmation panel as a sheet. Its buttons call `WindowActions`.
+  virtual void beginBurnConfirmationSheet() = 0;
+  virtual void endBurnConfirmationSheet() = 0;
+  virtual void orderOutBurnConfirmationPanel() = 0;
+
+  /// Opens an alert as a sheet. `didEnd`, where given, hears which button ended it, after the alert has gone.
+  virtual void beginAlertSheet(const Alert& alert, std::function<void(int returnCode)> didEnd) = 0;
+
+  /// The system beep: an action has been refused.
+  virtual void beep() = 0;
+  /// Shows the item in the desktop's file manager, with `root` as the top of what it shows.
+  virtual void selectFile(const std::string& path, const std::string& root) = 0;
+  virtual void openFile(const std::string& path) = 0;
+  virtual void hideApplication() = 0;
+
+  /// Asks the application to quit, as the user would.
+  virtual void terminate() = 0;
+  /// Answers a quit that was deferred; without effect where none is pending.
+  virtual void replyToApplicationShouldTerminate(bool shouldTerminate) = 0;
+};
+
+/// What the user can ask for in the window. The controller implements it. Main thread only.
+class WindowActions {
+ public:
+  virtual ~WindowActions() = default;
+
+  /// Opens the selected disc, or closes the open one.
+  virtual void mountBurnFS() = 0;
+  virtual void tableViewDoubleClicked() = 0;
+  virtual bool tableViewShouldSelectRow(int32_t row) = 0;
+  /// Reveals the open volume in the file manager.
+  virtual void showDisk() = 0;
+  virtual void burnConfirmationDidConfirm() = 0;
+  virtual void burnConfirmationDidCancel() = 0;
+};
+
+}  // namespace kelvane
