@@ -1,0 +1,27 @@
+// SPDX-License-Identifier: GPL-2.0-or-later
+#pragma once
+
+namespace kelvane {
+
+/// The kinds of media, as `DRDevice::mediaType` reports them. All share a prefix of 17 characters;
+/// what follows is the short name that people are shown.
+inline constexpr char DRDeviceMediaTypeCDROM[] = "DRDeviceMediaTypeCDROM";
+inline constexpr char DRDeviceMediaTypeCDR[] = "DRDeviceMediaTypeCDR";
+inline constexpr char DRDeviceMediaTypeCDRW[] = "DRDeviceMediaTypeCDRW";
+inline constexpr char DRDeviceMediaTypeDVDROM[] = "DRDeviceMediaTypeDVDROM";
+inline constexpr char DRDeviceMediaTypeDVDRAM[] = "DRDeviceMediaTypeDVDRAM";
+inline constexpr char DRDeviceMediaTypeDVDR[] = "DRDeviceMediaTypeDVDR";
+inline constexpr char DRDeviceMediaTypeDVDRDualLayer[] = "DRDeviceMediaTypeDVDRDualLayer";
+inline constexpr char DRDeviceMediaTypeDVDRW[] = "DRDeviceMediaTypeDVDRW";
+inline constexpr char DRDeviceMediaTypeDVDPlusR[] = "DRDeviceMediaTypeDVDPlusR";
+inline constexpr char DRDeviceMediaTypeDVDPlusRDoubleLayer[] =
+    "DRDeviceMediaTypeDVDPlusRDoubleLayer";
+inline constexpr char DRDeviceMediaTypeDVDPlusRW[] = "DRDeviceMediaTypeDVDPlusRW";
+inline constexpr char DRDeviceMediaTypeBDROM[] = "DRDeviceMediaTypeBDROM";
+inline constexpr char DRDeviceMediaTypeBDR[] = "DRDeviceMediaTypeBDR";
+inline constexpr char DRDeviceMediaTypeBDRE[] = "DRDeviceMediaTypeBDRE";
+
+/// The length of the prefix that the values above share.
+inline constexpr int kMediaTypePrefixLength = 17;
+
+}  // namespace kelvane
