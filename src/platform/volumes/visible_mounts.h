@@ -1,0 +1,74 @@
+// SPDX-License-Identifier: GPL-2.0-or-later
+#pragma once
+
+#include <cstdint>
+#include <functional>
+#include <map>
+#include <set>
+#include <string>
+#include <vector>
+
+#include "platform/recording/dr_device_status.h"
+
+namespace kelvane {
+
+class DRDevice;
+
+/// Mounts the discs of emulated drives where the desktop would mount those of real ones: visibly,
+/// each in a folder of its own below the folder of volumes, from the moment a disc with content is
+/// inserted until it is gone. Main thread only.
+///
+/// A volume is named after the disc: "/" and control characters become "_", no name at all becomes
+/// "CDROM", and where the name is taken " 1", " 2" … is appended. The mount's source is the first
+/// slice of a CD ("/dev/kv0s0"), a DVD's own device ("/dev/kv0"). A disc without an ISO-9660 volume
+/// is not mounted.
+class VisibleMounts {
+ public:
+  VisibleMounts();
+  /// Unmounts everything that was mounted from the emulated drives, whoever mounted it.
+  ~VisibleMounts();
+  VisibleMounts(const VisibleMounts&) = delete;
+  VisibleMounts& operator=(const VisibleMounts&) = delete;
+
+  /// Observes the drives from now on. To be followed by the controller's own registration before
+  /// the event loop turns: observers are called in their order, so the disc is mounted when the
+  /// scan looks for it, and the first notification of each drive reaches both.
+  void start();
+
+  /// Keeps the disc of the drive from being mounted visibly while it is open in the application:
+  /// from before it is opened until it has been cleaned up. A mount that stands stays.
+  void hold(const std::string& bsdName);
+  /// Ends that, and brings the drive's mount up to date at once.
+  void release(const std::string& bsdName);
+
+  /// Unmounts all that is mounted from the drive, visible or hidden, whether it is in use or not,
+  /// as a disc that leaves the drive does. To be called right before a disc is ejected.
+  void unmountAllOf(const std::string& bsdName);
+
+  /// Brings the mount of one drive in line with its disc. `start` arranges that it is called.
+  void update(DRDevice& device);
+
+ private:
+  struct Mounted {
+    std::string mountPoint;
+    int64_t sessionStart = 0;
+  };
+
+  void mount(DRDevice& device, int64_t sessionStart);
+
+  std::map<std::string, Mounted> mounted_;  // By the drive's BSD name.
+  std::set<std::string> held_;
+  std::set<std::string> drives_;  // Every emulated drive seen.
+};
+
+/// The BSD name of what is mounted of the drive's disc: the first slice of a CD-R or CD-RW
+/// ("kv0s0"), the drive itself for every other medium.
+std::string mountableBsdName(const DRDevice& device);
+
+/// The block at which the last complete session begins. Empty where there is none.
+std::optional<int64_t> lastSessionStart(const DRDeviceStatus& status);
+
+/// The name of the folder for a volume called `volumeName`, without the number of a taken one.
+std::string visibleFolderName(const std::string& volumeName);
+
+}  // namespace kelvane
