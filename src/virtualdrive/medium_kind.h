@@ -1,0 +1,39 @@
+// SPDX-License-Identifier: GPL-2.0-or-later
+#pragma once
+
+#include <cstdint>
+#include <optional>
+#include <string_view>
+
+namespace kelvane::virtualdrive {
+
+/// A sector's address; also a number of sectors.
+using Lba = std::int32_t;
+
+inline constexpr std::size_t kSectorBytes = 2048;
+
+enum class MediumKind { CdR, CdRw, DvdR, DvdRw, DvdPlusRw };
+
+/// "cd-r", "cd-rw", "dvd-r", "dvd-rw", "dvd+rw": the name in disc.json and on command lines.
+std::string_view nameOf(MediumKind kind);
+std::optional<MediumKind> mediumKindNamed(std::string_view name);
+
+/// Whether this version can play the drive for such a medium.
+bool isEmulated(MediumKind kind);
+
+/// What an 80 minute CD holds, and the most that a CD's addresses (99 minutes) allow.
+inline constexpr Lba kDefaultCdCapacity = 359847;
+inline constexpr Lba kMaximalCdCapacity = 445000;
+/// The shortest track a CD can have, four seconds; no capacity may be smaller.
+inline constexpr Lba kShortestCdTrack = 300;
+
+/// The capacity of a medium that is bought without a word about it, and the bounds of what can be
+/// asked for.
+struct CapacityBounds {
+  Lba standard;
+  Lba smallest;
+  Lba largest;
+};
+CapacityBounds capacityBounds(MediumKind kind);
+
+}  // namespace kelvane::virtualdrive

@@ -1,0 +1,111 @@
+// SPDX-License-Identifier: GPL-2.0-or-later
+#include "virtualdrive/state/disc_checks.h"
+
+#include <algorithm>
+
+namespace kelvane::virtualdrive {
+namespace {
+
+std::string named(const char* what, int number) {
+  return what + (" " + std::to_string(number));
+}
+
+std::string contradictionInTracks(const DiscState& disc) {
+  Lba free = 0;
+  int session = 1;
+  for (const auto& track : disc.tracks) {
+    const auto name = named("track", track.number);
+    if (track.start < free) return name + " begins before the one before it ends";
+    if (track.session < session || track.session > disc.openSession()) {
+      return name + " belongs to no session that can be";
+    }
+    if (track.end() > disc.capacity) return name + " reaches beyond the disc";
+    if (track.reserved > 0 && track.recorded > track.reserved) return name + " is overfull";
+    if (track.complete && track.recorded == 0) return name + " is complete but empty";
+    if (!track.growsWithFile() && track.start + track.recorded > disc.fileSectors &&
+        track.recorded > 0) {
+      return name + " is longer than the file of sectors";
+    }
+    if (track.growsWithFile() && &track != &disc.tracks.back()) {
+      return name + " is open but not the last";
+    }
+    session = track.session;
+    free = track.end();
+  }
+  return {};
+}
+
+std::string contradictionInSessions(const DiscState& disc) {
+  int nextTrack = 1;
+  for (const auto& session : disc.sessions) {
+    const auto name = named("session", session.number);
+    const auto* last = disc.trackNumbered(session.lastTrack);
+    if (session.firstTrack != nextTrack || session.lastTrack < session.firstTrack ||
+        last == nullptr) {
+      return name + " has no tracks that can be";
+    }
+    for (int number = session.firstTrack; number <= session.lastTrack; ++number) {
+      const auto* track = disc.trackNumbered(number);
+      if (track->session != session.number || !track->complete) {
+        return name + " is closed but its " + named("track", number) + " is not";
+      }
+    }
+    if (session.leadOut < last->end()) return name + " ends before its last track does";
+    const auto* following = disc.trackNumbered(session.lastTrack + 1);
+    if (following != nullptr && following->start < session.leadOut) {
+      return name + " ends after the next one has begun";
+    }
+    nextTrack = session.lastTrack + 1;
+  }
+  for (const auto& track : disc.tracks) {
+    if (track.number >= nextTrack && track.session != disc.openSession()) {
+      return named("track", track.number) + " belongs to a session that is not there";
+    }
+  }
+  if (disc.finalized && (disc.sessions.empty() || disc.openSessionHasTracks())) {
+    return "the disc is closed for good, but its last session is not";
+  }
+  return {};
+}
+
+std::string contradictionInCueSheet(const DiscState& disc) {
+  if (!disc.cueSheet) return {};
+  const auto& sheet = *disc.cueSheet;
+  if (!disc.tracks.empty()) return "there is a cue sheet on a disc with tracks";
+  Lba free = 0;
+  for (const auto& track : sheet.tracks) {
+    if (track.start < free) return "the tracks of the cue sheet overlap";
+    free = track.start + track.sectors;
+  }
+  if (sheet.tracks.empty() || sheet.leadOut != free) return "the cue sheet has no proper end";
+  if (sheet.leadOut > disc.capacity + 2) return "the cue sheet reaches beyond the disc";
+  if (disc.fileSectors > sheet.leadOut) return "the file of sectors is longer than the cue sheet";
+  return {};
+}
+
+}  // namespace
+
+std::string takeFileLength(DiscState* disc, std::uint64_t fileBytes) {
+  const auto sectors = fileBytes / kSectorBytes;
+  if (sectors > static_cast<std::uint64_t>(disc->capacity) + 2) {
+    return "the file of sectors is longer than the disc";
+  }
+  disc->fileSectors = static_cast<Lba>(sectors);
+  Lba described = 0;
+  for (const auto& track : disc->tracks) described = std::max(described, track.end());
+  if (!disc->tracks.empty() && disc->tracks.back().growsWithFile()) {
+    auto& track = disc->tracks.back();
+    track.recorded = std::max(0, disc->fileSectors - track.start);
+  } else if (!disc->cueSheet && disc->fileSectors > described) {
+    return "the file of sectors is longer than the tracks";
+  }
+  return {};
+}
+
+std::string contradictionIn(const DiscState& disc) {
+  if (auto wrong = contradictionInTracks(disc); !wrong.empty()) return wrong;
+  if (auto wrong = contradictionInSessions(disc); !wrong.empty()) return wrong;
+  return contradictionInCueSheet(disc);
+}
+
+}  // namespace kelvane::virtualdrive

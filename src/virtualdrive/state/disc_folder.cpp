@@ -1,0 +1,192 @@
+// SPDX-License-Identifier: GPL-2.0-or-later
+#include "virtualdrive/state/disc_folder.h"
+
+#include <fcntl.h>
+#include <pthread.h>
+#include <sys/file.h>
+#include <sys/stat.h>
+
+#include <cerrno>
+#include <cstring>
+
+#include "virtualdrive/state/disc_json.h"
+#include "virtualdrive/state/drive_json.h"
+
+namespace kelvane::virtualdrive {
+namespace {
+
+constexpr std::size_t kLongestDescription = 1 << 20;
+
+std::string quoted(const std::filesystem::path& path) {
+  return "“" + path.string() + "”";
+}
+
+bool fail(std::string* error, const std::string& what) {
+  *error = what;
+  return false;
+}
+
+/// Reads a file that can only be short. Empty where it cannot be read, is no plain file or is too
+/// long.
+std::optional<std::string> readShortFile(const std::filesystem::path& path) {
+  struct stat status {};
+  if (stat(path.c_str(), &status) != 0 || !S_ISREG(status.st_mode)) return std::nullopt;
+  const FileDescriptor file(open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK));
+  if (!file || static_cast<std::size_t>(status.st_size) > kLongestDescription) return std::nullopt;
+  std::string text(static_cast<std::size_t>(status.st_size), '\0');
+  std::size_t have = 0;
+  while (have < text.size()) {
+    const auto count = read(file.get(), text.data() + have, text.size() - have);
+    if (count < 0 && errno == EINTR) continue;
+    if (count <= 0) break;
+    have += static_cast<std::size_t>(count);
+  }
+  text.resize(have);
+  return text;
+}
+
+bool writeAll(int descriptor, std::string_view text) {
+  while (!text.empty()) {
+    const auto count = write(descriptor, text.data(), text.size());
+    if (count < 0 && errno == EINTR) continue;
+    if (count <= 0) return false;
+    text.remove_prefix(static_cast<std::size_t>(count));
+  }
+  return true;
+}
+
+/// Puts `text` in the place of the file in one step. The lock makes the temporary name nobody
+/// else's.
+bool replaceFile(const std::filesystem::path& path, std::string_view text) {
+  auto temporary = path;
+  temporary += ".new";
+  const FileDescriptor file(
+      open(temporary.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, 0666));
+  if (file && writeAll(file.get(), text) && rename(temporary.c_str(), path.c_str()) == 0) {
+    return true;
+  }
+  unlink(temporary.c_str());
+  return false;
+}
+
+}  // namespace
+
+SignalsBlocked::SignalsBlocked() {
+  sigset_t all;
+  sigfillset(&all);
+  pthread_sigmask(SIG_SETMASK, &all, &before_);
+}
+
+SignalsBlocked::~SignalsBlocked() {
+  pthread_sigmask(SIG_SETMASK, &before_, nullptr);
+}
+
+std::optional<DiscFolder> DiscFolder::lock(const std::filesystem::path& folder,
+                                           std::string* error) {
+  struct stat status {};
+  if (stat(folder.c_str(), &status) != 0) {
+    *error = errno == ENOENT ? "There is no disc " + quoted(folder) + "."
+                             : "The disc " + quoted(folder) +
+                                   " cannot be reached: " + std::strerror(errno) + ".";
+    return std::nullopt;
+  }
+  if (!S_ISDIR(status.st_mode) || access((folder / "disc.json").c_str(), F_OK) != 0) {
+    *error = quoted(folder) + " is not the folder of a disc.";
+    return std::nullopt;
+  }
+  FileDescriptor lock(open((folder / "lock").c_str(), O_RDWR | O_CREAT | O_CLOEXEC, 0666));
+  if (!lock) lock = FileDescriptor(open((folder / "lock").c_str(), O_RDONLY | O_CLOEXEC));
+  int result = lock ? 0 : -1;
+  while (result == 0 && flock(lock.get(), LOCK_EX) != 0) {
+    if (errno != EINTR)
+      result = -1;
+    else
+      continue;
+  }
+  if (result != 0) {
+    *error = "The disc " + quoted(folder) + " cannot be locked: " + std::strerror(errno) + ".";
+    return std::nullopt;
+  }
+  DiscFolder locked(folder, std::move(lock));
+  if (!locked.load(error)) return std::nullopt;
+  return locked;
+}
+
+bool DiscFolder::load(std::string* error) {
+  sectors_ = SectorFile::open(folder_ / "sectors");
+  if (!sectors_) {
+    return fail(error,
+                "The disc " + quoted(folder_) + " is damaged: its sectors cannot be opened.");
+  }
+  if (!loadDisc(error)) return false;
+  const auto text = readShortFile(folder_ / "drive.json");
+  std::string why = "it cannot be read";
+  const auto loaded = text ? driveFromJson(*text, &why) : std::nullopt;
+  if (!loaded) {
+    return fail(error, "The disc " + quoted(folder_) + " is damaged: drive.json: " + why + ".");
+  }
+  drive = *loaded;
+  return true;
+}
+
+bool DiscFolder::loadDisc(std::string* error) {
+  const auto text = readShortFile(folder_ / "disc.json");
+  const auto length = sectors_->length();
+  std::string why = "it cannot be read";
+  const auto parsed = text && length ? discFromJson(*text, *length, &why) : std::nullopt;
+  if (!parsed) {
+    return fail(error, "The disc " + quoted(folder_) + " cannot be used: disc.json: " + why + ".");
+  }
+  disc = parsed->disc;
+  if (parsed->cutSectorsTo) {
+    if (!sectors_->resize(*parsed->cutSectorsTo) || !storeDisc()) {
+      return fail(error, "The disc " + quoted(folder_) + " cannot be written to.");
+    }
+    disc.fileSectors = *parsed->cutSectorsTo;
+  }
+  return true;
+}
+
+bool DiscFolder::create(const std::filesystem::path& folder, const DiscState& disc,
+                        const DriveState& drive, std::string* error) {
+  if (mkdir(folder.c_str(), 0777) != 0) {
+    const auto why = errno;
+    return fail(error, why == EEXIST
+                           ? quoted(folder) + " exists already."
+                           : quoted(folder) + " cannot be made: " + std::strerror(why) + ".");
+  }
+  const FileDescriptor sectors(
+      open((folder / "sectors").c_str(), O_RDWR | O_CREAT | O_EXCL | O_CLOEXEC, 0666));
+  const FileDescriptor lock(
+      open((folder / "lock").c_str(), O_RDWR | O_CREAT | O_EXCL | O_CLOEXEC, 0666));
+  // The description comes last: a folder without it is no disc.
+  if (sectors && lock && replaceFile(folder / "drive.json", driveToJson(drive)) &&
+      replaceFile(folder / "disc.json", discToJson(disc))) {
+    return true;
+  }
+  const auto why = errno;
+  std::error_code ignored;
+  std::filesystem::remove_all(folder, ignored);
+  return fail(error, quoted(folder) + " cannot be filled: " + std::strerror(why) + ".");
+}
+
+bool DiscFolder::storeDisc() {
+  return replaceFile(folder_ / "disc.json", discToJson(disc));
+}
+
+bool DiscFolder::storeDrive() {
+  return replaceFile(folder_ / "drive.json", driveToJson(drive));
+}
+
+bool DiscFolder::removeEverything() {
+  DiscState blank;
+  blank.medium = disc.medium;
+  blank.capacity = disc.capacity;
+  if (!replaceFile(folder_ / "disc.json", blankingToJson(blank)) || !sectors_->resize(0)) {
+    return false;
+  }
+  disc = blank;
+  return storeDisc();
+}
+
+}  // namespace kelvane::virtualdrive

@@ -1,0 +1,93 @@
+// SPDX-License-Identifier: GPL-2.0-or-later
+#pragma once
+
+#include <cstdint>
+#include <optional>
+#include <vector>
+
+#include "virtualdrive/medium_kind.h"
+
+namespace kelvane::virtualdrive {
+
+/// How the sectors of a track are recorded on a CD.
+enum class TrackForm : std::uint8_t {
+  Mode1 = 1,
+  /// Mode 2 form 1, the sectors of CD-ROM XA.
+  Mode2Form1 = 2,
+};
+
+struct Track {
+  int number = 1;
+  /// The session it belongs to, counted from 1.
+  int session = 1;
+  Lba start = 0;
+  /// Sectors that hold data.
+  Lba recorded = 0;
+  /// Sectors set aside for it by RESERVE TRACK; 0 where nothing was reserved.
+  Lba reserved = 0;
+  /// A complete track takes no more data.
+  bool complete = false;
+  TrackForm form = TrackForm::Mode1;
+
+  /// Sectors the track occupies, its run-out apart.
+  Lba size() const { return reserved > recorded ? reserved : recorded; }
+  Lba end() const { return start + size(); }
+  bool growsWithFile() const { return !complete && reserved == 0; }
+};
+
+/// A closed session: it has a lead-in and a lead-out.
+struct Session {
+  int number = 1;
+  int firstTrack = 1;
+  int lastTrack = 1;
+  /// Where its lead-out begins.
+  Lba leadOut = 0;
+};
+
+/// A track of a session that is written at once, as its cue sheet announces it.
+struct CueTrack {
+  Lba start = 0;
+  Lba sectors = 0;
+  TrackForm form = TrackForm::Mode1;
+};
+
+/// The cue sheet of a session that is being written at once (MMC-5, 6.33 SEND CUE SHEET).
+struct CueSheet {
+  std::vector<CueTrack> tracks;
+  Lba leadOut = 0;
+  /// Sectors of the gap before the first track that have arrived, of 150. They precede LBA 0 and
+  /// are not kept.
+  Lba gapWritten = 0;
+};
+
+/// What is on a disc.
+struct DiscState {
+  MediumKind medium = MediumKind::CdR;
+  /// Sectors that one session on the blank disc can hold.
+  Lba capacity = kDefaultCdCapacity;
+  /// Every track, in order of number and address. Only the last may be open to growth.
+  std::vector<Track> tracks;
+  /// The closed sessions. Tracks of a session that is not among them belong to the open session.
+  std::vector<Session> sessions;
+  /// Closed for good: nothing can be appended.
+  bool finalized = false;
+  std::optional<CueSheet> cueSheet;
+  /// Sectors the file reaches to; whole ones only. Not part of the description, it comes from the
+  /// file.
+  Lba fileSectors = 0;
+
+  bool blank() const {
+    return tracks.empty() && sessions.empty() && !finalized && !cueSheetBegun();
+  }
+  bool cueSheetBegun() const { return cueSheet && (cueSheet->gapWritten > 0 || fileSectors > 0); }
+  int openSession() const { return static_cast<int>(sessions.size()) + 1; }
+  bool openSessionHasTracks() const {
+    return !tracks.empty() && tracks.back().session == openSession();
+  }
+  const Track* trackNumbered(int number) const {
+    if (number < 1 || number > static_cast<int>(tracks.size())) return nullptr;
+    return &tracks[static_cast<std::size_t>(number - 1)];
+  }
+};
+
+}  // namespace kelvane::virtualdrive
