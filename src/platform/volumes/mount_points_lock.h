@@ -20,9 +20,10 @@ class MountPointsLock {
   MountPointsLock& operator=(MountPointsLock&& other) noexcept;
 
  private:
-  explicit MountPointsLock(int descriptor) : descriptor_(descriptor) {}
+  MountPointsLock(int descriptor, std::string path);
 
   int descriptor_ = -1;  // Closed on exec, so that no child keeps the lock.
+  std::string path_;     // The file that is locked; removed with the lock.
 };
 
 }  // namespace kelvane

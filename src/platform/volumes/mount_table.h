@@ -52,7 +52,11 @@ std::vector<MountTableLine> readMountTable();
 /// program behind its file system is dead. Any thread; asks the file system, so it may wait for it.
 std::optional<MountTableEntry> mountTableEntry(const std::string& path);
 
-/// Whether something is mounted exactly at `path` (absolute, without links), answering or not.
+/// `mountPoint` as the mount table writes it: the links of the folders above it resolved. Does not
+/// ask what is mounted there.
+std::string resolvedMountPoint(const std::string& mountPoint);
+
+/// Whether something is mounted exactly at `path`, answering or not.
 bool isMountPoint(const std::string& path);
 
 }  // namespace kelvane

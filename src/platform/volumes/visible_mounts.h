@@ -2,11 +2,10 @@
 #pragma once
 
 #include <cstdint>
-#include <functional>
 #include <map>
+#include <optional>
 #include <set>
 #include <string>
-#include <vector>
 
 #include "platform/recording/dr_device_status.h"
 
@@ -24,7 +23,7 @@ class DRDevice;
 /// is not mounted.
 class VisibleMounts {
  public:
-  VisibleMounts();
+  VisibleMounts() = default;
   /// Unmounts everything that was mounted from the emulated drives, whoever mounted it.
   ~VisibleMounts();
   VisibleMounts(const VisibleMounts&) = delete;
@@ -54,7 +53,8 @@ class VisibleMounts {
     int64_t sessionStart = 0;
   };
 
-  void mount(DRDevice& device, int64_t sessionStart);
+  void deviceStatusChanged(const void* device);
+  void mount(const DRDevice& device, int64_t sessionStart);
 
   std::map<std::string, Mounted> mounted_;  // By the drive's BSD name.
   std::set<std::string> held_;

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <chrono>
+#include <memory>
 #include <optional>
 #include <string>
 #include <vector>
@@ -10,6 +11,13 @@
 #include "platform/volumes/mount_table.h"
 
 namespace kelvane {
+
+/// A disc that is being mounted. Deleted by the thread that asked for it once that is not
+/// interested any more: a mount that has come stays, one that has not come is given up.
+class MountRequest {
+ public:
+  virtual ~MountRequest() = default;
+};
 
 /// What the operations on disc volumes need of the system: reading the mount table, mounting,
 /// unmounting, waiting. The system's own stands behind `system()`; tests put one of their own in
@@ -39,8 +47,8 @@ class VolumeServices {
   /// Makes the folder and those above it. Errors are ignored.
   virtual void createDirectory(const std::string& path) = 0;
 
-  /// Asks for the disc to be mounted and does not wait for it.
-  virtual void requestMount(const DiscMount& mount) = 0;
+  /// Asks for the disc to be mounted and does not wait for it. Null where it cannot be asked for.
+  virtual std::unique_ptr<MountRequest> requestMount(const DiscMount& mount) = 0;
 
   virtual void sleep(std::chrono::milliseconds duration) = 0;
 
