@@ -13,7 +13,7 @@ struct DRDeviceMediaInfo;
 /// Where a track's data comes from.
 ///
 /// The recorder is a process of its own, so that a recording survives the application. It makes a
-/// producer itself from `filePath` and calls the three operations there: prepare once, produce
+/// producer itself from `sourcePath` and calls the three operations there: prepare once, produce
 /// until the track is full, clean up once. There the arguments that stand for the application's own
 /// objects are null; a producer must not need them.
 class DRTrackProducer {
@@ -21,7 +21,7 @@ class DRTrackProducer {
   virtual ~DRTrackProducer() = default;
 
   /// The file that holds the data, absolute.
-  virtual std::string filePath() const = 0;
+  virtual std::string sourcePath() const = 0;
 
   /// Gets ready to deliver the track from its beginning.
   virtual bool prepareTrack(DRTrack* track, DRBurn* forBurn, const DRDeviceMediaInfo* toMedia) = 0;

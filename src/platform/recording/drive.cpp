@@ -1,0 +1,121 @@
+// SPDX-License-Identifier: GPL-2.0-or-later
+#include "platform/recording/drive.h"
+
+#include <filesystem>
+#include <system_error>
+#include <utility>
+
+#include "platform/recording/mmc/inquiry.h"
+#include "platform/recording/mmc/tray.h"
+
+namespace kelvane {
+namespace {
+
+// Somebody who only looks whether the lock is free holds it for a moment.
+constexpr std::chrono::milliseconds kLockPatience{100};
+
+}  // namespace
+
+Drive::Drive(DriveIdentity identity, std::unique_ptr<mmc::Transport> transport)
+    : identity_(std::move(identity)), transport_(std::move(transport)) {}
+
+bool Drive::exists() const {
+  std::error_code failure;
+  return std::filesystem::exists(identity_.presencePath, failure);
+}
+
+// The drive's name and abilities do not change, so they are asked for once, while it may be asked.
+void Drive::learnNames() const {
+  if (leftAlone_) return;
+  if (!displayName_) {
+    if (const auto inquiry = mmc::readInquiry(*transport_)) {
+      const bool both = !inquiry->vendor.empty() && !inquiry->product.empty();
+      displayName_ = inquiry->vendor + (both ? " " : "") + inquiry->product;
+    }
+  }
+  if (!writesCD_) {
+    if (const auto configuration = mmc::readConfiguration(*transport_)) {
+      writesCD_ =
+          configuration->supports(mmc::Profile::CdR) || configuration->supports(mmc::Profile::CdRw);
+    }
+  }
+}
+
+std::string Drive::displayName() const {
+  const std::lock_guard guard(mutex_);
+  learnNames();
+  return displayName_.value_or(identity_.bsdName);
+}
+
+bool Drive::writesCD() const {
+  const std::lock_guard guard(mutex_);
+  learnNames();
+  return writesCD_.value_or(false);
+}
+
+MediaState Drive::mediaState() const {
+  const std::lock_guard guard(mutex_);
+  if (!leftAlone_) lastState_ = readMediaState(*transport_);
+  return lastState_;
+}
+
+DRDeviceStatus Drive::status() const {
+  const std::lock_guard guard(mutex_);
+  if (!leftAlone_) lastStatus_ = readDeviceStatus(*transport_);
+  return lastStatus_;
+}
+
+bool Drive::acquireExclusiveAccess() {
+  const std::lock_guard guard(mutex_);
+  if (!exclusiveAccess_) {
+    exclusiveAccess_ = FileLock::acquire(identity_.exclusiveLockPath, kLockPatience);
+  }
+  return exclusiveAccess_.has_value();
+}
+
+void Drive::releaseExclusiveAccess() {
+  const std::lock_guard guard(mutex_);
+  exclusiveAccess_.reset();
+}
+
+bool Drive::isRecordedByAnyone() const {
+  return !identity_.recordingLockPath.empty() && FileLock::isHeld(identity_.recordingLockPath);
+}
+
+bool Drive::openTray() {
+  const std::lock_guard guard(mutex_);
+  if (leftAlone_) return false;
+  // A lock that a program left behind must not keep the disc in; whether it can be lifted shows in
+  // the answer to the next command.
+  static_cast<void>(mmc::allowMediumRemoval(*transport_));
+  if (!mmc::openTray(*transport_).isGood()) return false;
+  ++trayOpenings_;
+  return true;
+}
+
+bool Drive::closeTray() {
+  const std::lock_guard guard(mutex_);
+  return !leftAlone_ && mmc::closeTray(*transport_).isGood();
+}
+
+std::optional<mmc::MediaEventStatus> Drive::mediaEvent() const {
+  const std::lock_guard guard(mutex_);
+  if (leftAlone_) return std::nullopt;
+  return mmc::readMediaEvent(*transport_);
+}
+
+void Drive::leaveAlone() {
+  const std::lock_guard guard(mutex_);
+  if (leftAlone_) return;
+  learnNames();
+  lastState_ = readMediaState(*transport_);
+  lastStatus_ = readDeviceStatus(*transport_);
+  leftAlone_ = true;
+}
+
+void Drive::askAgain() {
+  const std::lock_guard guard(mutex_);
+  leftAlone_ = false;
+}
+
+}  // namespace kelvane

@@ -1,0 +1,86 @@
+// SPDX-License-Identifier: GPL-2.0-or-later
+#pragma once
+
+#include <atomic>
+#include <map>
+#include <memory>
+#include <mutex>
+#include <optional>
+#include <string>
+
+#include "platform/recording/dr_device_status.h"
+#include "platform/recording/file_lock.h"
+#include "platform/recording/media_state.h"
+#include "platform/recording/mmc/event_status.h"
+#include "platform/recording/mmc_transport.h"
+
+namespace kelvane {
+
+/// The names and paths that belong to a drive. They never change.
+struct DriveIdentity {
+  std::string bsdName;
+  std::string ioRegistryEntryPath;
+  /// Exists for as long as the drive does.
+  std::string presencePath;
+  /// Locked by the process that has the drive for itself.
+  std::string exclusiveLockPath;
+  /// Locked by a recorder while it writes; empty where recorders exclude each other anyhow.
+  std::string recordingLockPath;
+  /// The folder of an emulated drive's disc.
+  std::optional<std::string> emulatedDisc;
+  /// The drive's path for a program that opens it itself, and what that program's environment needs
+  /// besides for the path to work.
+  std::string programPath;
+  std::map<std::string, std::string> programEnvironment;
+};
+
+/// The connection to one drive: the transport, what was last heard over it, and the locks.
+/// Thread-safe.
+class Drive {
+ public:
+  Drive(DriveIdentity identity, std::unique_ptr<mmc::Transport> transport);
+
+  const DriveIdentity& identity() const { return identity_; }
+
+  bool exists() const;
+  std::string displayName() const;
+  bool writesCD() const;
+
+  /// Asks the drive, or repeats what it last said where it is being recorded on.
+  MediaState mediaState() const;
+  DRDeviceStatus status() const;
+
+  bool acquireExclusiveAccess();
+  void releaseExclusiveAccess();
+  /// Whether another process's recorder works on the drive, as far as that can be seen.
+  bool isRecordedByAnyone() const;
+
+  bool openTray();
+  bool closeTray();
+  /// How often the tray was opened from here.
+  int trayOpenings() const { return trayOpenings_; }
+
+  /// From now on the drive is left alone, and the last answers are repeated.
+  void leaveAlone();
+  void askAgain();
+
+  /// Whether the medium was changed, as GET EVENT STATUS NOTIFICATION tells it.
+  std::optional<mmc::MediaEventStatus> mediaEvent() const;
+
+ private:
+  void learnNames() const;
+
+  DriveIdentity identity_;
+  std::unique_ptr<mmc::Transport> transport_;
+
+  mutable std::mutex mutex_;  // Guards the transport and all that follows.
+  mutable std::optional<std::string> displayName_;
+  mutable std::optional<bool> writesCD_;
+  mutable MediaState lastState_;
+  mutable DRDeviceStatus lastStatus_;
+  std::optional<FileLock> exclusiveAccess_;
+  bool leftAlone_ = false;
+  std::atomic<int> trayOpenings_{0};
+};
+
+}  // namespace kelvane

@@ -1,0 +1,66 @@
+// SPDX-License-Identifier: GPL-2.0-or-later
+#pragma once
+
+#include <map>
+#include <memory>
+#include <optional>
+
+#include "platform/recording/media_state.h"
+#include "platform/recording/mmc/event_status.h"
+
+class QFileSystemWatcher;
+class QTimer;
+
+namespace kelvane {
+
+class DRDevice;
+
+/// Notices what happens to the drives, and posts DRDeviceStatusChangedNotification for each change.
+///
+/// The folder of an emulated disc is watched by the kernel; a real drive is asked every two seconds
+/// whether its medium has changed. Either only makes the watcher look: a notification is posted
+/// where the drive is in another state than before. Main thread only.
+class DriveWatcher {
+ public:
+  static DriveWatcher& shared();
+
+  DriveWatcher();
+  ~DriveWatcher();
+
+  /// Starts to watch, and posts one notification for each drive. Does nothing where it watches
+  /// already, or without an application object.
+  void start();
+  /// Stops. Called by itself when the application object goes.
+  void stop();
+
+  /// Looks at every drive soon, from the event loop. Without effect before `start`.
+  void checkSoon();
+
+ private:
+  // All by which one state of a drive differs from another.
+  struct Observation {
+    bool valid = false;
+    bool busy = false;
+    int trayOpenings = 0;
+    MediaState media;
+
+    friend bool operator==(const Observation&, const Observation&) = default;
+  };
+  struct Watched {
+    Observation observation;
+    std::optional<mmc::MediaEventStatus> tray;
+  };
+
+  static Observation observe(const DRDevice& device);
+  void check();
+  void poll();
+  void watchFolders();
+  bool trayHasMoved(const DRDevice& device);
+
+  std::unique_ptr<QFileSystemWatcher> folders_;
+  std::unique_ptr<QTimer> soon_;
+  std::unique_ptr<QTimer> poll_;
+  std::map<const DRDevice*, Watched> watched_;
+};
+
+}  // namespace kelvane

@@ -1,0 +1,120 @@
+// SPDX-License-Identifier: GPL-2.0-or-later
+#include "platform/recording/media_state.h"
+
+#include <algorithm>
+
+#include "platform/recording/dr_media_types.h"
+#include "platform/recording/mmc/disc_information.h"
+#include "platform/recording/mmc/track_information.h"
+#include "platform/recording/mmc/unit_ready.h"
+
+namespace kelvane {
+namespace {
+
+// A CD has at most 99 tracks, a DVD-R 2302 (MMC-5, 4.3.6.2). A drive that claims more is not
+// believed.
+constexpr uint16_t kMostTracks = 2302;
+
+std::optional<int64_t> nextWritableAddress(mmc::Transport& transport, uint16_t openTrack) {
+  const auto track = mmc::readTrackInformation(transport, openTrack);
+  if (!track) return std::nullopt;
+  return track->nextWritableAddress;
+}
+
+// A track as the device status shows it. The open track starts where the drive would write next,
+// which differs from its beginning where a recording was cut off.
+DRTrackInfo trackInfo(const mmc::TrackInformation& track, bool isOpenTrack) {
+  DRTrackInfo info;
+  info.DRTrackSessionNumberKey = track.session;
+  if (isOpenTrack) {
+    info.DRTrackStartAddressKey = track.nextWritableAddress;
+    return info;
+  }
+  info.DRTrackStartAddressKey = track.start;
+  info.DRTrackLengthKey = track.size;
+  return info;
+}
+
+}  // namespace
+
+MediaState readMediaState(mmc::Transport& transport) {
+  MediaState state;
+  const mmc::Readiness readiness = mmc::testUnitReady(transport);
+  state.transitioning = readiness == mmc::Readiness::BecomingReady;
+  if (readiness != mmc::Readiness::Ready && readiness != mmc::Readiness::Unusable) return state;
+  if (const auto configuration = mmc::readConfiguration(transport)) {
+    state.profile = configuration->currentProfile;
+  }
+  state.present = readiness == mmc::Readiness::Ready || state.profile != mmc::Profile::None;
+  const auto disc = mmc::readDiscInformation(transport);
+  if (!disc) return state;
+  state.blank = disc->status == mmc::DiscStatus::Blank;
+  state.appendable = disc->isOpen();
+  state.sessions = disc->sessions;
+  state.lastTrack = disc->lastTrackInLastSession;
+  if (disc->isOpen()) {
+    state.nextWritableAddress = nextWritableAddress(transport, disc->lastTrackInLastSession);
+  }
+  return state;
+}
+
+DRDeviceStatus readDeviceStatus(mmc::Transport& transport) {
+  DRDeviceStatus status;
+  const auto disc = mmc::readDiscInformation(transport);
+  if (!disc) return status;
+  DRDeviceMediaInfo& media = status.DRDeviceMediaInfoKey.emplace();
+  media.DRDeviceMediaSessionCountKey = disc->completeSessions();
+  const uint16_t first = std::max<uint16_t>(disc->firstTrack, 1);
+  const uint16_t last = std::min(disc->lastTrackInLastSession, kMostTracks);
+  for (uint16_t number = first; number <= last; ++number) {
+    media.DRDeviceTrackRefsKey.push_back(number);
+    const auto track = mmc::readTrackInformation(transport, number);
+    if (!track) continue;
+    const bool isOpenTrack = disc->isOpen() && number == last;
+    media.DRDeviceTrackInfoKey[number] = trackInfo(*track, isOpenTrack);
+    if (isOpenTrack) media.DRDeviceMediaBlocksFreeKey = track->freeBlocks;
+  }
+  return status;
+}
+
+std::optional<std::string> mediaTypeOf(mmc::Profile profile) {
+  using mmc::Profile;
+  switch (profile) {
+    case Profile::CdRom:
+      return DRDeviceMediaTypeCDROM;
+    case Profile::CdR:
+      return DRDeviceMediaTypeCDR;
+    case Profile::CdRw:
+      return DRDeviceMediaTypeCDRW;
+    case Profile::DvdRom:
+      return DRDeviceMediaTypeDVDROM;
+    case Profile::DvdR:
+      return DRDeviceMediaTypeDVDR;
+    case Profile::DvdRam:
+      return DRDeviceMediaTypeDVDRAM;
+    case Profile::DvdRwRestrictedOverwrite:
+    case Profile::DvdRwSequential:
+      return DRDeviceMediaTypeDVDRW;
+    case Profile::DvdRDualLayerSequential:
+    case Profile::DvdRDualLayerJump:
+      return DRDeviceMediaTypeDVDRDualLayer;
+    case Profile::DvdPlusRw:
+      return DRDeviceMediaTypeDVDPlusRW;
+    case Profile::DvdPlusR:
+      return DRDeviceMediaTypeDVDPlusR;
+    case Profile::DvdPlusRDoubleLayer:
+      return DRDeviceMediaTypeDVDPlusRDoubleLayer;
+    case Profile::BdRom:
+      return DRDeviceMediaTypeBDROM;
+    case Profile::BdRSequential:
+    case Profile::BdRRandom:
+      return DRDeviceMediaTypeBDR;
+    case Profile::BdRe:
+      return DRDeviceMediaTypeBDRE;
+    case Profile::None:
+      break;
+  }
+  return std::nullopt;
+}
+
+}  // namespace kelvane
