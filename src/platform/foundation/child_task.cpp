@@ -47,10 +47,23 @@ void ChildTask::setEnvironmentVariable(const std::string& name, const std::strin
   environment_[name] = value;
 }
 
-void ChildTask::setForwardsStandardStreams() {
+void ChildTask::setStandardStreams(StandardStreams streams) {
+  streams_ = streams;
+  if (streams == StandardStreams::Pipes) return;
   process_->setStandardInputFile({});
   process_->setInputChannelMode(QProcess::ForwardedInputChannel);
   process_->setProcessChannelMode(QProcess::ForwardedChannels);
+}
+
+void ChildTask::configureChild() {
+  const bool ownSession = session_ == Session::OfItsOwn;
+  const bool outputToError = streams_ == StandardStreams::OwnOutputToError;
+  if (!ownSession && !outputToError) return;
+  // Runs in the child, between fork and exec.
+  process_->setChildProcessModifier([ownSession, outputToError] {
+    if (ownSession) setsid();
+    if (outputToError) dup2(STDERR_FILENO, STDOUT_FILENO);
+  });
 }
 
 bool ChildTask::launch() {
@@ -61,9 +74,7 @@ bool ChildTask::launch() {
     environment.insert(QString::fromStdString(name), QString::fromStdString(value));
   }
   process_->setProcessEnvironment(environment);
-  if (session_ == Session::OfItsOwn) {
-    process_->setChildProcessModifier([] { setsid(); });
-  }
+  configureChild();
   QObject::connect(process_.get(), &QProcess::readyReadStandardOutput, [this] { deliverLines(); });
   QObject::connect(process_.get(), &QProcess::finished, [this] {
     deliverLines();

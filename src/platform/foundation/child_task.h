@@ -22,6 +22,10 @@ class ChildTask {
   /// this process.
   enum class Session { Shared, OfItsOwn };
 
+  /// What the child has for standard input, output and error: nothing and two pipes, our own three,
+  /// or our own with what it writes to its output going to our error.
+  enum class StandardStreams { Pipes, Own, OwnOutputToError };
+
   ChildTask();
   ~ChildTask();
   ChildTask(const ChildTask&) = delete;
@@ -33,9 +37,7 @@ class ChildTask {
   void setSession(Session session);
   /// Adds one variable to the environment, which otherwise is this process's own.
   void setEnvironmentVariable(const std::string& name, const std::string& value);
-  /// The child uses our own standard input, output and error. Otherwise its input is empty and the
-  /// other two are pipes.
-  void setForwardsStandardStreams();
+  void setStandardStreams(StandardStreams streams);
 
   /// Starts the child. False where it cannot be started; `launchError` then says why.
   bool launch();
@@ -67,8 +69,11 @@ class ChildTask {
   std::string readStandardOutputToEnd();
   /// Asks the child to end (SIGTERM).
   void terminate();
+  /// Ends it (SIGKILL).
+  void kill();
 
  private:
+  void configureChild();
   void deliverLines();
 
   std::unique_ptr<QProcess> process_;
@@ -76,6 +81,7 @@ class ChildTask {
   std::vector<std::string> arguments_;
   std::map<std::string, std::string> environment_;
   Session session_ = Session::Shared;
+  StandardStreams streams_ = StandardStreams::Pipes;
   std::function<void(const std::string&)> lineHandler_;
   std::function<void()> endHandler_;
   std::string incompleteLine_;
