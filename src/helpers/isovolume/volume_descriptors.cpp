@@ -90,7 +90,9 @@ std::optional<VolumeDescriptors> readVolumeDescriptors(BlockSource& source, Lba 
     take(block, &found);
   }
   if (found.primary || found.joliet) return found;
-  if (!anyRead) {
+  if (first >= source.sizeInBlocks()) {
+    *error = "too short to hold a volume at block " + std::to_string(sessionStart);
+  } else if (!anyRead) {
     *error = "block " + std::to_string(first) + " cannot be read";
   } else if (!anyDescriptor) {
     *error = "no ISO-9660 volume at block " + std::to_string(sessionStart);
