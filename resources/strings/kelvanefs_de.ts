@@ -1,0 +1,363 @@
+<?xml version="1.0" encoding="utf-8"?>
+<!DOCTYPE TS>
+<!-- SPDX-License-Identifier: GPL-2.0-or-later -->
+<TS version="2.1" language="de_DE" sourcelanguage="en">
+<context>
+    <name></name>
+    <!-- Buttons of sheets -->
+    <message id="OK">
+        <source>OK</source>
+        <translation>OK</translation>
+    </message>
+    <message id="Cancel">
+        <source>Cancel</source>
+        <translation>Abbrechen</translation>
+    </message>
+    <message id="Install">
+        <source>Install</source>
+        <translation>Installieren</translation>
+    </message>
+    <message id="Quit">
+        <source>Quit</source>
+        <translation>Beenden</translation>
+    </message>
+    <message id="Erase">
+        <source>Erase</source>
+        <translation>Löschen</translation>
+    </message>
+    <!-- The window -->
+    <message id="buttonopen">
+        <source>Open Disc</source>
+        <translation>Disc öffnen</translation>
+    </message>
+    <message id="buttonclose">
+        <source>Close Disc</source>
+        <translation>Disc schließen</translation>
+    </message>
+    <message id="ShowDisk">
+        <source>Show Files</source>
+        <translation>Dateien zeigen</translation>
+    </message>
+    <message id="InsertDisc">
+        <source>Insert Disc</source>
+        <translation>Disc einlegen</translation>
+    </message>
+    <message id="InsertDiscNamed">
+        <source>Insert “%@”</source>
+        <translation>„%@“ einlegen</translation>
+    </message>
+    <message id="insertdisk">
+        <source>Insert a CD or DVD that can still be written to.</source>
+        <translation>Legen Sie eine CD oder DVD ein, die noch beschreibbar ist.</translation>
+    </message>
+    <message id="loadingdisk">
+        <source>Loading disc…</source>
+        <translation>Disc wird geladen …</translation>
+    </message>
+    <message id="headerDisksAvail">
+        <source>Available discs</source>
+        <translation>Verfügbare Discs</translation>
+    </message>
+    <message id="headerDisksMounting">
+        <source>Opening the disc…</source>
+        <translation>Disc wird geöffnet …</translation>
+    </message>
+    <message id="headerDisksRemounted">
+        <source>The disc is open for changes</source>
+        <translation>Die Disc ist zum Ändern geöffnet</translation>
+    </message>
+    <message id="burningdisk">
+        <source>Writing to the disc</source>
+        <translation>Die Disc wird beschrieben</translation>
+    </message>
+    <message id="diskfull">
+        <source>Disc is full</source>
+        <translation>Disc ist voll</translation>
+    </message>
+    <message id="unsupporteddiskformat">
+        <source>Format not supported</source>
+        <translation>Format nicht unterstützt</translation>
+    </message>
+    <message id="unsupporteddisktype">
+        <source>Disc type not supported</source>
+        <translation>Disc-Art nicht unterstützt</translation>
+    </message>
+    <message id="viewSizeOfDisk">
+        <source>%i MB free</source>
+        <translation>%i MB frei</translation>
+    </message>
+    <message id="viewSizeNotAvail">
+        <source>Free space unknown</source>
+        <translation>Freier Platz unbekannt</translation>
+    </message>
+    <!-- What the window tells those who cannot see it -->
+    <message id="AccessibleHeader">
+        <source>Status</source>
+        <translation>Status</translation>
+    </message>
+    <message id="AccessibleMessage">
+        <source>Message</source>
+        <translation>Meldung</translation>
+    </message>
+    <message id="AccessibleDiskList">
+        <source>Discs</source>
+        <translation>Discs</translation>
+    </message>
+    <message id="AccessibleDiskListLong">
+        <source>The discs in your drives. Press Enter to open the selected one.</source>
+        <translation>Die Discs in Ihren Laufwerken. Mit der Eingabetaste öffnen Sie die ausgewählte.</translation>
+    </message>
+    <message id="AccessibleDiskIcon">
+        <source>Disc</source>
+        <translation>Disc</translation>
+    </message>
+    <message id="AccessibleMountedItem">
+        <source>Open disc</source>
+        <translation>Geöffnete Disc</translation>
+    </message>
+    <message id="AccessibleVolumeName">
+        <source>Name of the disc</source>
+        <translation>Name der Disc</translation>
+    </message>
+    <message id="AccessibleDeviceName">
+        <source>Kind of disc and drive</source>
+        <translation>Art der Disc und Laufwerk</translation>
+    </message>
+    <message id="AccessibleSizeInformation">
+        <source>Free space on the disc</source>
+        <translation>Freier Platz auf der Disc</translation>
+    </message>
+    <message id="AccessibleBurnView">
+        <source>Burning</source>
+        <translation>Brennvorgang</translation>
+    </message>
+    <message id="AccessibleBurnMessage">
+        <source>What is being done</source>
+        <translation>Was gerade geschieht</translation>
+    </message>
+    <message id="AccessibleBurnProgress">
+        <source>Progress of the burn</source>
+        <translation>Fortschritt des Brennens</translation>
+    </message>
+    <message id="ShowDiskLong">
+        <source>Show the files of the open disc in the file manager</source>
+        <translation>Die Dateien der geöffneten Disc in der Dateiverwaltung zeigen</translation>
+    </message>
+    <message id="InsertDiscLong">
+        <source>Put the disc back into its emulated drive</source>
+        <translation>Die Disc wieder in ihr emuliertes Laufwerk einlegen</translation>
+    </message>
+    <!-- The burn view -->
+    <message id="burnpreparing">
+        <source>Preparing to burn…</source>
+        <translation>Das Brennen wird vorbereitet …</translation>
+    </message>
+    <message id="preparingdata">
+        <source>Preparing the new session…</source>
+        <translation>Die neue Sitzung wird vorbereitet …</translation>
+    </message>
+    <message id="preparingemptydisk">
+        <source>Preparing the blank DVD-RW…</source>
+        <translation>Die leere DVD-RW wird vorbereitet …</translation>
+    </message>
+    <message id="burningchangescd">
+        <source>Writing your changes to the CD…</source>
+        <translation>Ihre Änderungen werden auf die CD geschrieben …</translation>
+    </message>
+    <message id="burningchangesdvd">
+        <source>Writing your changes to the DVD…</source>
+        <translation>Ihre Änderungen werden auf die DVD geschrieben …</translation>
+    </message>
+    <message id="erasingdisk">
+        <source>Erasing the disc…</source>
+        <translation>Die Disc wird gelöscht …</translation>
+    </message>
+    <message id="BurnPercent">
+        <source>%i %</source>
+        <translation>%i %</translation>
+    </message>
+    <!-- The burn confirmation sheet -->
+    <message id="BurnConfirmation">
+        <source>Burn your changes to the disc?</source>
+        <translation>Ihre Änderungen auf die Disc brennen?</translation>
+    </message>
+    <message id="BurnConfirmationLong">
+        <source>The changes are added to the disc as a new session; sessions burned before stay as they are. If you discard the changes, the disc keeps what it holds now and your changes are lost.</source>
+        <translation>Die Änderungen kommen als neue Sitzung auf die Disc; früher gebrannte Sitzungen bleiben, wie sie sind. Wenn Sie die Änderungen verwerfen, behält die Disc ihren jetzigen Inhalt, und Ihre Änderungen gehen verloren.</translation>
+    </message>
+    <message id="BurnConfirmationName">
+        <source>Disc name:</source>
+        <translation>Name der Disc:</translation>
+    </message>
+    <message id="BurnConfirmationSpeed">
+        <source>Speed:</source>
+        <translation>Tempo:</translation>
+    </message>
+    <message id="BurnConfirmationBurn">
+        <source>Burn</source>
+        <translation>Brennen</translation>
+    </message>
+    <message id="BurnConfirmationDiscard">
+        <source>Discard Changes</source>
+        <translation>Änderungen verwerfen</translation>
+    </message>
+    <message id="SpeedMaximum">
+        <source>As fast as the drive can</source>
+        <translation>So schnell das Laufwerk kann</translation>
+    </message>
+    <message id="SpeedMultiple">
+        <source>%i×</source>
+        <translation>%i×</translation>
+    </message>
+    <message id="DiscardChanges">
+        <source>Discard your changes?</source>
+        <translation>Ihre Änderungen verwerfen?</translation>
+    </message>
+    <message id="DiscardChangesLong">
+        <source>Everything that you have added, changed or deleted since you opened the disc is lost. The disc itself is not touched.</source>
+        <translation>Alles, was Sie seit dem Öffnen der Disc hinzugefügt, geändert oder gelöscht haben, geht verloren. Die Disc selbst bleibt unberührt.</translation>
+    </message>
+    <message id="DiscardChangesKeep">
+        <source>Keep Changes</source>
+        <translation>Änderungen behalten</translation>
+    </message>
+    <!-- Alerts -->
+    <message id="AlertDetail">
+        <source>What was reported: %@</source>
+        <translation>Gemeldet wurde: %@</translation>
+    </message>
+    <message id="InstallationIncomplete">
+        <source>KelvaneFS cannot use FUSE on this computer</source>
+        <translation>KelvaneFS kann FUSE auf diesem Rechner nicht benutzen</translation>
+    </message>
+    <message id="InstallationIncompleteLong">
+        <source>Discs are opened as writable volumes by means of FUSE, and it is not installed here or you may not use it. No disc has been touched. Choose Install to have the package “fuse3” installed, then start KelvaneFS again.</source>
+        <translation>KelvaneFS öffnet Discs mithilfe von FUSE als beschreibbare Volumes; FUSE ist hier nicht installiert, oder Sie dürfen es nicht benutzen. Keine Disc wurde verändert. Wählen Sie „Installieren“, um das Paket „fuse3“ installieren zu lassen, und starten Sie KelvaneFS danach neu.</translation>
+    </message>
+    <message id="Unmountfailed">
+        <source>The disc could not be opened</source>
+        <translation>Die Disc konnte nicht geöffnet werden</translation>
+    </message>
+    <message id="Unmountfailedlong">
+        <source>KelvaneFS could not find the disc’s own volume or could not take it over. Nothing on the disc has changed. Close the windows and programs that use the disc and open it again. If that does not help, eject the disc and insert it once more.</source>
+        <translation>KelvaneFS konnte das Volume der Disc nicht finden oder nicht übernehmen. Auf der Disc hat sich nichts geändert. Schließen Sie die Fenster und Programme, die die Disc benutzen, und öffnen Sie sie noch einmal. Hilft das nicht, werfen Sie die Disc aus und legen Sie sie wieder ein.</translation>
+    </message>
+    <message id="VolumeBusy">
+        <source>The disc is still in use</source>
+        <translation>Die Disc wird noch benutzt</translation>
+    </message>
+    <message id="VolumeBusyLong">
+        <source>A program still has files or folders of the disc open, so the disc cannot be closed yet. Your changes are safe and the disc stays open. Close that program, or leave the disc’s folder in it, then close the disc again.</source>
+        <translation>Ein Programm hat noch Dateien oder Ordner der Disc geöffnet, deshalb kann sie noch nicht geschlossen werden. Ihre Änderungen sind sicher, und die Disc bleibt geöffnet. Beenden Sie das Programm oder verlassen Sie darin den Ordner der Disc, und schließen Sie die Disc dann noch einmal.</translation>
+    </message>
+    <message id="MountFailed">
+        <source>The disc could not be opened for changes</source>
+        <translation>Die Disc konnte nicht zum Ändern geöffnet werden</translation>
+    </message>
+    <message id="MountFailedLong">
+        <source>The writable volume could not be mounted. Nothing on the disc has changed. Check that you may use FUSE and that no other volume lies at the place where KelvaneFS shows its discs, then open the disc again.</source>
+        <translation>Das beschreibbare Volume konnte nicht eingehängt werden. Auf der Disc hat sich nichts geändert. Prüfen Sie, ob Sie FUSE benutzen dürfen und ob dort, wo KelvaneFS seine Discs zeigt, kein anderes Volume liegt, und öffnen Sie die Disc dann noch einmal.</translation>
+    </message>
+    <message id="AlreadyRunning">
+        <source>KelvaneFS is already running</source>
+        <translation>KelvaneFS läuft bereits</translation>
+    </message>
+    <message id="AlreadyRunningLong">
+        <source>Only one disc can be open at a time on this computer, and another KelvaneFS is at work, perhaps another user’s. Nothing has been changed. Quit the other one first, then start this one again.</source>
+        <translation>Auf diesem Rechner kann nur eine Disc zur selben Zeit geöffnet sein, und ein anderes KelvaneFS arbeitet schon, vielleicht das eines anderen Benutzers. Nichts wurde verändert. Beenden Sie zuerst das andere, und starten Sie dieses dann noch einmal.</translation>
+    </message>
+    <message id="VolumesFolder">
+        <source>There is no place to show the disc</source>
+        <translation>Es gibt keinen Ort, an dem die Disc gezeigt werden kann</translation>
+    </message>
+    <message id="VolumesFolderLong">
+        <source>The folder in which opened discs appear can neither be found nor made. Nothing on the disc has changed. Make the folder /Volumes so that you can write to it, then open the disc again.</source>
+        <translation>Der Ordner, in dem geöffnete Discs erscheinen, ist nicht vorhanden und kann nicht angelegt werden. Auf der Disc hat sich nichts geändert. Legen Sie den Ordner /Volumes so an, dass Sie darin schreiben dürfen, und öffnen Sie die Disc dann noch einmal.</translation>
+    </message>
+    <message id="DriveNotUsable">
+        <source>The drive cannot be used</source>
+        <translation>Das Laufwerk kann nicht benutzt werden</translation>
+    </message>
+    <message id="DriveNotUsableLong">
+        <source>The drive or disc folder could not be read, so it is left out. Nothing on any disc has changed. Check that it exists and that you may read and write it, then start KelvaneFS again.</source>
+        <translation>Das Laufwerk oder der Disc-Ordner konnte nicht gelesen werden und wird deshalb ausgelassen. Auf keiner Disc hat sich etwas geändert. Prüfen Sie, ob es vorhanden ist und Sie es lesen und beschreiben dürfen, und starten Sie KelvaneFS dann noch einmal.</translation>
+    </message>
+    <message id="CreateTrackAbortedWithError">
+        <source>The new session could not be prepared</source>
+        <translation>Die neue Sitzung konnte nicht vorbereitet werden</translation>
+    </message>
+    <message id="CreateTrackAbortedWithErrorLong">
+        <source>Nothing was written: the disc holds what it held before, but your changes are lost. Usual causes are a full temporary folder, files that cannot be read, file names that are too much alike or not valid text, and files of 4 GB or more. Open the disc again and repeat the changes without the cause.</source>
+        <translation>Es wurde nichts geschrieben: Die Disc enthält, was sie vorher enthielt, aber Ihre Änderungen sind verloren. Übliche Ursachen sind ein voller Ordner für temporäre Dateien, nicht lesbare Dateien, zu ähnliche oder ungültig kodierte Dateinamen und Dateien ab 4 GB. Öffnen Sie die Disc noch einmal und wiederholen Sie die Änderungen ohne die Ursache.</translation>
+    </message>
+    <message id="CDBurnError">
+        <source>The CD could not be burned completely</source>
+        <translation>Die CD konnte nicht vollständig gebrannt werden</translation>
+    </message>
+    <message id="CDBurnErrorLong">
+        <source>The drive reported an error while it was writing, so the new session cannot be relied on, and your changes are lost. What was burned earlier is still on the CD. Insert it again to see whether it opens. If it does, repeat the changes and burn at a lower speed; if not, copy its files to a new CD.</source>
+        <translation>Das Laufwerk hat beim Schreiben einen Fehler gemeldet. Auf die neue Sitzung ist kein Verlass, und Ihre Änderungen sind verloren. Was früher gebrannt wurde, ist noch auf der CD. Legen Sie die CD wieder ein und sehen Sie nach, ob sie sich öffnen lässt. Wenn ja, wiederholen Sie die Änderungen und brennen Sie langsamer; wenn nein, kopieren Sie ihre Dateien auf eine neue CD.</translation>
+    </message>
+    <message id="DVDDeviceNotResponding">
+        <source>The drive does not respond</source>
+        <translation>Das Laufwerk antwortet nicht</translation>
+    </message>
+    <message id="DVDDeviceNotRespondingLong">
+        <source>The blank DVD-RW was prepared, but the drive did not become ready for it within 30 seconds. Your changes have not been written and are lost. The DVD is ejected; insert it again and repeat the changes. If this happens again, try another DVD.</source>
+        <translation>Die leere DVD-RW wurde vorbereitet, doch das Laufwerk war nach 30 Sekunden noch nicht bereit. Ihre Änderungen wurden nicht geschrieben und sind verloren. Die DVD wird ausgeworfen; legen Sie sie wieder ein und wiederholen Sie die Änderungen. Geschieht das noch einmal, versuchen Sie es mit einer anderen DVD.</translation>
+    </message>
+    <message id="DVDBurnError">
+        <source>The DVD could not be burned</source>
+        <translation>Die DVD konnte nicht gebrannt werden</translation>
+    </message>
+    <message id="DVDBurnErrorAllocLong">
+        <source>The drive’s answer about formatting this DVD makes no sense, so the burn was given up, and your changes are lost. What was burned earlier is still on the DVD. The disc may be damaged or of a make that the drive cannot handle: try another DVD.</source>
+        <translation>Die Auskunft des Laufwerks über das Formatieren dieser DVD ergibt keinen Sinn. Deshalb wurde das Brennen aufgegeben, und Ihre Änderungen sind verloren. Was früher gebrannt wurde, ist noch auf der DVD. Vielleicht ist sie beschädigt oder von einer Sorte, mit der das Laufwerk nicht umgehen kann: Versuchen Sie es mit einer anderen DVD.</translation>
+    </message>
+    <message id="DVDBurnErrorFull">
+        <source>The new session would reach past the first 4 GB of the DVD, where no session can be added. Nothing was written: the DVD holds what it held before, but your changes are lost. Add less, or copy the files to a new DVD.</source>
+        <translation>Die neue Sitzung würde über die ersten 4 GB der DVD hinausreichen, und dort lässt sich keine hinzufügen. Es wurde nichts geschrieben: Die DVD enthält, was sie vorher enthielt, aber Ihre Änderungen sind verloren. Fügen Sie weniger hinzu, oder kopieren Sie die Dateien auf eine neue DVD.</translation>
+    </message>
+    <message id="DVDBurnErrorLong">
+        <source>An error was reported while the DVD was being written, so the new session cannot be relied on, and your changes are lost. What was burned earlier may still be readable. Insert the DVD again to see whether it opens. If it does, repeat the changes and burn at a lower speed; if not, use another DVD.</source>
+        <translation>Beim Beschreiben der DVD wurde ein Fehler gemeldet. Auf die neue Sitzung ist kein Verlass, und Ihre Änderungen sind verloren. Was früher gebrannt wurde, ist vielleicht noch lesbar. Legen Sie die DVD wieder ein und sehen Sie nach, ob sie sich öffnen lässt. Wenn ja, wiederholen Sie die Änderungen und brennen Sie langsamer; wenn nein, nehmen Sie eine andere DVD.</translation>
+    </message>
+    <message id="attempteraseshort">
+        <source>Erase this disc?</source>
+        <translation>Diese Disc löschen?</translation>
+    </message>
+    <message id="attempteraselong">
+        <source>Everything on the disc is deleted, in all its sessions. This cannot be undone.</source>
+        <translation>Alles auf der Disc wird gelöscht, in allen Sitzungen. Das lässt sich nicht rückgängig machen.</translation>
+    </message>
+    <!-- Licence and update check -->
+    <message id="LicenseTitle">
+        <source>Licence Agreement</source>
+        <translation>Lizenzvereinbarung</translation>
+    </message>
+    <message id="LicenseAgree">
+        <source>Agree</source>
+        <translation>Zustimmen</translation>
+    </message>
+    <message id="LicenseDisagree">
+        <source>Disagree and Quit</source>
+        <translation>Ablehnen und beenden</translation>
+    </message>
+    <message id="updatecheck">
+        <source>A newer version of KelvaneFS is available</source>
+        <translation>Es gibt eine neuere Version von KelvaneFS</translation>
+    </message>
+    <message id="updatechecklong">
+        <source>You can get it from the KelvaneFS page, which opens in your web browser. This version goes on working, and your discs are not affected.</source>
+        <translation>Sie bekommen sie auf der Seite von KelvaneFS, die sich im Webbrowser öffnet. Diese Version funktioniert weiterhin, und Ihre Discs sind nicht betroffen.</translation>
+    </message>
+    <message id="updatecheckdownload">
+        <source>Go to Download</source>
+        <translation>Zum Download</translation>
+    </message>
+    <message id="cancelbutton">
+        <source>Not Now</source>
+        <translation>Nicht jetzt</translation>
+    </message>
+</context>
+</TS>

@@ -1,0 +1,363 @@
+<?xml version="1.0" encoding="utf-8"?>
+<!DOCTYPE TS>
+<!-- SPDX-License-Identifier: GPL-2.0-or-later -->
+<TS version="2.1" language="en" sourcelanguage="en">
+<context>
+    <name></name>
+    <!-- Buttons of sheets -->
+    <message id="OK">
+        <source>OK</source>
+        <translation>OK</translation>
+    </message>
+    <message id="Cancel">
+        <source>Cancel</source>
+        <translation>Cancel</translation>
+    </message>
+    <message id="Install">
+        <source>Install</source>
+        <translation>Install</translation>
+    </message>
+    <message id="Quit">
+        <source>Quit</source>
+        <translation>Quit</translation>
+    </message>
+    <message id="Erase">
+        <source>Erase</source>
+        <translation>Erase</translation>
+    </message>
+    <!-- The window -->
+    <message id="buttonopen">
+        <source>Open Disc</source>
+        <translation>Open Disc</translation>
+    </message>
+    <message id="buttonclose">
+        <source>Close Disc</source>
+        <translation>Close Disc</translation>
+    </message>
+    <message id="ShowDisk">
+        <source>Show Files</source>
+        <translation>Show Files</translation>
+    </message>
+    <message id="InsertDisc">
+        <source>Insert Disc</source>
+        <translation>Insert Disc</translation>
+    </message>
+    <message id="InsertDiscNamed">
+        <source>Insert “%@”</source>
+        <translation>Insert “%@”</translation>
+    </message>
+    <message id="insertdisk">
+        <source>Insert a CD or DVD that can still be written to.</source>
+        <translation>Insert a CD or DVD that can still be written to.</translation>
+    </message>
+    <message id="loadingdisk">
+        <source>Loading disc…</source>
+        <translation>Loading disc…</translation>
+    </message>
+    <message id="headerDisksAvail">
+        <source>Available discs</source>
+        <translation>Available discs</translation>
+    </message>
+    <message id="headerDisksMounting">
+        <source>Opening the disc…</source>
+        <translation>Opening the disc…</translation>
+    </message>
+    <message id="headerDisksRemounted">
+        <source>The disc is open for changes</source>
+        <translation>The disc is open for changes</translation>
+    </message>
+    <message id="burningdisk">
+        <source>Writing to the disc</source>
+        <translation>Writing to the disc</translation>
+    </message>
+    <message id="diskfull">
+        <source>Disc is full</source>
+        <translation>Disc is full</translation>
+    </message>
+    <message id="unsupporteddiskformat">
+        <source>Format not supported</source>
+        <translation>Format not supported</translation>
+    </message>
+    <message id="unsupporteddisktype">
+        <source>Disc type not supported</source>
+        <translation>Disc type not supported</translation>
+    </message>
+    <message id="viewSizeOfDisk">
+        <source>%i MB free</source>
+        <translation>%i MB free</translation>
+    </message>
+    <message id="viewSizeNotAvail">
+        <source>Free space unknown</source>
+        <translation>Free space unknown</translation>
+    </message>
+    <!-- What the window tells those who cannot see it -->
+    <message id="AccessibleHeader">
+        <source>Status</source>
+        <translation>Status</translation>
+    </message>
+    <message id="AccessibleMessage">
+        <source>Message</source>
+        <translation>Message</translation>
+    </message>
+    <message id="AccessibleDiskList">
+        <source>Discs</source>
+        <translation>Discs</translation>
+    </message>
+    <message id="AccessibleDiskListLong">
+        <source>The discs in your drives. Press Enter to open the selected one.</source>
+        <translation>The discs in your drives. Press Enter to open the selected one.</translation>
+    </message>
+    <message id="AccessibleDiskIcon">
+        <source>Disc</source>
+        <translation>Disc</translation>
+    </message>
+    <message id="AccessibleMountedItem">
+        <source>Open disc</source>
+        <translation>Open disc</translation>
+    </message>
+    <message id="AccessibleVolumeName">
+        <source>Name of the disc</source>
+        <translation>Name of the disc</translation>
+    </message>
+    <message id="AccessibleDeviceName">
+        <source>Kind of disc and drive</source>
+        <translation>Kind of disc and drive</translation>
+    </message>
+    <message id="AccessibleSizeInformation">
+        <source>Free space on the disc</source>
+        <translation>Free space on the disc</translation>
+    </message>
+    <message id="AccessibleBurnView">
+        <source>Burning</source>
+        <translation>Burning</translation>
+    </message>
+    <message id="AccessibleBurnMessage">
+        <source>What is being done</source>
+        <translation>What is being done</translation>
+    </message>
+    <message id="AccessibleBurnProgress">
+        <source>Progress of the burn</source>
+        <translation>Progress of the burn</translation>
+    </message>
+    <message id="ShowDiskLong">
+        <source>Show the files of the open disc in the file manager</source>
+        <translation>Show the files of the open disc in the file manager</translation>
+    </message>
+    <message id="InsertDiscLong">
+        <source>Put the disc back into its emulated drive</source>
+        <translation>Put the disc back into its emulated drive</translation>
+    </message>
+    <!-- The burn view -->
+    <message id="burnpreparing">
+        <source>Preparing to burn…</source>
+        <translation>Preparing to burn…</translation>
+    </message>
+    <message id="preparingdata">
+        <source>Preparing the new session…</source>
+        <translation>Preparing the new session…</translation>
+    </message>
+    <message id="preparingemptydisk">
+        <source>Preparing the blank DVD-RW…</source>
+        <translation>Preparing the blank DVD-RW…</translation>
+    </message>
+    <message id="burningchangescd">
+        <source>Writing your changes to the CD…</source>
+        <translation>Writing your changes to the CD…</translation>
+    </message>
+    <message id="burningchangesdvd">
+        <source>Writing your changes to the DVD…</source>
+        <translation>Writing your changes to the DVD…</translation>
+    </message>
+    <message id="erasingdisk">
+        <source>Erasing the disc…</source>
+        <translation>Erasing the disc…</translation>
+    </message>
+    <message id="BurnPercent">
+        <source>%i %</source>
+        <translation>%i %</translation>
+    </message>
+    <!-- The burn confirmation sheet -->
+    <message id="BurnConfirmation">
+        <source>Burn your changes to the disc?</source>
+        <translation>Burn your changes to the disc?</translation>
+    </message>
+    <message id="BurnConfirmationLong">
+        <source>The changes are added to the disc as a new session; sessions burned before stay as they are. If you discard the changes, the disc keeps what it holds now and your changes are lost.</source>
+        <translation>The changes are added to the disc as a new session; sessions burned before stay as they are. If you discard the changes, the disc keeps what it holds now and your changes are lost.</translation>
+    </message>
+    <message id="BurnConfirmationName">
+        <source>Disc name:</source>
+        <translation>Disc name:</translation>
+    </message>
+    <message id="BurnConfirmationSpeed">
+        <source>Speed:</source>
+        <translation>Speed:</translation>
+    </message>
+    <message id="BurnConfirmationBurn">
+        <source>Burn</source>
+        <translation>Burn</translation>
+    </message>
+    <message id="BurnConfirmationDiscard">
+        <source>Discard Changes</source>
+        <translation>Discard Changes</translation>
+    </message>
+    <message id="SpeedMaximum">
+        <source>As fast as the drive can</source>
+        <translation>As fast as the drive can</translation>
+    </message>
+    <message id="SpeedMultiple">
+        <source>%i×</source>
+        <translation>%i×</translation>
+    </message>
+    <message id="DiscardChanges">
+        <source>Discard your changes?</source>
+        <translation>Discard your changes?</translation>
+    </message>
+    <message id="DiscardChangesLong">
+        <source>Everything that you have added, changed or deleted since you opened the disc is lost. The disc itself is not touched.</source>
+        <translation>Everything that you have added, changed or deleted since you opened the disc is lost. The disc itself is not touched.</translation>
+    </message>
+    <message id="DiscardChangesKeep">
+        <source>Keep Changes</source>
+        <translation>Keep Changes</translation>
+    </message>
+    <!-- Alerts -->
+    <message id="AlertDetail">
+        <source>What was reported: %@</source>
+        <translation>What was reported: %@</translation>
+    </message>
+    <message id="InstallationIncomplete">
+        <source>KelvaneFS cannot use FUSE on this computer</source>
+        <translation>KelvaneFS cannot use FUSE on this computer</translation>
+    </message>
+    <message id="InstallationIncompleteLong">
+        <source>Discs are opened as writable volumes by means of FUSE, and it is not installed here or you may not use it. No disc has been touched. Choose Install to have the package “fuse3” installed, then start KelvaneFS again.</source>
+        <translation>Discs are opened as writable volumes by means of FUSE, and it is not installed here or you may not use it. No disc has been touched. Choose Install to have the package “fuse3” installed, then start KelvaneFS again.</translation>
+    </message>
+    <message id="Unmountfailed">
+        <source>The disc could not be opened</source>
+        <translation>The disc could not be opened</translation>
+    </message>
+    <message id="Unmountfailedlong">
+        <source>KelvaneFS could not find the disc’s own volume or could not take it over. Nothing on the disc has changed. Close the windows and programs that use the disc and open it again. If that does not help, eject the disc and insert it once more.</source>
+        <translation>KelvaneFS could not find the disc’s own volume or could not take it over. Nothing on the disc has changed. Close the windows and programs that use the disc and open it again. If that does not help, eject the disc and insert it once more.</translation>
+    </message>
+    <message id="VolumeBusy">
+        <source>The disc is still in use</source>
+        <translation>The disc is still in use</translation>
+    </message>
+    <message id="VolumeBusyLong">
+        <source>A program still has files or folders of the disc open, so the disc cannot be closed yet. Your changes are safe and the disc stays open. Close that program, or leave the disc’s folder in it, then close the disc again.</source>
+        <translation>A program still has files or folders of the disc open, so the disc cannot be closed yet. Your changes are safe and the disc stays open. Close that program, or leave the disc’s folder in it, then close the disc again.</translation>
+    </message>
+    <message id="MountFailed">
+        <source>The disc could not be opened for changes</source>
+        <translation>The disc could not be opened for changes</translation>
+    </message>
+    <message id="MountFailedLong">
+        <source>The writable volume could not be mounted. Nothing on the disc has changed. Check that you may use FUSE and that no other volume lies at the place where KelvaneFS shows its discs, then open the disc again.</source>
+        <translation>The writable volume could not be mounted. Nothing on the disc has changed. Check that you may use FUSE and that no other volume lies at the place where KelvaneFS shows its discs, then open the disc again.</translation>
+    </message>
+    <message id="AlreadyRunning">
+        <source>KelvaneFS is already running</source>
+        <translation>KelvaneFS is already running</translation>
+    </message>
+    <message id="AlreadyRunningLong">
+        <source>Only one disc can be open at a time on this computer, and another KelvaneFS is at work, perhaps another user’s. Nothing has been changed. Quit the other one first, then start this one again.</source>
+        <translation>Only one disc can be open at a time on this computer, and another KelvaneFS is at work, perhaps another user’s. Nothing has been changed. Quit the other one first, then start this one again.</translation>
+    </message>
+    <message id="VolumesFolder">
+        <source>There is no place to show the disc</source>
+        <translation>There is no place to show the disc</translation>
+    </message>
+    <message id="VolumesFolderLong">
+        <source>The folder in which opened discs appear can neither be found nor made. Nothing on the disc has changed. Make the folder /Volumes so that you can write to it, then open the disc again.</source>
+        <translation>The folder in which opened discs appear can neither be found nor made. Nothing on the disc has changed. Make the folder /Volumes so that you can write to it, then open the disc again.</translation>
+    </message>
+    <message id="DriveNotUsable">
+        <source>The drive cannot be used</source>
+        <translation>The drive cannot be used</translation>
+    </message>
+    <message id="DriveNotUsableLong">
+        <source>The drive or disc folder could not be read, so it is left out. Nothing on any disc has changed. Check that it exists and that you may read and write it, then start KelvaneFS again.</source>
+        <translation>The drive or disc folder could not be read, so it is left out. Nothing on any disc has changed. Check that it exists and that you may read and write it, then start KelvaneFS again.</translation>
+    </message>
+    <message id="CreateTrackAbortedWithError">
+        <source>The new session could not be prepared</source>
+        <translation>The new session could not be prepared</translation>
+    </message>
+    <message id="CreateTrackAbortedWithErrorLong">
+        <source>Nothing was written: the disc holds what it held before, but your changes are lost. Usual causes are a full temporary folder, files that cannot be read, file names that are too much alike or not valid text, and files of 4 GB or more. Open the disc again and repeat the changes without the cause.</source>
+        <translation>Nothing was written: the disc holds what it held before, but your changes are lost. Usual causes are a full temporary folder, files that cannot be read, file names that are too much alike or not valid text, and files of 4 GB or more. Open the disc again and repeat the changes without the cause.</translation>
+    </message>
+    <message id="CDBurnError">
+        <source>The CD could not be burned completely</source>
+        <translation>The CD could not be burned completely</translation>
+    </message>
+    <message id="CDBurnErrorLong">
+        <source>The drive reported an error while it was writing, so the new session cannot be relied on, and your changes are lost. What was burned earlier is still on the CD. Insert it again to see whether it opens. If it does, repeat the changes and burn at a lower speed; if not, copy its files to a new CD.</source>
+        <translation>The drive reported an error while it was writing, so the new session cannot be relied on, and your changes are lost. What was burned earlier is still on the CD. Insert it again to see whether it opens. If it does, repeat the changes and burn at a lower speed; if not, copy its files to a new CD.</translation>
+    </message>
+    <message id="DVDDeviceNotResponding">
+        <source>The drive does not respond</source>
+        <translation>The drive does not respond</translation>
+    </message>
+    <message id="DVDDeviceNotRespondingLong">
+        <source>The blank DVD-RW was prepared, but the drive did not become ready for it within 30 seconds. Your changes have not been written and are lost. The DVD is ejected; insert it again and repeat the changes. If this happens again, try another DVD.</source>
+        <translation>The blank DVD-RW was prepared, but the drive did not become ready for it within 30 seconds. Your changes have not been written and are lost. The DVD is ejected; insert it again and repeat the changes. If this happens again, try another DVD.</translation>
+    </message>
+    <message id="DVDBurnError">
+        <source>The DVD could not be burned</source>
+        <translation>The DVD could not be burned</translation>
+    </message>
+    <message id="DVDBurnErrorAllocLong">
+        <source>The drive’s answer about formatting this DVD makes no sense, so the burn was given up, and your changes are lost. What was burned earlier is still on the DVD. The disc may be damaged or of a make that the drive cannot handle: try another DVD.</source>
+        <translation>The drive’s answer about formatting this DVD makes no sense, so the burn was given up, and your changes are lost. What was burned earlier is still on the DVD. The disc may be damaged or of a make that the drive cannot handle: try another DVD.</translation>
+    </message>
+    <message id="DVDBurnErrorFull">
+        <source>The new session would reach past the first 4 GB of the DVD, where no session can be added. Nothing was written: the DVD holds what it held before, but your changes are lost. Add less, or copy the files to a new DVD.</source>
+        <translation>The new session would reach past the first 4 GB of the DVD, where no session can be added. Nothing was written: the DVD holds what it held before, but your changes are lost. Add less, or copy the files to a new DVD.</translation>
+    </message>
+    <message id="DVDBurnErrorLong">
+        <source>An error was reported while the DVD was being written, so the new session cannot be relied on, and your changes are lost. What was burned earlier may still be readable. Insert the DVD again to see whether it opens. If it does, repeat the changes and burn at a lower speed; if not, use another DVD.</source>
+        <translation>An error was reported while the DVD was being written, so the new session cannot be relied on, and your changes are lost. What was burned earlier may still be readable. Insert the DVD again to see whether it opens. If it does, repeat the changes and burn at a lower speed; if not, use another DVD.</translation>
+    </message>
+    <message id="attempteraseshort">
+        <source>Erase this disc?</source>
+        <translation>Erase this disc?</translation>
+    </message>
+    <message id="attempteraselong">
+        <source>Everything on the disc is deleted, in all its sessions. This cannot be undone.</source>
+        <translation>Everything on the disc is deleted, in all its sessions. This cannot be undone.</translation>
+    </message>
+    <!-- Licence and update check -->
+    <message id="LicenseTitle">
+        <source>Licence Agreement</source>
+        <translation>Licence Agreement</translation>
+    </message>
+    <message id="LicenseAgree">
+        <source>Agree</source>
+        <translation>Agree</translation>
+    </message>
+    <message id="LicenseDisagree">
+        <source>Disagree and Quit</source>
+        <translation>Disagree and Quit</translation>
+    </message>
+    <message id="updatecheck">
+        <source>A newer version of KelvaneFS is available</source>
+        <translation>A newer version of KelvaneFS is available</translation>
+    </message>
+    <message id="updatechecklong">
+        <source>You can get it from the KelvaneFS page, which opens in your web browser. This version goes on working, and your discs are not affected.</source>
+        <translation>You can get it from the KelvaneFS page, which opens in your web browser. This version goes on working, and your discs are not affected.</translation>
+    </message>
+    <message id="updatecheckdownload">
+        <source>Go to Download</source>
+        <translation>Go to Download</translation>
+    </message>
+    <message id="cancelbutton">
+        <source>Not Now</source>
+        <translation>Not Now</translation>
+    </message>
+</context>
+</TS>

@@ -1,0 +1,21 @@
+// SPDX-License-Identifier: GPL-2.0-or-later
+#pragma once
+
+#include <functional>
+
+#include "ui/window_outlets.h"
+
+class QWidget;
+
+namespace kelvane {
+
+/// Opens `alert` as a sheet over `parent` and returns. `didEnd`, where given, hears which button
+/// ended it, counted from `kAlertFirstButtonReturn`, after the sheet has gone.
+///
+/// Escape and closing the sheet count as the last button, which by convention is the one that
+/// changes nothing. Return counts as the last one too where a warning leaves a choice, else as the
+/// first.
+void openAlertSheet(QWidget* parent, const Alert& alert,
+                    std::function<void(int returnCode)> didEnd);
+
+}  // namespace kelvane

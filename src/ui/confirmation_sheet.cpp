@@ -1,0 +1,160 @@
+// SPDX-License-Identifier: GPL-2.0-or-later
+#include "ui/confirmation_sheet.h"
+
+#include <QComboBox>
+#include <QCoreApplication>
+#include <QFormLayout>
+#include <QHBoxLayout>
+#include <QLabel>
+#include <QLineEdit>
+#include <QPushButton>
+#include <QVBoxLayout>
+#include <QValidator>
+
+#include "platform/foundation/placeholders.h"
+#include "platform/foundation/strings_table.h"
+#include "ui/alert_sheet.h"
+#include "ui/cd_name_formatter.h"
+#include "ui/view_parts.h"
+#include "ui/window_metrics.h"
+
+namespace kelvane {
+namespace {
+
+constexpr double kTextWidth = 330;
+// The volume identifier of an ISO-9660 disc has this many characters (ECMA-119, 8.4.7).
+constexpr int kLongestVolumeIdentifier = 32;
+
+class NameValidator : public QValidator {
+ public:
+  using QValidator::QValidator;
+  State validate(QString& input, int& position) const override {
+    return formatter_.isPartialStringValid(input, position) ? Acceptable : Invalid;
+  }
+
+ private:
+  CDNameFormatter formatter_;
+};
+
+QLabel* makeParagraph(const char* key, QWidget* parent) {
+  auto* label = new QLabel(localizedText(key), parent);
+  label->setTextFormat(Qt::PlainText);
+  label->setWordWrap(true);
+  label->setFixedWidth(toPixels(kTextWidth, parent->font()));
+  return label;
+}
+
+}  // namespace
+
+ConfirmationSheet::ConfirmationSheet(QWidget* parent) : QDialog(parent) {
+  setObjectName(QStringLiteral("burnConfirmationPanel"));
+  setWindowModality(Qt::WindowModal);
+  setWindowTitle(QCoreApplication::applicationName());
+  auto* question = makeParagraph("BurnConfirmation", this);
+  QFont bold = font();
+  bold.setBold(true);
+  question->setFont(bold);
+  auto* explanation = makeParagraph("BurnConfirmationLong", this);
+  setAccessibleName(question->text());
+  setAccessibleDescription(explanation->text());
+
+  auto* column = new QVBoxLayout;
+  column->setSpacing(10);
+  column->addWidget(question);
+  column->addWidget(explanation);
+  column->addLayout(makeFields());
+
+  auto* body = new QHBoxLayout;
+  body->setSpacing(16);
+  body->addWidget(makeDiscPicture(Shade::Full, this), 0, Qt::AlignTop);
+  body->addLayout(column);
+
+  auto* layout = new QVBoxLayout(this);
+  layout->setContentsMargins(20, 20, 20, 16);
+  layout->setSpacing(18);
+  layout->addLayout(body);
+  layout->addLayout(makeButtons());
+  layout->setSizeConstraint(QLayout::SetFixedSize);
+}
+
+QLayout* ConfirmationSheet::makeFields() {
+  diskTitle_ = new QLineEdit(this);
+  diskTitle_->setObjectName(QStringLiteral("burnConfirmationPanelDiskTitle"));
+  diskTitle_->setMaxLength(kLongestVolumeIdentifier);
+  diskTitle_->setValidator(new NameValidator(diskTitle_));
+  diskTitle_->setPlaceholderText(CDNameFormatter().stringForObjectValue({}));
+  speedPopup_ = new QComboBox(this);
+  speedPopup_->setObjectName(QStringLiteral("burnSpeedPopupButton"));
+  setSpeeds({});
+
+  auto* form = new QFormLayout;
+  form->setFieldGrowthPolicy(QFormLayout::ExpandingFieldsGrow);
+  form->setContentsMargins(0, 4, 0, 0);
+  for (const auto& [key, field] :
+       {std::pair<const char*, QWidget*>{"BurnConfirmationName", diskTitle_},
+        std::pair<const char*, QWidget*>{"BurnConfirmationSpeed", speedPopup_}}) {
+    const QString label = localizedText(key);
+    form->addRow(label, field);
+    field->setAccessibleName(label.endsWith(QLatin1Char(':')) ? label.chopped(1) : label);
+  }
+  return form;
+}
+
+QLayout* ConfirmationSheet::makeButtons() {
+  burnButton_ = makeButton("burnConfirmButton", "BurnConfirmationBurn", this);
+  burnButton_->setDefault(true);
+  discardButton_ = makeButton("burnCancelButton", "BurnConfirmationDiscard", this);
+  discardButton_->setAutoDefault(false);
+  connect(burnButton_, &QPushButton::clicked, this, [this] {
+    if (confirmed_) confirmed_();
+  });
+  connect(discardButton_, &QPushButton::clicked, this, [this] {
+    if (cancelled_) cancelled_();
+  });
+
+  auto* row = new QHBoxLayout;
+  row->addStretch();
+  row->addWidget(discardButton_);
+  row->addWidget(burnButton_);
+  return row;
+}
+
+void ConfirmationSheet::setDiskTitle(const QString& volumeName) {
+  diskTitle_->setText(volumeName);
+}
+
+QString ConfirmationSheet::diskTitle() const {
+  return CDNameFormatter().objectValueForString(diskTitle_->text());
+}
+
+void ConfirmationSheet::setSpeeds(std::span<const int32_t> multiples) {
+  speedPopup_->clear();
+  speedPopup_->addItem(localizedText("SpeedMaximum"), 0);
+  for (const int32_t multiple : multiples) {
+    const std::string text = format(localizedString("SpeedMultiple"), multiple);
+    speedPopup_->addItem(QString::fromStdString(text), multiple);
+  }
+}
+
+int32_t ConfirmationSheet::speedTag() const {
+  return speedPopup_->currentData().toInt();
+}
+
+void ConfirmationSheet::begin() {
+  open();
+  diskTitle_->selectAll();
+  diskTitle_->setFocus(Qt::OtherFocusReason);
+}
+
+void ConfirmationSheet::reject() {
+  const Alert question{.style = Alert::Style::Warning,
+                       .buttonKeys = {"BurnConfirmationDiscard", "DiscardChangesKeep"},
+                       .messageKey = "DiscardChanges",
+                       .informativeKey = "DiscardChangesLong",
+                       .detail = {}};
+  openAlertSheet(this, question, [this](int returnCode) {
+    if (returnCode == kAlertFirstButtonReturn && isVisible() && cancelled_) cancelled_();
+  });
+}
+
+}  // namespace kelvane

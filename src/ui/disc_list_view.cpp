@@ -1,0 +1,54 @@
+// SPDX-License-Identifier: GPL-2.0-or-later
+#include "ui/disc_list_view.h"
+
+#include <QApplication>
+#include <QKeyEvent>
+
+#include "ui/disc_entry_delegate.h"
+
+namespace kelvane {
+
+DiscListView::DiscListView(QWidget* parent) : QListView(parent) {
+  setItemDelegate(new DiscEntryDelegate(this));
+  setSelectionMode(QAbstractItemView::SingleSelection);
+  setEditTriggers(QAbstractItemView::NoEditTriggers);
+  setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
+  setVerticalScrollMode(QAbstractItemView::ScrollPerPixel);
+  setUniformItemSizes(true);
+  setFrameShape(QFrame::NoFrame);
+  // The background is clear: the content area shows through.
+  viewport()->setAutoFillBackground(false);
+  connect(this, &QListView::doubleClicked, this, [this] {
+    if (doubleAction_) doubleAction_();
+  });
+}
+
+void DiscListView::setRowRule(std::function<bool(int)> mayBeSelected) {
+  mayBeSelected_ = std::move(mayBeSelected);
+}
+
+void DiscListView::setDoubleAction(std::function<void()> action) {
+  doubleAction_ = std::move(action);
+}
+
+QItemSelectionModel::SelectionFlags DiscListView::selectionCommand(const QModelIndex& index,
+                                                                   const QEvent* event) const {
+  if (index.isValid() && mayBeSelected_ && !mayBeSelected_(index.row())) {
+    return QItemSelectionModel::NoUpdate;
+  }
+  return QListView::selectionCommand(index, event);
+}
+
+void DiscListView::keyPressEvent(QKeyEvent* event) {
+  if (event->key() != Qt::Key_Return && event->key() != Qt::Key_Enter) {
+    QListView::keyPressEvent(event);
+    return;
+  }
+  if (selectionModel() && selectionModel()->isSelected(currentIndex())) {
+    if (doubleAction_) doubleAction_();
+  } else {
+    QApplication::beep();
+  }
+}
+
+}  // namespace kelvane

@@ -1,0 +1,44 @@
+// SPDX-License-Identifier: GPL-2.0-or-later
+#include "ui/insert_disc_button.h"
+
+#include <QMenu>
+
+#include "platform/foundation/placeholders.h"
+#include "platform/foundation/strings_table.h"
+#include "ui/view_parts.h"
+
+namespace kelvane {
+
+InsertDiscButton::InsertDiscButton(QWidget* parent) : QPushButton(parent) {
+  setObjectName(QStringLiteral("insertDiscButton"));
+  setText(withoutMnemonic(localizedText("InsertDisc")));
+  setAccessibleName(localizedText("InsertDisc"));
+  setAccessibleDescription(localizedText("InsertDiscLong"));
+  setToolTip(localizedText("InsertDiscLong"));
+  setAutoDefault(true);
+  hide();
+  connect(this, &QPushButton::clicked, this, [this] {
+    if (single_ && insert_) insert_(0);
+  });
+}
+
+void InsertDiscButton::setDiscs(const std::vector<std::string>& names,
+                                std::function<void(size_t index)> insert) {
+  insert_ = std::move(insert);
+  single_ = names.size() == 1;
+  delete menu();
+  setMenu(nullptr);
+  setVisible(!names.empty());
+  if (names.size() < 2) return;
+
+  auto* discs = new QMenu(this);
+  for (size_t index = 0; index < names.size(); ++index) {
+    const std::string text = format(localizedString("InsertDiscNamed"), names[index]);
+    discs->addAction(withoutMnemonic(QString::fromStdString(text)), this, [this, index] {
+      if (insert_) insert_(index);
+    });
+  }
+  setMenu(discs);
+}
+
+}  // namespace kelvane

@@ -1,0 +1,28 @@
+// SPDX-License-Identifier: GPL-2.0-or-later
+#pragma once
+
+#include <QPushButton>
+#include <functional>
+#include <string>
+#include <vector>
+
+namespace kelvane {
+
+/// The button that puts an ejected disc back into its emulated drive. With one such drive it does
+/// so at once, with several it offers a menu of them; without any it is hidden.
+class InsertDiscButton : public QPushButton {
+  Q_OBJECT
+
+ public:
+  explicit InsertDiscButton(QWidget* parent = nullptr);
+
+  /// `names` are the discs of the drives, in the user's words; `insert` is called with the index of
+  /// the one that was chosen.
+  void setDiscs(const std::vector<std::string>& names, std::function<void(size_t index)> insert);
+
+ private:
+  std::function<void(size_t)> insert_;
+  bool single_ = false;
+};
+
+}  // namespace kelvane

@@ -1,0 +1,343 @@
+// SPDX-License-Identifier: GPL-2.0-or-later
+#include "ui/main_window.h"
+
+#include <QApplication>
+#include <QCloseEvent>
+#include <QDesktopServices>
+#include <QHBoxLayout>
+#include <QIcon>
+#include <QItemSelectionModel>
+#include <QLabel>
+#include <QPushButton>
+#include <QScreen>
+#include <QShortcut>
+#include <QUrl>
+#include <QVBoxLayout>
+#include <array>
+#include <cmath>
+
+#include "platform/foundation/bundle.h"
+#include "ui/alert_sheet.h"
+#include "ui/burn_progress_bar.h"
+#include "ui/burn_view.h"
+#include "ui/confirmation_sheet.h"
+#include "ui/disc_list_model.h"
+#include "ui/disc_list_view.h"
+#include "ui/insert_disc_button.h"
+#include "ui/message_view.h"
+#include "ui/mounted_item_view.h"
+#include "ui/sliding_area.h"
+#include "ui/view_parts.h"
+#include "ui/window_metrics.h"
+
+namespace kelvane {
+namespace {
+
+QString toText(const std::string& text) {
+  return QString::fromStdString(text);
+}
+
+/// The speeds that a burn on this medium can be told to keep: a CD is burned at 1x, at 2x or as
+/// fast as the drive can.
+std::span<const int32_t> speedsFor(const std::optional<std::string>& mediaType) {
+  static constexpr std::array<int32_t, 2> kCdSpeeds{1, 2};
+  static constexpr std::array<int32_t, 4> kDvdSpeeds{1, 2, 4, 8};
+  if (mediaType && mediaType->starts_with("DVD")) return kDvdSpeeds;
+  return kCdSpeeds;
+}
+
+}  // namespace
+
+MainWindow::MainWindow(QWidget* parent) : QWidget(parent) {
+  setObjectName(QStringLiteral("mainWindow"));
+  setWindowTitle(QStringLiteral("KelvaneFS"));
+  if (const auto icon = Bundle::mainBundle().pathForResource("diskicon", "png")) {
+    setWindowIcon(QIcon(toText(*icon)));
+  }
+  addContentViews();
+  auto* column = new QVBoxLayout(this);
+  column->setContentsMargins(0, 0, 0, 0);
+  column->setSpacing(0);
+  column->addWidget(makeHeader());
+  column->addWidget(contentArea_);
+  column->addWidget(makeButtonBar());
+  column->setSizeConstraint(QLayout::SetFixedSize);
+  burnConfirmationPanel_ = new ConfirmationSheet(this);
+  connectActions();
+  addShortcuts();
+  applyScale();
+  mediaController_.setChangeHandler([this] { showMediaController(); });
+}
+
+MainWindow::~MainWindow() {
+  mediaController_.setChangeHandler({});
+}
+
+QWidget* MainWindow::makeHeader() {
+  headerBackground_ = new QWidget(this);
+  headerBackground_->setObjectName(QStringLiteral("headerBackground"));
+  headerLine_ = makeTextField("headerLineTextField", "AccessibleHeader", headerBackground_);
+  QFont bold = headerLine_->font();
+  bold.setBold(true);
+  headerLine_->setFont(bold);
+  auto* row = new QHBoxLayout(headerBackground_);
+  row->setContentsMargins(20, 0, 20, 0);
+  row->addWidget(headerLine_);
+  return headerBackground_;
+}
+
+QWidget* MainWindow::makeDiskScrollView() {
+  diskScrollView_ = new QWidget(this);
+  diskScrollView_->setObjectName(QStringLiteral("diskScrollView"));
+  diskTable_ = new DiscListView(diskScrollView_);
+  diskTable_->setObjectName(QStringLiteral("diskTableView"));
+  diskTable_->setAccessibleName(localizedText("AccessibleDiskList"));
+  diskTable_->setAccessibleDescription(localizedText("AccessibleDiskListLong"));
+  discList_ = new DiscListModel(diskTable_);
+  diskTable_->setModel(discList_);
+  auto* layout = new QVBoxLayout(diskScrollView_);
+  layout->setContentsMargins(0, 0, 0, 0);
+  layout->addWidget(diskTable_);
+  return diskScrollView_;
+}
+
+QWidget* MainWindow::makeButtonBar() {
+  buttonBar_ = new QWidget(this);
+  insertDiscButton_ = new InsertDiscButton(buttonBar_);
+  openButton_ = new QPushButton(buttonBar_);
+  openButton_->setObjectName(QStringLiteral("openButton"));
+  openButton_->setAutoDefault(true);
+  auto* row = new QHBoxLayout(buttonBar_);
+  row->setContentsMargins(12, 0, 12, 0);
+  row->addWidget(insertDiscButton_);
+  row->addStretch();
+  row->addWidget(openButton_);
+  return buttonBar_;
+}
+
+void MainWindow::addContentViews() {
+  contentArea_ = new SlidingArea(this);
+  contentArea_->setObjectName(QStringLiteral("contentArea"));
+  const Rect inWindow{0, kButtonBarHeight, kWindowWidth, kContentHeight};
+  const Rect rightOfWindow{kWindowWidth, kButtonBarHeight, kWindowWidth, kContentHeight};
+  burnView_ = new KVBurnView(contentArea_);
+  mountedItemView_ = new MountedItemView(contentArea_);
+  messageView_ = new MessageView(contentArea_);
+  contentArea_->addView(ContentView::Burn, burnView_, rightOfWindow);
+  contentArea_->addView(ContentView::MountedItem, mountedItemView_, rightOfWindow);
+  contentArea_->addView(ContentView::Message, messageView_, inWindow);
+  contentArea_->addView(ContentView::DiskScroll, makeDiskScrollView(), inWindow);
+}
+
+void MainWindow::connectActions() {
+  diskTable_->setRowRule(
+      [this](int row) { return !actions_ || actions_->tableViewShouldSelectRow(row); });
+  diskTable_->setDoubleAction([this] {
+    if (actions_) actions_->tableViewDoubleClicked();
+  });
+  connect(diskTable_->selectionModel(), &QItemSelectionModel::selectionChanged, this,
+          [this] { selectInMediaController(); });
+  connect(openButton_, &QPushButton::clicked, this, [this] {
+    if (actions_) actions_->mountBurnFS();
+  });
+  connect(mountedItemView_->showDiskButton(), &QPushButton::clicked, this, [this] {
+    if (actions_) actions_->showDisk();
+  });
+  burnConfirmationPanel_->setConfirmHandler([this] {
+    if (actions_) actions_->burnConfirmationDidConfirm();
+  });
+  burnConfirmationPanel_->setCancelHandler([this] {
+    if (actions_) actions_->burnConfirmationDidCancel();
+  });
+}
+
+void MainWindow::addShortcuts() {
+  connect(new QShortcut(QKeySequence::Quit, this), &QShortcut::activated, this,
+          [this] { terminate(); });
+  connect(new QShortcut(QKeySequence::Close, this), &QShortcut::activated, this,
+          [this] { close(); });
+  connect(new QShortcut(QKeySequence::Open, this), &QShortcut::activated, this, [this] {
+    if (openButton_->isVisible()) openButton_->click();
+  });
+}
+
+void MainWindow::applyScale() {
+  headerBackground_->setFixedSize(toPixels(kWindowWidth, font()), toPixels(kHeaderHeight, font()));
+  buttonBar_->setFixedSize(toPixels(kWindowWidth, font()), toPixels(kButtonBarHeight, font()));
+}
+
+void MainWindow::setInsertableDiscs(const std::vector<std::string>& names,
+                                    std::function<void(size_t index)> insert) {
+  insertDiscButton_->setDiscs(names, std::move(insert));
+}
+
+void MainWindow::centerWindows() {
+  const QScreen* where = screen();
+  if (!where) return;
+  adjustSize();
+  const QRect available = where->availableGeometry();
+  move(available.center() - rect().center());
+}
+
+void MainWindow::makeKeyAndOrderFront() {
+  setWindowState(windowState() & ~Qt::WindowMinimized);
+  show();
+  raise();
+  activateWindow();
+}
+
+void MainWindow::setHidden(HideableView view, bool hidden) {
+  switch (view) {
+    case HideableView::OpenButton:
+      openButton_->setHidden(hidden);
+      break;
+    case HideableView::DiskTable:
+      diskTable_->setHidden(hidden);
+      break;
+    case HideableView::DiskScroll:
+      contentArea_->setViewHidden(ContentView::DiskScroll, hidden);
+      break;
+    case HideableView::Message:
+      contentArea_->setViewHidden(ContentView::Message, hidden);
+      break;
+  }
+}
+
+void MainWindow::setFrame(ContentView view, Rect frame, Movement movement) {
+  contentArea_->setFrame(view, frame, movement);
+}
+
+void MainWindow::setAnimationDuration(double seconds) {
+  contentArea_->setAnimationDuration(std::chrono::milliseconds(std::llround(seconds * 1000)));
+}
+
+void MainWindow::setHeaderLine(const std::string& text) {
+  headerLine_->setText(toText(text));
+}
+
+void MainWindow::setOpenButtonCaption(const std::string& text) {
+  openButton_->setText(withoutMnemonic(toText(text)));
+  openButton_->setAccessibleName(toText(text));
+}
+
+void MainWindow::setMessage(const std::string& text) {
+  messageView_->setMessage(toText(text));
+}
+
+void MainWindow::setVolumeNameField(const std::string& text) {
+  mountedItemView_->volumeNameField()->setText(toText(text));
+}
+
+void MainWindow::setDeviceNameField(const std::string& text) {
+  mountedItemView_->deviceNameField()->setText(toText(text));
+}
+
+void MainWindow::setSizeInformationField(const std::string& text) {
+  mountedItemView_->sizeInformationField()->setText(toText(text));
+}
+
+void MainWindow::setBurnMessage(const std::string& text) {
+  burnView_->messageTextField()->setText(toText(text));
+}
+
+ProgressIndicator& MainWindow::burnProgressIndicator() {
+  return burnView_->progressIndicator();
+}
+
+int32_t MainWindow::burnSpeedTag() {
+  return burnConfirmationPanel_->speedTag();
+}
+
+void MainWindow::setBurnConfirmationDiskTitle(const std::string& volumeName) {
+  burnConfirmationPanel_->setDiskTitle(toText(volumeName));
+}
+
+std::string MainWindow::burnConfirmationDiskTitle() {
+  return burnConfirmationPanel_->diskTitle().toStdString();
+}
+
+void MainWindow::beginBurnConfirmationSheet() {
+  const std::vector<DeviceRecord> selected = mediaController_.selectedObjects();
+  burnConfirmationPanel_->setSpeeds(
+      speedsFor(selected.empty() ? std::nullopt : selected.back().description.mediatype));
+  burnConfirmationPanel_->begin();
+}
+
+void MainWindow::endBurnConfirmationSheet() {
+  burnConfirmationPanel_->done(QDialog::Accepted);
+}
+
+void MainWindow::orderOutBurnConfirmationPanel() {
+  burnConfirmationPanel_->hide();
+}
+
+void MainWindow::beginAlertSheet(const Alert& alert, std::function<void(int returnCode)> didEnd) {
+  openAlertSheet(this, alert, std::move(didEnd));
+}
+
+void MainWindow::beep() {
+  QApplication::beep();
+}
+
+void MainWindow::selectFile(const std::string& path, const std::string& root) {
+  // What is selected is a volume or folder, and a file manager that opens it shows what the user is
+  // after; the folder around it would be one step too far up.
+  Q_UNUSED(root);
+  openFile(path);
+}
+
+void MainWindow::openFile(const std::string& path) {
+  QDesktopServices::openUrl(QUrl::fromLocalFile(toText(path)));
+}
+
+void MainWindow::hideApplication() {
+  showMinimized();
+}
+
+void MainWindow::setQuitHandler(std::function<void()> quitRequested) {
+  quitRequested_ = std::move(quitRequested);
+}
+
+void MainWindow::setTerminateReplyHandler(std::function<void(bool shouldTerminate)> replied) {
+  terminateReplied_ = std::move(replied);
+}
+
+void MainWindow::terminate() {
+  if (quitRequested_) quitRequested_();
+}
+
+void MainWindow::replyToApplicationShouldTerminate(bool shouldTerminate) {
+  if (terminateReplied_) terminateReplied_(shouldTerminate);
+}
+
+void MainWindow::closeEvent(QCloseEvent* event) {
+  if (!closingAllowed_) terminate();
+  // The answer may have come at once.
+  event->setAccepted(closingAllowed_);
+}
+
+void MainWindow::changeEvent(QEvent* event) {
+  QWidget::changeEvent(event);
+  if (event->type() == QEvent::FontChange && buttonBar_) applyScale();
+}
+
+void MainWindow::showMediaController() {
+  discList_->setRecords(mediaController_.arrangedObjects());
+  const std::optional<size_t> selected = mediaController_.selectionIndex();
+  if (!selected || *selected >= mediaController_.arrangedObjects().size()) {
+    diskTable_->clearSelection();
+    return;
+  }
+  // Past the row rule: the list's own selection is shown as it is.
+  diskTable_->selectionModel()->setCurrentIndex(discList_->index(static_cast<int>(*selected)),
+                                                QItemSelectionModel::ClearAndSelect);
+}
+
+void MainWindow::selectInMediaController() {
+  const QModelIndexList rows = diskTable_->selectionModel()->selectedIndexes();
+  if (rows.isEmpty()) return;
+  const auto row = static_cast<size_t>(rows.front().row());
+  if (mediaController_.selectionIndex() != row) mediaController_.setSelectionIndex(row);
+}
+
+}  // namespace kelvane

@@ -1,0 +1,118 @@
+// SPDX-License-Identifier: GPL-2.0-or-later
+#pragma once
+
+#include <QWidget>
+#include <functional>
+#include <string>
+#include <vector>
+
+#include "ui/media_controller.h"
+#include "ui/window_outlets.h"
+
+class QLabel;
+class QPushButton;
+
+namespace kelvane {
+
+class ConfirmationSheet;
+class DiscListView;
+class DiscListModel;
+class InsertDiscButton;
+class KVBurnView;
+class MessageView;
+class MountedItemView;
+class SlidingArea;
+
+/// The main window: a header line, below it the content area in which four views take turns, at the
+/// bottom a bar of buttons. Main thread only.
+class MainWindow : public QWidget, public WindowOutlets {
+  Q_OBJECT
+
+ public:
+  explicit MainWindow(QWidget* parent = nullptr);
+  ~MainWindow() override;
+
+  /// Who hears what the user asks for; borrowed, null for nobody.
+  void setActions(WindowActions* actions) { actions_ = actions; }
+
+  /// Called when the user wants to quit, by `terminate`, by closing the window or by its shortcut.
+  /// The window stays until `allowClosing`.
+  void setQuitHandler(std::function<void()> quitRequested);
+  /// Called for each `replyToApplicationShouldTerminate`, also where no quit is pending.
+  void setTerminateReplyHandler(std::function<void(bool shouldTerminate)> replied);
+  /// From now on the window closes when it is told to, without asking.
+  void allowClosing() { closingAllowed_ = true; }
+
+  /// Offers to insert these discs into their emulated drives; hidden where there are none. `insert`
+  /// is called with the index of the chosen one.
+  void setInsertableDiscs(const std::vector<std::string>& names,
+                          std::function<void(size_t index)> insert);
+
+  const SlidingArea& contentArea() const { return *contentArea_; }
+
+  void centerWindows() override;
+  void makeKeyAndOrderFront() override;
+  void setHidden(HideableView view, bool hidden) override;
+  void setFrame(ContentView view, Rect frame, Movement movement) override;
+  void setAnimationDuration(double seconds) override;
+  void setHeaderLine(const std::string& text) override;
+  void setOpenButtonCaption(const std::string& text) override;
+  void setMessage(const std::string& text) override;
+  void setVolumeNameField(const std::string& text) override;
+  void setDeviceNameField(const std::string& text) override;
+  void setSizeInformationField(const std::string& text) override;
+  void setBurnMessage(const std::string& text) override;
+  ProgressIndicator& burnProgressIndicator() override;
+  int32_t burnSpeedTag() override;
+  MediaController& mediaController() override { return mediaController_; }
+  void setBurnConfirmationDiskTitle(const std::string& volumeName) override;
+  std::string burnConfirmationDiskTitle() override;
+  void beginBurnConfirmationSheet() override;
+  void endBurnConfirmationSheet() override;
+  void orderOutBurnConfirmationPanel() override;
+  void beginAlertSheet(const Alert& alert, std::function<void(int returnCode)> didEnd) override;
+  void beep() override;
+  void selectFile(const std::string& path, const std::string& root) override;
+  void openFile(const std::string& path) override;
+  void hideApplication() override;
+  void terminate() override;
+  void replyToApplicationShouldTerminate(bool shouldTerminate) override;
+
+ protected:
+  void closeEvent(QCloseEvent* event) override;
+  void changeEvent(QEvent* event) override;
+
+ private:
+  QWidget* makeHeader();
+  QWidget* makeDiskScrollView();
+  QWidget* makeButtonBar();
+  void addContentViews();
+  void connectActions();
+  void addShortcuts();
+  void applyScale();
+  void showMediaController();
+  void selectInMediaController();
+
+  WindowActions* actions_ = nullptr;
+  MediaController mediaController_;
+  std::function<void()> quitRequested_;
+  std::function<void(bool)> terminateReplied_;
+  bool closingAllowed_ = false;
+
+  // All are children of this window.
+  QLabel* headerLine_ = nullptr;
+  QWidget* headerBackground_ = nullptr;
+  QWidget* buttonBar_ = nullptr;
+  SlidingArea* contentArea_ = nullptr;
+  MessageView* messageView_ = nullptr;
+  QWidget* diskScrollView_ = nullptr;
+  DiscListView* diskTable_ = nullptr;
+  DiscListModel* discList_ = nullptr;
+  MountedItemView* mountedItemView_ = nullptr;
+  KVBurnView* burnView_ = nullptr;
+  InsertDiscButton* insertDiscButton_ = nullptr;
+  QPushButton* openButton_ = nullptr;
+  ConfirmationSheet* burnConfirmationPanel_ = nullptr;
+};
+
+}  // namespace kelvane

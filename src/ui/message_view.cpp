@@ -1,0 +1,32 @@
+// SPDX-License-Identifier: GPL-2.0-or-later
+#include "ui/message_view.h"
+
+#include <QHBoxLayout>
+#include <QLabel>
+
+#include "ui/view_parts.h"
+
+namespace kelvane {
+
+MessageView::MessageView(QWidget* parent) : QWidget(parent) {
+  setObjectName(QStringLiteral("messageView"));
+  auto* picture = makeDiscPicture(Shade::Faint, this);
+  messageTextField_ = makeTextField("messageTextField", "AccessibleMessage", this);
+  messageTextField_->setWordWrap(true);
+
+  auto* layout = new QHBoxLayout(this);
+  layout->setContentsMargins(20, 0, 20, 0);
+  layout->setSpacing(16);
+  layout->addWidget(picture);
+  layout->addWidget(messageTextField_, 1);
+}
+
+void MessageView::setMessage(const QString& text) {
+  messageTextField_->setText(text);
+}
+
+QString MessageView::message() const {
+  return messageTextField_->text();
+}
+
+}  // namespace kelvane

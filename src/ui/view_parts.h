@@ -1,0 +1,32 @@
+// SPDX-License-Identifier: GPL-2.0-or-later
+#pragma once
+
+#include <QString>
+#include <string>
+
+class QLabel;
+class QPushButton;
+class QWidget;
+
+namespace kelvane {
+
+/// The text of `key` for Qt.
+QString localizedText(const std::string& key);
+
+/// `text` for a widget that would take "&" for the mark of a mnemonic.
+QString withoutMnemonic(QString text);
+
+/// A label for changing text, plain whatever it holds: names come from discs and drives. `name` is
+/// its object name, `accessibleKey` the key of what a screen reader calls it. The parent owns it.
+QLabel* makeTextField(const char* name, const std::string& accessibleKey, QWidget* parent);
+
+/// A button with the text of `key`, which Return presses as the space bar does while it has the
+/// focus. The parent owns it.
+QPushButton* makeButton(const char* name, const std::string& key, QWidget* parent);
+
+enum class Shade { Full, Faint };
+
+/// The picture of a disc that stands at the left of a content view. The parent owns it.
+QLabel* makeDiscPicture(Shade shade, QWidget* parent);
+
+}  // namespace kelvane
