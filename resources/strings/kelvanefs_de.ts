@@ -173,7 +173,7 @@
         <translation>Die Disc wird gelöscht …</translation>
     </message>
     <message id="BurnPercent">
-        <source>%i %</source>
+        <source>%i%</source>
         <translation>%i %</translation>
     </message>
     <!-- The burn confirmation sheet -->

@@ -173,8 +173,8 @@
         <translation>Erasing the disc…</translation>
     </message>
     <message id="BurnPercent">
-        <source>%i %</source>
-        <translation>%i %</translation>
+        <source>%i%</source>
+        <translation>%i%</translation>
     </message>
     <!-- The burn confirmation sheet -->
     <message id="BurnConfirmation">

@@ -2,19 +2,27 @@
 #include "ui/alert_sheet.h"
 
 #include <QCoreApplication>
+#include <QGridLayout>
+#include <QLabel>
 #include <QMessageBox>
-#include <QPushButton>
+#include <QSpacerItem>
+#include <QStringList>
+#include <algorithm>
 #include <vector>
 
 #include "platform/foundation/placeholders.h"
 #include "platform/foundation/strings_table.h"
+#include "ui/roomy_button.h"
 #include "ui/view_parts.h"
+#include "ui/window_metrics.h"
 
 namespace kelvane {
 namespace {
 
-// A detail up to this length is shown at once, a longer one when the user asks for it.
-constexpr size_t kShortDetail = 200;
+// A program's output may be long; the log has all of it.
+constexpr qsizetype kLongestDetail = 600;
+
+constexpr double kWidth = 380;
 
 QMessageBox::Icon iconOf(Alert::Style style) {
   switch (style) {
@@ -28,20 +36,47 @@ QMessageBox::Icon iconOf(Alert::Style style) {
   return QMessageBox::Warning;
 }
 
+/// What a drive or program said may look like markup and is none. The two labels bear these names
+/// in every version of the toolkit so far; a box without them merely looks plainer.
+void adaptLabels(QMessageBox& box) {
+  if (auto* message = box.findChild<QLabel*>(QStringLiteral("qt_msgbox_label"))) {
+    QFont bold = message->font();
+    bold.setBold(true);
+    message->setFont(bold);
+  }
+  if (auto* informative = box.findChild<QLabel*>(QStringLiteral("qt_msgbox_informativelabel"))) {
+    informative->setTextFormat(Qt::PlainText);
+  }
+}
+
+QString informativeText(const Alert& alert) {
+  QStringList paragraphs;
+  if (!alert.informativeKey.empty()) paragraphs << localizedText(alert.informativeKey);
+  QString detail = QString::fromStdString(alert.detail).trimmed();
+  if (detail.size() > kLongestDetail) detail = detail.first(kLongestDetail) + QChar(0x2026);
+  if (!detail.isEmpty()) {
+    paragraphs << QString::fromStdString(
+        format(localizedString("AlertDetail"), detail.toStdString()));
+  }
+  return paragraphs.join(QStringLiteral("\n\n"));
+}
+
 void setTexts(QMessageBox& box, const Alert& alert) {
   box.setWindowTitle(QCoreApplication::applicationName());
   box.setTextFormat(Qt::PlainText);
   box.setText(localizedText(alert.messageKey));
-  std::string informative =
-      alert.informativeKey.empty() ? std::string() : localizedString(alert.informativeKey);
-  if (!alert.detail.empty() && alert.detail.size() <= kShortDetail) {
-    informative += "\n\n" + format(localizedString("AlertDetail"), alert.detail);
-  } else if (!alert.detail.empty()) {
-    box.setDetailedText(QString::fromStdString(alert.detail));
-  }
-  box.setInformativeText(QString::fromStdString(informative));
+  box.setInformativeText(informativeText(alert));
   box.setAccessibleName(box.text());
   box.setAccessibleDescription(box.informativeText());
+  adaptLabels(box);
+}
+
+/// Gives the box a width at which its texts have a good shape, below everything that it holds.
+void widen(QMessageBox& box) {
+  auto* grid = qobject_cast<QGridLayout*>(box.layout());
+  if (!grid) return;
+  auto* spacer = new QSpacerItem(toPixels(kWidth, box.font()), 0);
+  grid->addItem(spacer, grid->rowCount(), 0, 1, grid->columnCount());
 }
 
 /// Adds the buttons, in order; a choice of none is an "OK".
@@ -51,10 +86,9 @@ std::vector<QPushButton*> addButtons(QMessageBox& box, std::vector<std::string> 
   for (const std::string& key : keys) {
     const bool last = buttons.size() + 1 == keys.size();
     const auto role = last && !buttons.empty() ? QMessageBox::RejectRole : QMessageBox::AcceptRole;
-    const QString text = localizedText(key);
-    QPushButton* button = box.addButton(withoutMnemonic(text), role);
-    button->setAccessibleName(text);
-    button->setObjectName(QStringLiteral("alertButton%1").arg(buttons.size()));
+    const std::string name = "alertButton" + std::to_string(buttons.size());
+    RoomyButton* button = makeButton(name.c_str(), key, &box);
+    box.addButton(button, role);
     buttons.push_back(button);
   }
   return buttons;
@@ -79,6 +113,7 @@ void openAlertSheet(QWidget* parent, const Alert& alert,
                                                 : static_cast<size_t>(clicked - buttons.begin());
     if (didEnd) didEnd(kAlertFirstButtonReturn + static_cast<int>(index));
   });
+  widen(*box);
   box->open();
 }
 

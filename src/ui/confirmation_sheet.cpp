@@ -7,7 +7,6 @@
 #include <QHBoxLayout>
 #include <QLabel>
 #include <QLineEdit>
-#include <QPushButton>
 #include <QVBoxLayout>
 #include <QValidator>
 
@@ -15,6 +14,7 @@
 #include "platform/foundation/strings_table.h"
 #include "ui/alert_sheet.h"
 #include "ui/cd_name_formatter.h"
+#include "ui/roomy_button.h"
 #include "ui/view_parts.h"
 #include "ui/window_metrics.h"
 
@@ -85,6 +85,7 @@ QLayout* ConfirmationSheet::makeFields() {
   diskTitle_->setPlaceholderText(CDNameFormatter().stringForObjectValue({}));
   speedPopup_ = new QComboBox(this);
   speedPopup_->setObjectName(QStringLiteral("burnSpeedPopupButton"));
+  speedPopup_->setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Fixed);
   setSpeeds({});
 
   auto* form = new QFormLayout;
@@ -105,10 +106,10 @@ QLayout* ConfirmationSheet::makeButtons() {
   burnButton_->setDefault(true);
   discardButton_ = makeButton("burnCancelButton", "BurnConfirmationDiscard", this);
   discardButton_->setAutoDefault(false);
-  connect(burnButton_, &QPushButton::clicked, this, [this] {
+  connect(burnButton_, &RoomyButton::clicked, this, [this] {
     if (confirmed_) confirmed_();
   });
-  connect(discardButton_, &QPushButton::clicked, this, [this] {
+  connect(discardButton_, &RoomyButton::clicked, this, [this] {
     if (cancelled_) cancelled_();
   });
 

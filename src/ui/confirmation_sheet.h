@@ -9,9 +9,10 @@
 class QComboBox;
 class QLayout;
 class QLineEdit;
-class QPushButton;
 
 namespace kelvane {
+
+class RoomyButton;
 
 /// The burn confirmation panel: asks whether to burn the changes, with which name and how fast.
 ///
@@ -50,8 +51,8 @@ class ConfirmationSheet : public QDialog {
   // All are children of this dialog.
   QLineEdit* diskTitle_;
   QComboBox* speedPopup_;
-  QPushButton* burnButton_;
-  QPushButton* discardButton_;
+  RoomyButton* burnButton_;
+  RoomyButton* discardButton_;
 };
 
 }  // namespace kelvane

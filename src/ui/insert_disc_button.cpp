@@ -9,13 +9,11 @@
 
 namespace kelvane {
 
-InsertDiscButton::InsertDiscButton(QWidget* parent) : QPushButton(parent) {
+InsertDiscButton::InsertDiscButton(QWidget* parent) : RoomyButton(parent) {
   setObjectName(QStringLiteral("insertDiscButton"));
-  setText(withoutMnemonic(localizedText("InsertDisc")));
-  setAccessibleName(localizedText("InsertDisc"));
+  setCaption(localizedText("InsertDisc"));
   setAccessibleDescription(localizedText("InsertDiscLong"));
   setToolTip(localizedText("InsertDiscLong"));
-  setAutoDefault(true);
   hide();
   connect(this, &QPushButton::clicked, this, [this] {
     if (single_ && insert_) insert_(0);

@@ -1,16 +1,17 @@
 // SPDX-License-Identifier: GPL-2.0-or-later
 #pragma once
 
-#include <QPushButton>
 #include <functional>
 #include <string>
 #include <vector>
+
+#include "ui/roomy_button.h"
 
 namespace kelvane {
 
 /// The button that puts an ejected disc back into its emulated drive. With one such drive it does
 /// so at once, with several it offers a menu of them; without any it is hidden.
-class InsertDiscButton : public QPushButton {
+class InsertDiscButton : public RoomyButton {
   Q_OBJECT
 
  public:

@@ -8,7 +8,6 @@
 #include <QIcon>
 #include <QItemSelectionModel>
 #include <QLabel>
-#include <QPushButton>
 #include <QScreen>
 #include <QShortcut>
 #include <QUrl>
@@ -26,6 +25,7 @@
 #include "ui/insert_disc_button.h"
 #include "ui/message_view.h"
 #include "ui/mounted_item_view.h"
+#include "ui/roomy_button.h"
 #include "ui/sliding_area.h"
 #include "ui/view_parts.h"
 #include "ui/window_metrics.h"
@@ -66,6 +66,7 @@ MainWindow::MainWindow(QWidget* parent) : QWidget(parent) {
   connectActions();
   addShortcuts();
   applyScale();
+  adaptButtons();
   mediaController_.setChangeHandler([this] { showMediaController(); });
 }
 
@@ -104,12 +105,15 @@ QWidget* MainWindow::makeDiskScrollView() {
 QWidget* MainWindow::makeButtonBar() {
   buttonBar_ = new QWidget(this);
   insertDiscButton_ = new InsertDiscButton(buttonBar_);
-  openButton_ = new QPushButton(buttonBar_);
+  showDiskButton_ = makeButton("showDiskButton", "ShowDisk", buttonBar_);
+  showDiskButton_->setAccessibleDescription(localizedText("ShowDiskLong"));
+  showDiskButton_->setToolTip(localizedText("ShowDiskLong"));
+  openButton_ = new RoomyButton(buttonBar_);
   openButton_->setObjectName(QStringLiteral("openButton"));
-  openButton_->setAutoDefault(true);
   auto* row = new QHBoxLayout(buttonBar_);
   row->setContentsMargins(12, 0, 12, 0);
   row->addWidget(insertDiscButton_);
+  row->addWidget(showDiskButton_);
   row->addStretch();
   row->addWidget(openButton_);
   return buttonBar_;
@@ -137,10 +141,10 @@ void MainWindow::connectActions() {
   });
   connect(diskTable_->selectionModel(), &QItemSelectionModel::selectionChanged, this,
           [this] { selectInMediaController(); });
-  connect(openButton_, &QPushButton::clicked, this, [this] {
+  connect(openButton_, &RoomyButton::clicked, this, [this] {
     if (actions_) actions_->mountBurnFS();
   });
-  connect(mountedItemView_->showDiskButton(), &QPushButton::clicked, this, [this] {
+  connect(showDiskButton_, &RoomyButton::clicked, this, [this] {
     if (actions_) actions_->showDisk();
   });
   burnConfirmationPanel_->setConfirmHandler([this] {
@@ -164,6 +168,13 @@ void MainWindow::addShortcuts() {
 void MainWindow::applyScale() {
   headerBackground_->setFixedSize(toPixels(kWindowWidth, font()), toPixels(kHeaderHeight, font()));
   buttonBar_->setFixedSize(toPixels(kWindowWidth, font()), toPixels(kButtonBarHeight, font()));
+}
+
+// The files can be shown while the disc is open, and a disc that is being burned can be neither
+// opened nor closed.
+void MainWindow::adaptButtons() {
+  showDiskButton_->setVisible(contentArea_->isArriving(ContentView::MountedItem));
+  openButton_->setEnabled(!contentArea_->isArriving(ContentView::Burn));
 }
 
 void MainWindow::setInsertableDiscs(const std::vector<std::string>& names,
@@ -205,6 +216,7 @@ void MainWindow::setHidden(HideableView view, bool hidden) {
 
 void MainWindow::setFrame(ContentView view, Rect frame, Movement movement) {
   contentArea_->setFrame(view, frame, movement);
+  adaptButtons();
 }
 
 void MainWindow::setAnimationDuration(double seconds) {
@@ -216,8 +228,7 @@ void MainWindow::setHeaderLine(const std::string& text) {
 }
 
 void MainWindow::setOpenButtonCaption(const std::string& text) {
-  openButton_->setText(withoutMnemonic(toText(text)));
-  openButton_->setAccessibleName(toText(text));
+  openButton_->setCaption(toText(text));
 }
 
 void MainWindow::setMessage(const std::string& text) {

@@ -10,7 +10,6 @@
 #include "ui/window_outlets.h"
 
 class QLabel;
-class QPushButton;
 
 namespace kelvane {
 
@@ -21,6 +20,7 @@ class InsertDiscButton;
 class KVBurnView;
 class MessageView;
 class MountedItemView;
+class RoomyButton;
 class SlidingArea;
 
 /// The main window: a header line, below it the content area in which four views take turns, at the
@@ -90,6 +90,7 @@ class MainWindow : public QWidget, public WindowOutlets {
   void connectActions();
   void addShortcuts();
   void applyScale();
+  void adaptButtons();
   void showMediaController();
   void selectInMediaController();
 
@@ -111,7 +112,8 @@ class MainWindow : public QWidget, public WindowOutlets {
   MountedItemView* mountedItemView_ = nullptr;
   KVBurnView* burnView_ = nullptr;
   InsertDiscButton* insertDiscButton_ = nullptr;
-  QPushButton* openButton_ = nullptr;
+  RoomyButton* showDiskButton_ = nullptr;
+  RoomyButton* openButton_ = nullptr;
   ConfirmationSheet* burnConfirmationPanel_ = nullptr;
 };
 

@@ -3,7 +3,6 @@
 
 #include <QHBoxLayout>
 #include <QLabel>
-#include <QPushButton>
 #include <QVBoxLayout>
 
 #include "ui/display_colors.h"
@@ -34,9 +33,6 @@ MountedItemView::MountedItemView(QWidget* parent) : QWidget(parent) {
   volumeNameField_ = makeField("volumeNameField", "AccessibleVolumeName", this);
   deviceNameField_ = makeField("deviceNameField", "AccessibleDeviceName", this);
   sizeInformationField_ = makeField("sizeInformationField", "AccessibleSizeInformation", this);
-  showDiskButton_ = makeButton("showDiskButton", "ShowDisk", this);
-  showDiskButton_->setAccessibleDescription(localizedText("ShowDiskLong"));
-  showDiskButton_->setToolTip(localizedText("ShowDiskLong"));
 
   QFont bold = font();
   bold.setBold(true);
@@ -52,11 +48,10 @@ MountedItemView::MountedItemView(QWidget* parent) : QWidget(parent) {
   lines->addStretch();
 
   auto* layout = new QHBoxLayout(this);
-  layout->setContentsMargins(20, 0, 12, 0);
+  layout->setContentsMargins(20, 0, 20, 0);
   layout->setSpacing(16);
   layout->addWidget(makeDiscPicture(Shade::Full, this));
   layout->addLayout(lines, 1);
-  layout->addWidget(showDiskButton_);
 }
 
 }  // namespace kelvane

@@ -2,15 +2,12 @@
 #pragma once
 
 #include <QWidget>
-#include <functional>
 
 class QLabel;
-class QPushButton;
 
 namespace kelvane {
 
-/// The content view of the opened disc: its name, medium and drive, free space, and the button that
-/// shows its files.
+/// The content view of the opened disc: its name, medium and drive, and free space.
 class MountedItemView : public QWidget {
   Q_OBJECT
 
@@ -20,14 +17,12 @@ class MountedItemView : public QWidget {
   QLabel* volumeNameField() const { return volumeNameField_; }
   QLabel* deviceNameField() const { return deviceNameField_; }
   QLabel* sizeInformationField() const { return sizeInformationField_; }
-  QPushButton* showDiskButton() const { return showDiskButton_; }
 
  private:
   // All are children of this widget.
   QLabel* volumeNameField_;
   QLabel* deviceNameField_;
   QLabel* sizeInformationField_;
-  QPushButton* showDiskButton_;
 };
 
 }  // namespace kelvane

@@ -74,6 +74,10 @@ bool SlidingArea::isMoving(ContentView view) const {
   return slot(view).animation->state() == QAbstractAnimation::Running;
 }
 
+bool SlidingArea::isArriving(ContentView view) const {
+  return isInSight(slot(view).target);
+}
+
 void SlidingArea::place(Slot& moved, Rect frame) {
   moved.frame = frame;
   // Points count upwards from the lower edge of the window, pixels downwards from this widget's

@@ -37,6 +37,8 @@ class SlidingArea : public QWidget {
   Rect currentFrame(ContentView view) const { return slot(view).frame; }
   Rect targetFrame(ContentView view) const { return slot(view).target; }
   bool isMoving(ContentView view) const;
+  /// Whether the view's last move led it into sight, be it hidden or not.
+  bool isArriving(ContentView view) const;
 
  protected:
   void paintEvent(QPaintEvent* event) override;

@@ -4,10 +4,10 @@
 #include <QLabel>
 #include <QPainter>
 #include <QPixmap>
-#include <QPushButton>
 
 #include "platform/foundation/bundle.h"
 #include "platform/foundation/strings_table.h"
+#include "ui/roomy_button.h"
 #include "ui/window_metrics.h"
 
 namespace kelvane {
@@ -54,12 +54,10 @@ QLabel* makeTextField(const char* name, const std::string& accessibleKey, QWidge
   return label;
 }
 
-QPushButton* makeButton(const char* name, const std::string& key, QWidget* parent) {
-  const QString text = localizedText(key);
-  auto* button = new QPushButton(withoutMnemonic(text), parent);
+RoomyButton* makeButton(const char* name, const std::string& key, QWidget* parent) {
+  auto* button = new RoomyButton(parent);
   button->setObjectName(QLatin1String(name));
-  button->setAccessibleName(text);
-  button->setAutoDefault(true);
+  button->setCaption(localizedText(key));
   return button;
 }
 

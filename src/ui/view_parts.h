@@ -5,10 +5,11 @@
 #include <string>
 
 class QLabel;
-class QPushButton;
 class QWidget;
 
 namespace kelvane {
+
+class RoomyButton;
 
 /// The text of `key` for Qt.
 QString localizedText(const std::string& key);
@@ -20,9 +21,8 @@ QString withoutMnemonic(QString text);
 /// its object name, `accessibleKey` the key of what a screen reader calls it. The parent owns it.
 QLabel* makeTextField(const char* name, const std::string& accessibleKey, QWidget* parent);
 
-/// A button with the text of `key`, which Return presses as the space bar does while it has the
-/// focus. The parent owns it.
-QPushButton* makeButton(const char* name, const std::string& key, QWidget* parent);
+/// A button with the text of `key`. The parent owns it.
+RoomyButton* makeButton(const char* name, const std::string& key, QWidget* parent);
 
 enum class Shade { Full, Faint };
 

@@ -1,0 +1,198 @@
+// SPDX-License-Identifier: GPL-2.0-or-later
+// Shows the main window in each of its states, filled with sample data, and saves a picture of each
+// into the folder given: window_gallery FOLDER [LANGUAGE]
+#include <QApplication>
+#include <QDir>
+#include <QElapsedTimer>
+#include <QMenu>
+#include <QPainter>
+#include <QPixmap>
+#include <cstdio>
+
+#include "platform/foundation/placeholders.h"
+#include "platform/foundation/strings_table.h"
+#include "ui/main_window.h"
+#include "ui/sample_records.h"
+#include "ui/sliding_area.h"
+
+namespace {
+
+using namespace kelvane;
+
+constexpr Rect kInWindow{0, 33, 402, 86};
+constexpr Rect kLeftOfWindow{-402, 33, 402, 86};
+constexpr Rect kRightOfWindow{402, 33, 402, 86};
+
+/// Every row that the samples do not refuse can be selected; nothing else happens.
+class GalleryActions : public WindowActions {
+ public:
+  explicit GalleryActions(MediaController& media) : media_(media) {}
+
+  void mountBurnFS() override {}
+  void tableViewDoubleClicked() override {}
+  bool tableViewShouldSelectRow(int32_t row) override {
+    return isUsable(media_.arrangedObjects()[static_cast<size_t>(row)]);
+  }
+  void showDisk() override {}
+  void burnConfirmationDidConfirm() override {}
+  void burnConfirmationDidCancel() override {}
+
+ private:
+  MediaController& media_;
+};
+
+/// The window with the sheets over it, each in the middle of what is below it.
+QImage composition(MainWindow& window) {
+  QList<QWidget*> sheets;
+  QSize size = window.size();
+  for (QWidget* widget : QApplication::topLevelWidgets()) {
+    if (!widget->isVisible() || widget == &window) continue;
+    sheets << widget;
+    size = size.expandedTo(widget->size() + QSize(40, 40));
+  }
+  QImage image(size + QSize(40, 40), QImage::Format_RGB32);
+  image.fill(QColor(0x9a, 0xa4, 0xb0));
+  QPainter painter(&image);
+  const auto drawCentered = [&](QWidget& widget) {
+    const QRect frame(QPoint(), widget.size());
+    const QPoint corner = image.rect().center() - frame.center();
+    painter.drawPixmap(corner, widget.grab());
+    painter.setPen(QColor(0x30, 0x30, 0x30));
+    painter.drawRect(frame.translated(corner).adjusted(-1, -1, 0, 0));
+  };
+  drawCentered(window);
+  for (QWidget* sheet : sheets) drawCentered(*sheet);
+  return image;
+}
+
+class Gallery {
+ public:
+  explicit Gallery(QString folder)
+      : folder_(std::move(folder)), actions_(window_.mediaController()) {
+    window_.setActions(&actions_);
+    window_.setAnimationDuration(0);
+    window_.setOpenButtonCaption(localizedString("buttonopen"));
+    window_.setHeaderLine(localizedString("headerDisksAvail"));
+    window_.makeKeyAndOrderFront();
+  }
+
+  bool shootAll() {
+    empty();
+    loading();
+    list();
+    opened();
+    confirming();
+    burning();
+    alert("alert", {.style = Alert::Style::Warning,
+                    .buttonKeys = {"OK"},
+                    .messageKey = "CDBurnError",
+                    .informativeKey = "CDBurnErrorLong",
+                    .detail = "The drive said: write error, medium may be scratched (3/0C/00)."});
+    alert("erase", {.style = Alert::Style::Warning,
+                    .buttonKeys = {"Erase", "Cancel"},
+                    .messageKey = "attempteraseshort",
+                    .informativeKey = "attempteraselong",
+                    .detail = {}});
+    alert("fuse", {.style = Alert::Style::Critical,
+                   .buttonKeys = {"Install", "Quit"},
+                   .messageKey = "InstallationIncomplete",
+                   .informativeKey = "InstallationIncompleteLong",
+                   .detail = {}});
+    return allSaved_;
+  }
+
+ private:
+  void shoot(const QString& state) {
+    QCoreApplication::processEvents();
+    QCoreApplication::processEvents();
+    allSaved_ &=
+        composition(window_).save(folder_ + QLatin1Char('/') + state + QStringLiteral(".png"));
+  }
+
+  void empty() {
+    window_.setInsertableDiscs({"Holiday"}, [](size_t) {});
+    window_.setHidden(HideableView::OpenButton, true);
+    window_.setHidden(HideableView::DiskScroll, true);
+    window_.setMessage(localizedString("insertdisk"));
+    shoot(QStringLiteral("empty"));
+  }
+
+  void loading() {
+    window_.setInsertableDiscs({}, {});
+    window_.setMessage(localizedString("loadingdisk"));
+    shoot(QStringLiteral("loading"));
+  }
+
+  void list() {
+    window_.setHidden(HideableView::OpenButton, false);
+    window_.setHidden(HideableView::DiskScroll, false);
+    window_.setHidden(HideableView::Message, true);
+    MediaController& media = window_.mediaController();
+    media.addObjects(
+        {testing::refusedRecord("Archive 2009", localizedString("unsupporteddiskformat")),
+         testing::usableRecord("Holiday"),
+         testing::refusedRecord("A volume name as long as 32 char", localizedString("diskfull"))});
+    media.setSelectionIndex(1);
+    shoot(QStringLiteral("list"));
+  }
+
+  void opened() {
+    window_.setFrame(ContentView::DiskScroll, kLeftOfWindow, Movement::Direct);
+    window_.setFrame(ContentView::Message, kLeftOfWindow, Movement::Direct);
+    window_.setFrame(ContentView::MountedItem, kInWindow, Movement::Direct);
+    window_.setHeaderLine(localizedString("headerDisksRemounted"));
+    window_.setOpenButtonCaption(localizedString("buttonclose"));
+    window_.setVolumeNameField("Holiday");
+    window_.setDeviceNameField("CDRW in KELVANE Emulated Burner");
+    window_.setSizeInformationField(format(localizedString("viewSizeOfDisk"), 412));
+    shoot(QStringLiteral("opened"));
+  }
+
+  void confirming() {
+    window_.setBurnConfirmationDiskTitle("Holiday");
+    window_.beginBurnConfirmationSheet();
+    shoot(QStringLiteral("confirming"));
+    window_.endBurnConfirmationSheet();
+    window_.orderOutBurnConfirmationPanel();
+  }
+
+  void burning() {
+    window_.setHeaderLine(localizedString("burningdisk"));
+    window_.setBurnMessage(localizedString("burningchangescd"));
+    window_.setFrame(ContentView::MountedItem, kLeftOfWindow, Movement::Direct);
+    window_.setFrame(ContentView::Burn, kInWindow, Movement::Direct);
+    window_.burnProgressIndicator().setIndeterminate(false);
+    window_.burnProgressIndicator().setDoubleValue(1.37);
+    shoot(QStringLiteral("burning"));
+    window_.setFrame(ContentView::Burn, kRightOfWindow, Movement::Direct);
+    window_.setFrame(ContentView::DiskScroll, kInWindow, Movement::Direct);
+    window_.setHeaderLine(localizedString("headerDisksAvail"));
+    window_.setOpenButtonCaption(localizedString("buttonopen"));
+  }
+
+  void alert(const char* state, const Alert& alert) {
+    window_.beginAlertSheet(alert, {});
+    shoot(QLatin1String(state));
+    for (QWidget* widget : QApplication::topLevelWidgets()) {
+      if (widget->objectName() == QStringLiteral("alertSheet")) delete widget;
+    }
+  }
+
+  QString folder_;
+  MainWindow window_;
+  GalleryActions actions_;
+  bool allSaved_ = true;
+};
+
+}  // namespace
+
+int main(int argc, char** argv) {
+  const QApplication application(argc, argv);
+  const QStringList arguments = QApplication::arguments();
+  if (arguments.size() < 2 || !QDir().mkpath(arguments.at(1))) {
+    std::fprintf(stderr, "usage: window_gallery FOLDER [LANGUAGE]\n");
+    return 2;
+  }
+  kelvane::loadStringsTable(arguments.value(2).toStdString());
+  return Gallery(arguments.at(1)).shootAll() ? 0 : 1;
+}
