@@ -55,11 +55,13 @@ void DRBurn::writeLayout(std::unique_ptr<DRTrack> track) {
   if (device_ == nullptr || device_->drive() == nullptr) {
     return report(failure("There is no drive to write with."));
   }
+  const DriveIdentity& drive = device_->drive()->identity();
+  if (!drive.programProblem.empty()) return report(failure(drive.programProblem));
   const RecorderOrder order{.imagePath = track_->producer().sourcePath(),
                             .appendable = appendable_,
                             .underrunProtection = properties_.DRBurnUnderrunProtectionKey != 0,
                             .speed = properties_.DRBurnRequestedSpeedKey};
-  auto run = std::make_unique<RecorderRun>(device_->drive()->identity(), order,
+  auto run = std::make_unique<RecorderRun>(drive, order,
                                            [this](const DRBurnStatus& status) { report(status); });
   device_->beginRecording();
   const std::string problem = run->start();

@@ -32,6 +32,8 @@ struct DriveIdentity {
   /// besides for the path to work.
   std::string programPath;
   std::map<std::string, std::string> programEnvironment;
+  /// Why no such program can work here; empty where nothing stands against it.
+  std::string programProblem;
 };
 
 /// The connection to one drive: the transport, what was last heard over it, and the locks.

@@ -5,12 +5,13 @@
 
 #include "platform/foundation/bundle.h"
 #include "platform/recording/mmc/emulated_transport.h"
+#include "virtualdrive/shim_environment.h"
 
 namespace kelvane {
 namespace {
 
-constexpr char kShimName[] = "kelvane-drive-shim.so";
-constexpr char kShimmedDevice[] = "/dev/sr0";
+// Programs see one drive each, so the drives can share a name.
+constexpr const char* kShownDevice = virtualdrive::kDefaultShownDevice;
 
 DriveIdentity identityOf(const virtualdrive::VirtualDrive& drive, const std::string& bsdName) {
   const std::string folder = drive.folder().string();
@@ -21,12 +22,11 @@ DriveIdentity identityOf(const virtualdrive::VirtualDrive& drive, const std::str
   identity.exclusiveLockPath = folder;
   identity.recordingLockPath = drive.sectorsFile().string();
   identity.emulatedDisc = folder;
-  identity.programPath = kShimmedDevice;
-  identity.programEnvironment = {
-      {"LD_PRELOAD", Bundle::mainBundle().auxiliaryFolder() + "/" + kShimName},
-      {"KELVANE_SHIM_DISC", folder},
-      {"KELVANE_SHIM_DEVICE", kShimmedDevice},
-  };
+  identity.programPath = kShownDevice;
+  const auto variables = virtualdrive::shimEnvironment(
+      Bundle::mainBundle().auxiliaryFolder(), folder, kShownDevice, &identity.programProblem);
+  if (!variables) return identity;
+  for (const auto& [name, value] : *variables) identity.programEnvironment[name] = value;
   return identity;
 }
 

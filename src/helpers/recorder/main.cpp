@@ -1,0 +1,58 @@
+// SPDX-License-Identifier: GPL-2.0-or-later
+//
+// recorder: writes one image to the disc in one drive, and reports on standard output (reporter.h).
+// Exit status 0: the session is on the disc. 1: it is not. 2: wrong arguments.
+//
+// A recording cannot be taken back, so nothing that ends the application may end it: the program
+// leaves its starter's session and takes no notice of the signals that are sent to whole sessions.
+
+#include <unistd.h>
+
+#include <CLI/CLI.hpp>
+#include <csignal>
+
+#include "helpers/recorder/recording_job.h"
+#include "helpers/recorder/reporter.h"
+
+namespace {
+
+using kelvane::recorder::RecordingJob;
+using kelvane::recorder::RecordingOrder;
+
+void outliveTheApplication() {
+  // Fails where the starter has given us a session already.
+  setsid();
+  for (const int number : {SIGINT, SIGTERM, SIGHUP, SIGPIPE, SIGQUIT}) {
+    std::signal(number, SIG_IGN);
+  }
+}
+
+void declareOptions(CLI::App& arguments, RecordingOrder& order) {
+  arguments.add_option("--device", order.devicePath, "The drive's device node")->required();
+  arguments.add_option("--image", order.imagePath, "The file to be written")->required();
+  arguments.add_option("--lock", order.lockPath, "A file to be locked meanwhile");
+  arguments.add_option("--speed", order.speed, "Kilobytes (1000 bytes) a second")
+      ->check(CLI::PositiveNumber);
+  arguments.add_flag("--appendable", order.appendable, "Leave the disc open");
+  arguments.add_flag(
+      "--no-underrun-protection", [&order](int64_t) { order.underrunProtection = false; },
+      "Do not let the drive pause when data is late");
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+  RecordingOrder order;
+  CLI::App arguments("Writes an image to a disc as a new session.", "recorder");
+  declareOptions(arguments, order);
+  constexpr int kWrongArguments = 2;
+  try {
+    arguments.parse(argc, argv);
+  } catch (const CLI::ParseError& error) {
+    return arguments.exit(error) == 0 ? 0 : kWrongArguments;
+  }
+  outliveTheApplication();
+  kelvane::recorder::Reporter reporter;
+  const RecordingJob::Outcome outcome = RecordingJob(order, reporter).run();
+  return outcome == RecordingJob::Outcome::Done ? 0 : 1;
+}
