@@ -103,7 +103,7 @@ CommandResult readDiscInformation(Command& command) {
         (first ? 0 : disc.sessions.back().leadOut + cdLeadOutToNextSession(disc.sessions.size())) -
         kCdGap - kCdLeadIn;
     if (first)
-      bytes.bytes({0, 97, 10, 0});
+      bytes.bytes({0, 97, 50, 0});
     else
       putTime(bytes, leadIn);
     putTime(bytes, cdLastPossibleLeadOut(disc));

@@ -13,7 +13,7 @@ namespace {
 /// ADR 1, a data track that may not be copied.
 constexpr unsigned kDataTrack = 0x14;
 constexpr unsigned kLeadOutTrack = 0xAA;
-constexpr Msf kLeadInOfDisc{97, 10, 0};
+constexpr Msf kLeadInOfDisc{97, 50, 0};
 
 void putAddress(AnswerBytes& bytes, Lba lba, bool asTime) {
   if (!asTime) {
