@@ -1,0 +1,52 @@
+// SPDX-License-Identifier: GPL-2.0-or-later
+#include "app/application_core.h"
+
+#include <unistd.h>
+
+#include <cerrno>
+#include <cstdlib>
+#include <cstring>
+#include <utility>
+
+#include "platform/foundation/paths.h"
+#include "platform/foundation/placeholders.h"
+#include "platform/volumes/stale_mounts.h"
+
+namespace kelvane {
+namespace {
+
+/// Whether mount points can be made in the folder of volumes: tried, since root may be refused too
+/// (a read-only file system) where the permissions say yes.
+bool volumesDirectoryIsUsable(std::string* error) {
+  const std::string folder = paths::volumesDirectory();
+  std::string attempt = folder + "/.kelvanefs-XXXXXX";
+  if (mkdtemp(attempt.data()) != nullptr) {
+    rmdir(attempt.c_str());
+    return true;
+  }
+  *error = format("No volume can be mounted in %@: %@.", folder, std::strerror(errno));
+  return false;
+}
+
+}  // namespace
+
+std::unique_ptr<ApplicationCore> ApplicationCore::create(
+    const std::vector<std::string>& emulatedDiscs, DriveRegistry::RealDrives realDrives,
+    std::string* error) {
+  std::optional<MountPointsLock> lock = MountPointsLock::acquire(error);
+  if (!lock) return nullptr;
+  if (!volumesDirectoryIsUsable(error)) return nullptr;
+  cleanUpStaleMounts(*lock);
+  DriveRegistry& drives = DriveRegistry::shared();
+  drives.setRealDrives(realDrives);
+  for (const std::string& disc : emulatedDiscs) {
+    if (drives.addEmulatedDrive(disc, error) == nullptr) return nullptr;
+  }
+  return std::unique_ptr<ApplicationCore>(new ApplicationCore(std::move(*lock)));
+}
+
+ApplicationCore::ApplicationCore(MountPointsLock lock) : lock_(std::move(lock)) {
+  visibleMounts_.start();
+}
+
+}  // namespace kelvane

@@ -1,0 +1,40 @@
+// SPDX-License-Identifier: GPL-2.0-or-later
+#pragma once
+
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace kelvane {
+
+/// What a batch run is asked to do.
+struct BatchOptions {
+  std::vector<std::string> drives;   ///< Folders of emulated discs, one a drive.
+  std::optional<std::string> name;   ///< The new session's volume name; absent: the disc's own.
+  int32_t speedTag = 0;              ///< As the speed pop-up's tags: 0 the fastest.
+  bool discard = false;              ///< Throw the changes away instead of burning them.
+  bool json = false;                 ///< One JSON object on standard output at the end.
+  std::vector<std::string> command;  ///< The program to run on the volume, with its arguments.
+};
+
+/// The exit statuses of batch mode that are its own.
+enum class BatchExit {
+  Burned = 0,  ///< Or there was nothing to burn.
+  Usage = 2,
+  NotOpened = 3,
+  BurnFailed = 4,
+};
+
+/// How a batch run ended.
+struct BatchOutcome {
+  /// "burned", "unchanged", "discarded", "command-failed", "interrupted", "not-opened",
+  /// "burn-failed".
+  std::string state;
+  std::optional<uint32_t> session;  ///< The number of the session that was burned, from 1.
+  std::optional<uint64_t> bytes;    ///< The size of that session's image.
+  std::string error;                ///< Why it failed; empty where it did not.
+  int exitStatus = 0;
+};
+
+}  // namespace kelvane

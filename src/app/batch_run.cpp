@@ -1,0 +1,279 @@
+// SPDX-License-Identifier: GPL-2.0-or-later
+#include "app/batch_run.h"
+
+#include <QCoreApplication>
+#include <chrono>
+#include <cstdio>
+#include <filesystem>
+#include <system_error>
+#include <utility>
+
+#include "app/kv_controller.h"
+#include "platform/foundation/child_task.h"
+#include "platform/foundation/main_thread.h"
+#include "platform/foundation/paths.h"
+#include "platform/foundation/placeholders.h"
+#include "platform/foundation/strings_table.h"
+#include "platform/recording/dr_burn_status.h"
+#include "platform/recording/dr_device.h"
+#include "platform/recording/dr_notification_center.h"
+#include "platform/userfs/gm_user_file_system.h"
+
+namespace kelvane {
+namespace {
+
+constexpr std::chrono::milliseconds kBusyRetryInterval{200};
+constexpr int kExitOfSignal = 128;
+constexpr int kCommandNotStarted = 127;
+
+template <typename... Values>
+void say(std::string_view text, const Values&... values) {
+  std::fprintf(stderr, "%s\n", format(text, values...).c_str());
+}
+
+/// An alert as one line: its texts, and the detail where there is one.
+std::string asLine(const Alert& alert) {
+  std::string line = localizedString(alert.messageKey);
+  if (!alert.informativeKey.empty()) line += " " + localizedString(alert.informativeKey);
+  if (!alert.detail.empty()) line += " (" + alert.detail + ")";
+  return line;
+}
+
+}  // namespace
+
+BatchRun::BatchRun(BatchOptions options) : options_(std::move(options)) {}
+
+BatchRun::~BatchRun() {
+  NotificationCenter::defaultCenter().removeObserver(this);
+  DRNotificationCenter::currentRunLoopCenter().removeObserver(this);
+}
+
+void BatchRun::start(KVController& controller) {
+  controller_ = &controller;
+  // The list is looked at once the scan that changed it is through.
+  mediaController().setChangeHandler([this] { performOnMainThread([this] { lookAtRecords(); }); });
+  NotificationCenter::defaultCenter().addObserver(
+      this, kGMUserFileSystemMountFailed, nullptr, [this](const Notification& notification) {
+        const auto* reason = std::any_cast<std::string>(&notification.userInfo);
+        performOnMainThread(
+            [this, text = reason == nullptr ? std::string() : *reason] { mountFailed(text); });
+      });
+  DRNotificationCenter::currentRunLoopCenter().addObserver(
+      this, [this](const Notification& notification) { burnStatusChanged(notification); },
+      DRBurnStatusChangedNotification, nullptr);
+}
+
+void BatchRun::lookAtRecords() {
+  if (stage_ != Stage::Opening || controller_->currentDevice() != nullptr) return;
+  const std::vector<DeviceRecord>& records = mediaController().arrangedObjects();
+  size_t usable = 0;
+  std::string refusals;
+  for (const DeviceRecord& record : records) {
+    if (isUsable(record)) {
+      ++usable;
+      continue;
+    }
+    if (record.unsupportedString->empty()) return;  // Still loading: the next scan tells.
+    refusals += record.description.volumename + ": " + *record.unsupportedString + " ";
+  }
+  if (usable == 1) return;  // The controller opens it without being asked.
+  if (usable > 1) {
+    controller_->mountBurnFS();
+  } else if (records.empty()) {
+    notOpened("There is no disc in the drive that can be read.");
+  } else {
+    refusals.pop_back();
+    notOpened(refusals);
+  }
+}
+
+void BatchRun::setFrame(ContentView view, Rect frame, Movement) {
+  if (view == ContentView::MountedItem && frame == KVController::inWindowRect) volumeIsMounted();
+}
+
+void BatchRun::volumeIsMounted() {
+  say("The disc is open at %@.", paths::overlayMountPoint());
+  if (interruptedBy_) {
+    closeVolume();
+  } else {
+    runCommand();
+  }
+}
+
+void BatchRun::runCommand() {
+  stage_ = Stage::Running;
+  say("Running %@.", options_.command.front());
+  command_ = std::make_unique<ChildTask>();
+  command_->setLaunchPath(options_.command.front());
+  command_->setArguments({options_.command.begin() + 1, options_.command.end()});
+  command_->setWorkingDirectory(paths::overlayMountPoint());
+  command_->setEnvironmentVariable("KELVANEFS_VOLUME", paths::overlayMountPoint());
+  command_->setStandardStreams(options_.json ? ChildTask::StandardStreams::OwnOutputToError
+                                             : ChildTask::StandardStreams::Own);
+  command_->setEndHandler([this] { commandHasEnded(); });
+  if (command_->launch()) return;
+  commandFailed_ = true;
+  outcome_.exitStatus = kCommandNotStarted;
+  outcome_.error =
+      format("%@ cannot be run: %@.", options_.command.front(), command_->launchError());
+  say("%@", outcome_.error);
+  closeVolume();
+}
+
+void BatchRun::commandHasEnded() {
+  const int status = command_->terminationStatus();
+  if (status != 0 && !interruptedBy_) {
+    commandFailed_ = true;
+    outcome_.exitStatus = status;
+    outcome_.error = format("%@ ended with status %i.", options_.command.front(), status);
+    say("%@ The changes are discarded.", outcome_.error);
+  }
+  // Not from within the signal of the process that has just ended.
+  performOnMainThread([this] { closeVolume(); });
+}
+
+void BatchRun::closeVolume() {
+  if (stage_ == Stage::Ended) return;
+  if (stage_ != Stage::Closing) say("Closing the volume.");
+  stage_ = Stage::Closing;
+  if (interruptedBy_) {
+    // What still uses the volume would hold it for ever, and its changes are not wanted.
+    if (const auto fileSystem = controller_->tarnwickFS()) fileSystem->unmountLazily();
+  } else {
+    controller_->closeVolume();
+  }
+}
+
+void BatchRun::volumeIsBusy(const std::string& users) {
+  if (users != announcedUsers_) {
+    say("Waiting for the volume to be free: %@", users);
+    announcedUsers_ = users;
+  }
+  performAfterDelay(kBusyRetryInterval, [this] {
+    if (stage_ == Stage::Closing && controller_->tarnwickFS()) closeVolume();
+  });
+}
+
+bool BatchRun::discards() const {
+  return options_.discard || commandFailed_ || interruptedBy_;
+}
+
+void BatchRun::beginBurnConfirmationSheet() {
+  if (discards()) {
+    say("Discarding the changes.");
+    outcome_.state = "discarded";
+    performOnMainThread([this] { controller_->burnConfirmationDidCancel(); });
+    return;
+  }
+  if (options_.name) setBurnConfirmationDiskTitle(*options_.name);
+  stage_ = Stage::Burning;
+  performOnMainThread([this] { controller_->burnConfirmationDidConfirm(); });
+}
+
+void BatchRun::setBurnMessage(const std::string& text) {
+  say("%@", text);
+  std::error_code failure;
+  const std::string image = paths::burnImage(controller_->tmpDirPath());
+  const uintmax_t size = std::filesystem::file_size(image, failure);
+  if (!failure) outcome_.bytes = size;
+}
+
+void BatchRun::setDoubleValue(double value) {
+  // The second half of the bar is the burn itself; a line every tenth of it is enough.
+  const int tenths = static_cast<int>((value - 1.0) * 10);
+  if (tenths <= announcedTenths_) return;
+  announcedTenths_ = tenths;
+  say("%i% written.", tenths * 10);
+}
+
+void BatchRun::burnStatusChanged(const Notification& notification) {
+  const auto* status = std::any_cast<DRBurnStatus>(&notification.userInfo);
+  if (status == nullptr || status->DRStatusStateKey != DRStatusStateDone) return;
+  outcome_.state = "burned";
+  const DRDevice* device = controller_->currentDevice();
+  if (device == nullptr) return;
+  const auto media = device->status().DRDeviceMediaInfoKey;
+  if (media) outcome_.session = media->DRDeviceMediaSessionCountKey;
+}
+
+void BatchRun::beginAlertSheet(const Alert& alert, std::function<void(int)>) {
+  if (alert.messageKey == "VolumeBusy") {
+    volumeIsBusy(alert.detail);
+    return;
+  }
+  const std::string line = asLine(alert);
+  if (stage_ == Stage::Burning) {
+    outcome_.state = "burn-failed";
+    outcome_.error = line;
+    outcome_.exitStatus = static_cast<int>(BatchExit::BurnFailed);
+    say("%@", line);
+    return;  // The controller's own clean-up follows.
+  }
+  notOpened(line);
+}
+
+void BatchRun::mountFailed(const std::string& reason) {
+  if (stage_ != Stage::Opening) return;
+  notOpened(reason);
+  controller_->cleanupWithoutBurn();
+}
+
+void BatchRun::notOpened(const std::string& reason) {
+  if (stage_ == Stage::Ended) return;
+  outcome_.state = "not-opened";
+  outcome_.error = reason;
+  outcome_.exitStatus = static_cast<int>(BatchExit::NotOpened);
+  say("The disc could not be opened: %@", reason);
+  end();
+}
+
+void BatchRun::interrupt(int signalNumber) {
+  if (stage_ == Stage::Burning) {
+    say("A burn is going on; it is brought to its end first.");
+    return;
+  }
+  if (stage_ == Stage::Ended) return;
+  const bool again = interruptedBy_.has_value();
+  interruptedBy_ = signalNumber;
+  say("Interrupted: the changes are discarded.");
+  if (stage_ == Stage::Running) {
+    if (again) {
+      command_->kill();
+    } else {
+      command_->terminate();
+    }
+  } else if (stage_ == Stage::Closing) {
+    closeVolume();
+  } else if (controller_->currentDevice() == nullptr) {
+    end();
+  }
+}
+
+void BatchRun::terminate() {
+  end();
+}
+
+void BatchRun::replyToApplicationShouldTerminate(bool shouldTerminate) {
+  if (shouldTerminate) end();
+}
+
+void BatchRun::end() {
+  if (stage_ == Stage::Ended) return;
+  stage_ = Stage::Ended;
+  if (interruptedBy_) {
+    outcome_.state = "interrupted";
+    outcome_.error = format("Interrupted by signal %i.", *interruptedBy_);
+    outcome_.exitStatus = kExitOfSignal + *interruptedBy_;
+  } else if (commandFailed_) {
+    outcome_.state = "command-failed";
+  } else if (outcome_.state.empty()) {
+    outcome_.state = "unchanged";
+    say("Nothing has changed; nothing is burned.");
+  } else if (outcome_.state == "burned") {
+    say("Session %i has been burned.", outcome_.session.value_or(0));
+  }
+  // What the clean-up still has to do on this thread comes first.
+  performOnMainThread([] { QCoreApplication::quit(); });
+}
+
+}  // namespace kelvane

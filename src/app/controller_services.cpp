@@ -1,0 +1,34 @@
+// SPDX-License-Identifier: GPL-2.0-or-later
+#include "app/controller_services.h"
+
+#include <thread>
+
+#include "platform/recording/dr_device.h"
+#include "platform/userfs/gm_user_file_system.h"
+#include "platform/volumes/visible_mounts.h"
+
+namespace kelvane {
+
+ControllerServices systemControllerServices(VisibleMounts& visibleMounts) {
+  ControllerServices services;
+  services.devices = [] { return DRDevice::devices(); };
+  services.volumes = &VolumeServices::system();
+  services.userFileSystemIsAvailable = [](std::string* reason) {
+    return GMUserFileSystem::isAvailable(reason);
+  };
+  services.discIsOpened = [&visibleMounts](const std::string& bsdName) {
+    visibleMounts.hold(bsdName);
+  };
+  services.discIsClosed = [&visibleMounts](const std::string& bsdName) {
+    visibleMounts.release(bsdName);
+  };
+  services.discWillBeEjected = [&visibleMounts](const std::string& bsdName) {
+    visibleMounts.unmountAllOf(bsdName);
+  };
+  services.sleep = [](std::chrono::milliseconds duration) {
+    std::this_thread::sleep_for(duration);
+  };
+  return services;
+}
+
+}  // namespace kelvane

@@ -1,0 +1,169 @@
+// SPDX-License-Identifier: GPL-2.0-or-later
+#pragma once
+
+#include <atomic>
+#include <latch>
+#include <memory>
+#include <mutex>
+#include <optional>
+#include <string>
+#include <thread>
+#include <vector>
+
+#include "app/controller_services.h"
+#include "media/device_record.h"
+#include "platform/foundation/notification_center.h"
+#include "ui/window_outlets.h"
+
+namespace kelvane {
+
+class BurnFSDelegate;
+class DRBurn;
+class DRDevice;
+class GMUserFileSystem;
+struct ScanOutcome;
+
+/// The one long-lived controller: it holds the state of the current disc, mount and burn, drives
+/// the window, and is the target of every device, mount and burn notification. One source file a
+/// workflow.
+///
+/// What is not marked otherwise belongs to the main thread. The mount worker writes
+/// `currentDevice`, `currentDeviceDictionary`, `tmpDirPath`, `myBurnFSDelegate` and `tarnwickFS`;
+/// the main thread reads the last three only once the mount has been announced. `fuseDidUnmount`
+/// writes `sizetoburn` on the file system's thread, and the main thread reads it in what that
+/// thread schedules.
+class KVController : public WindowActions {
+ public:
+  /// Both are borrowed and must outlive the controller.
+  KVController(WindowOutlets& window, const ControllerServices& services);
+  ~KVController() override;
+  KVController(const KVController&) = delete;
+  KVController& operator=(const KVController&) = delete;
+
+  // Start-up.
+  /// Prepares the window, once it exists.
+  void awakeFromNib();
+  /// The start-up sequence; called once, after launching.
+  void initialiseController();
+  /// Reserves every drive and registers for the notifications of drives and burns. The first scan
+  /// runs with the first notification of a drive.
+  void initialiseDR();
+  void installationAlertDidEnd(int returnCode);
+
+  // The list of discs.
+  /// Schedules a scan on the main thread; from any thread.
+  void scanForMedia();
+  void performScanForMedia();
+  bool tableViewShouldSelectRow(int32_t row) override;
+  void tableViewDoubleClicked() override;
+
+  // One disc, from its opening to the question whether to burn.
+  void mountBurnFS() override;
+  void showDisk() override;
+  /// Closes the volume: asks the file system to unmount, and tells the user where a program still
+  /// uses it. False where the volume stays open.
+  bool closeVolume();
+
+  // Burning.
+  void burnConfirmationDidConfirm() override;
+  void burnConfirmationDidCancel() override;
+  void burn();
+  void cleanupWithoutBurn();
+  void commonBurnCleanup();
+
+  // The views of the window.
+  void showMessageOrSelectionView();
+  void showMountedView();
+  void showBurnView();
+  /// Schedules a refresh of the opened disc's view; from any thread. However often it is asked for,
+  /// one refresh waits at the most.
+  void updateMountedItemView();
+  void performUpdateMountedItemView();
+
+  // Properties.
+  bool allowMainWindowUnhide() const { return allowMainWindowUnhide_; }
+  void setAllowMainWindowUnhide(bool allow) { allowMainWindowUnhide_ = allow; }
+  /// The overlay file system; null when no disc is open. From any thread; whoever asks holds it
+  /// until done with it.
+  std::shared_ptr<GMUserFileSystem> tarnwickFS() const;
+  void setTarnwickFS(std::shared_ptr<GMUserFileSystem> fileSystem);
+  std::string openButtonCaption() const { return openButtonCaption_; }
+  void setOpenButtonCaption(const std::string& caption);
+  /// The record of the disc being opened or opened; from any thread.
+  std::optional<DeviceRecord> currentDeviceDictionary() const;
+  void setCurrentDeviceDictionary(const DeviceRecord& record);
+  bool burnInProgress() const { return burnInProgress_; }
+  void setBurnInProgress(bool inProgress) { burnInProgress_ = inProgress; }
+  bool mediaIsMounted() const { return mediaIsMounted_; }
+  /// Where the value changes: sets header, caption and view.
+  void setMediaIsMounted(bool mounted);
+  /// The drive whose disc is opened or being opened; null when none is. Borrowed.
+  DRDevice* currentDevice() const { return currentDevice_; }
+  const std::string& tmpDirPath() const { return tmpDirPath_; }
+  double sizetoburn() const { return sizetoburn_; }
+
+  /// Where the content views stand: in the window, and parked to either side of it.
+  static constexpr Rect inWindowRect{0, 33, 402, 86};
+  static constexpr Rect leftOfWindowRect{-402, 33, 402, 86};
+  static constexpr Rect rightOfWindowRect{402, 33, 402, 86};
+
+ private:
+  // The list of discs (kv_controller_scan.cpp).
+  void applyScanOutcome(const ScanOutcome& outcome);
+
+  // Opening and closing (kv_controller_mount.cpp).
+  /// The body of the mount worker. `discIsNoted` is counted down once the current device is set.
+  void mountBurnFSinBackground(std::latch& discIsNoted);
+  /// Takes the disc's own volume out of sight and gives the path of the hidden mount. Empty, and
+  /// logged, where it fails.
+  std::optional<std::string> takeOverDiscWithContent(std::string& volumeName);
+  void mountOverlay(const DeviceRecord& record, const std::string& volumeName,
+                    const std::optional<std::string>& discMountPath, double usedMB);
+  void registerMountObservers();
+  void respondToBurnFSMounting();
+  void performRespondToBurnFSMounting();
+  void showPerformMountFailedAlertAndReset();
+  void fuseDidUnmount();
+  void releaseOverlay();
+  void concludeUnmount();
+  void respondToUnexpectedMediaEject();
+  void discSizeDidChange();
+
+  // Burning (kv_controller_burn.cpp, kv_controller_cd.cpp).
+  void removeAppleDoubleFiles();
+  void removeOverlayAndHideList();
+  void ejectMediaOfCurrentDevice();
+  void giveUpCurrentDevice();
+  void burnDVD();
+  void burnCD();
+  std::string buildImage(const std::vector<std::string>& arguments);
+  void waitUntilMediumHasSettled();
+  void startCDBurn();
+  void imagingFailed(const std::string& errors);
+  void cdburnstatuschanged(const Notification& notification);
+  void CDBurnFinished();
+
+  WindowOutlets& window_;
+  const ControllerServices& services_;
+
+  bool allowMainWindowUnhide_ = false;
+  std::atomic<DRDevice*> currentDevice_ = nullptr;
+  mutable std::mutex currentDeviceDictionaryMutex_;
+  std::optional<DeviceRecord> currentDeviceDictionary_;  // Guarded by the mutex above.
+  std::string burnImagePath_;
+  std::string tmpDirPath_;
+  std::string openButtonCaption_;
+  bool mediaIsMounted_ = false;
+  bool burnInProgress_ = false;
+  std::unique_ptr<DRBurn> myBurn_;
+  mutable std::mutex tarnwickFSMutex_;
+  std::unique_ptr<BurnFSDelegate>
+      myBurnFSDelegate_;  // This and the next are guarded by the mutex above.
+  std::shared_ptr<GMUserFileSystem> tarnwickFS_;
+  double sizetoburn_ = 0;
+
+  std::atomic<bool> mountedItemUpdateWaits_ = false;
+  std::thread mountWorker_;
+};
+
+}  // namespace kelvane

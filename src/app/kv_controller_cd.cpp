@@ -1,0 +1,150 @@
+// SPDX-License-Identifier: GPL-2.0-or-later
+// KVController: a session on a CD, from the image to the end of the burn.
+#include <filesystem>
+#include <system_error>
+#include <utility>
+
+#include "app/kv_controller.h"
+#include "burn/burn_properties.h"
+#include "burn/imaging_verdict.h"
+#include "burn/mkisofs_arguments.h"
+#include "burn/mkisofs_device_name.h"
+#include "burn/producer.h"
+#include "burn/progress_watcher.h"
+#include "media/quellbrook.h"
+#include "platform/foundation/bundle.h"
+#include "platform/foundation/child_task.h"
+#include "platform/foundation/paths.h"
+#include "platform/foundation/strings_table.h"
+#include "platform/foundation/system_log.h"
+#include "platform/recording/dr_burn.h"
+#include "platform/recording/dr_device.h"
+
+namespace kelvane {
+namespace {
+
+constexpr std::chrono::milliseconds kSettlingPoll{100};
+constexpr char kImageBuilder[] = "mkisofs";
+
+Alert warningAlert(const std::string& messageKey, const std::string& detail) {
+  Alert alert;
+  alert.style = Alert::Style::Warning;
+  alert.buttonKeys = {"OK"};
+  alert.messageKey = messageKey;
+  alert.informativeKey = messageKey + "Long";
+  alert.detail = detail;
+  return alert;
+}
+
+}  // namespace
+
+void KVController::burnCD() {
+  DRDevice& device = *currentDevice_.load();
+  const std::string deviceName = mkisofsDeviceName(device, services_.devices());
+  systemLog("devicename used:%@", deviceName);
+  const std::optional<std::string> sessionString = quellbrook::sessionString(device);
+  burnImagePath_ = paths::burnImage(tmpDirPath_);
+  if (!sessionString) {
+    imagingFailed("The drive does not say where the next session may begin.");
+    return;
+  }
+  quellbrook::unmount(device, *services_.volumes);
+
+  SessionImageRequest request;
+  request.sessionString = *sessionString;
+  request.volumeName = window_.burnConfirmationDiskTitle();
+  request.imagePath = burnImagePath_;
+  request.hideListPath = paths::hideListFile(tmpDirPath_);
+  request.deviceName = deviceName;
+  request.tmpDirPath = tmpDirPath_;
+  window_.setBurnMessage(localizedString("preparingdata"));
+  const std::string errors = buildImage(mkisofsArguments(request));
+  if (judgeImaging(errors) == ImagingVerdict::Failed) {
+    imagingFailed(errors);
+    return;
+  }
+  if (!device.acquireExclusiveAccess()) {
+    systemLog(
+        "WARNING! Exclusive access to burning device denied after CD imaging! Burn is likely to "
+        "fail!");
+  }
+  systemLog("cd imaging finished successfully.");
+  window_.setBurnMessage(localizedString("burningchangescd"));
+  waitUntilMediumHasSettled();
+  startCDBurn();
+}
+
+std::string KVController::buildImage(const std::vector<std::string>& arguments) {
+  const auto program = Bundle::mainBundle().pathForAuxiliaryExecutable(kImageBuilder);
+  if (!program) return "The program that builds the session image is missing.";
+  ProgressWatcher watcher;
+  watcher.startWatching(burnImagePath_, sizetoburn_, &window_.burnProgressIndicator());
+  ChildTask task;
+  task.setArguments(arguments);
+  task.setLaunchPath(*program);
+  if (!task.launch()) return task.launchError();
+  task.waitUntilExit();
+  watcher.stopWatching();
+  return task.readStandardErrorToEnd();
+}
+
+void KVController::waitUntilMediumHasSettled() {
+  while (currentDevice_.load()->mediaIsTransitioning()) services_.sleep(kSettlingPoll);
+}
+
+void KVController::startCDBurn() {
+  auto producer = std::make_unique<Producer>();
+  producer->setFilePath(burnImagePath_);
+  const DRMSF length = producer->fileSize();
+  myBurn_ = DRBurn::burnForDevice(currentDevice_);
+  myBurn_->setProperties(cdBurnProperties(window_.burnSpeedTag()));
+  myBurn_->setAppendable(true);
+  myBurn_->setVerifyDisc(false);
+  auto track = std::make_unique<DRTrack>(std::move(producer));
+  track->setProperties(imageTrackProperties(length));
+  myBurn_->writeLayout(std::move(track));
+}
+
+void KVController::imagingFailed(const std::string& errors) {
+  const std::string text = asciiText(errors);
+  systemLog("CD imaging failed with error! Error: %@", text);
+  window_.burnProgressIndicator().stopAnimation();
+  window_.beginAlertSheet(warningAlert("CreateTrackAbortedWithError", errors), nullptr);
+  ejectMediaOfCurrentDevice();
+  commonBurnCleanup();
+}
+
+void KVController::cdburnstatuschanged(const Notification& notification) {
+  // Only the burn that runs: one that was given up may still report.
+  if (!myBurn_ || notification.object != myBurn_.get()) return;
+  const auto* status = std::any_cast<DRBurnStatus>(&notification.userInfo);
+  if (status == nullptr) return;
+  const double percentComplete = status->DRStatusPercentCompleteKey.value_or(0.0);
+  ProgressIndicator& bar = window_.burnProgressIndicator();
+  if (percentComplete <= 0) {
+    bar.setIndeterminate(true);
+    bar.startAnimation();
+  } else {
+    bar.setIndeterminate(false);
+    bar.setDoubleValue(percentComplete + 1.0);
+  }
+  const std::string& state = status->DRStatusStateKey;
+  if (state == DRStatusStateDone || state == DRStatusStateFailed) CDBurnFinished();
+}
+
+void KVController::CDBurnFinished() {
+  const DRBurnStatus status = myBurn_->status();
+  systemLog("cd burn finished with state: %@", status.DRStatusStateKey);
+  std::error_code failure;
+  std::filesystem::remove(burnImagePath_, failure);
+  if (DRDevice* device = currentDevice_) device->releaseExclusiveAccess();
+  if (status.DRStatusStateKey == DRStatusStateFailed) {
+    const std::string error =
+        status.DRErrorStatusKey ? status.DRErrorStatusKey->DRErrorStatusErrorStringKey : "";
+    systemLog("CD burning failed: %@", error);
+    window_.beginAlertSheet(warningAlert("CDBurnError", error), nullptr);
+  }
+  commonBurnCleanup();
+}
+
+}  // namespace kelvane

@@ -1,0 +1,238 @@
+// SPDX-License-Identifier: GPL-2.0-or-later
+// KVController: the life of one opened disc, from the request to open it to the question whether to
+// burn.
+#include <sys/xattr.h>
+
+#include <filesystem>
+#include <fstream>
+#include <latch>
+#include <system_error>
+
+#include "app/kv_controller.h"
+#include "app/volume_users.h"
+#include "media/quellbrook.h"
+#include "overlayfs/burn_fs_delegate.h"
+#include "platform/foundation/bundle.h"
+#include "platform/foundation/main_thread.h"
+#include "platform/foundation/paths.h"
+#include "platform/foundation/placeholders.h"
+#include "platform/foundation/strings_table.h"
+#include "platform/foundation/system_log.h"
+#include "platform/foundation/user_defaults.h"
+#include "platform/recording/dr_device.h"
+#include "platform/userfs/gm_user_file_system.h"
+#include "ui/media_controller.h"
+
+namespace kelvane {
+namespace {
+
+constexpr char kBlankVolumeName[] = "untitled";
+constexpr std::chrono::seconds kSettlingTime{1};
+
+/// Makes the file that shows the volume to be writable, gives it an attribute and removes it again.
+/// Failures are ignored.
+void probeVolume() {
+  const std::string probe = paths::overlayMountPoint() + "/.kvfsvolume";
+  std::ofstream(probe).close();
+  lsetxattr(probe.c_str(), "dummy", "", 0, 0);
+  std::error_code failure;
+  std::filesystem::remove(probe, failure);
+}
+
+}  // namespace
+
+void KVController::mountBurnFS() {
+  const std::vector<DeviceRecord> selected = window_.mediaController().selectedObjects();
+  if (selected.empty() && !mediaIsMounted_) {
+    window_.beep();
+    return;
+  }
+  if (burnInProgress_) {
+    window_.beep();
+    return;
+  }
+  if (!selected.empty() && selected.back().unsupportedString) return;
+  if (!mediaIsMounted_ && currentDevice_ != nullptr) return;
+  if (mediaIsMounted_) {
+    closeVolume();
+    return;
+  }
+  window_.setHeaderLine(localizedString("headerDisksMounting"));
+  services_.discIsOpened(selected.back().DRDevice->bsdName());
+  if (mountWorker_.joinable()) mountWorker_.join();
+  // The worker notes the disc first thing. That moment is waited for, so that no second request
+  // slips in before it.
+  std::latch discIsNoted(1);
+  mountWorker_ = std::thread([this, &discIsNoted] { mountBurnFSinBackground(discIsNoted); });
+  discIsNoted.wait();
+}
+
+void KVController::mountBurnFSinBackground(std::latch& discIsNoted) {
+  const DeviceRecord record = window_.mediaController().selectedObjects().back();
+  setCurrentDeviceDictionary(record);
+  currentDevice_ = record.DRDevice;
+  tmpDirPath_ = paths::overlayDirectory(paths::secondsSinceReferenceDate());
+  discIsNoted.count_down();
+
+  std::string volumeName = kBlankVolumeName;
+  std::optional<std::string> discMountPath;
+  double usedMB = 0;
+  if (!record.consideredBlank.value_or(false)) {
+    discMountPath = takeOverDiscWithContent(volumeName);
+    if (!discMountPath) {
+      performOnMainThread([this] { showPerformMountFailedAlertAndReset(); });
+      return;
+    }
+    usedMB = quellbrook::fsMediaMBUsed(*record.DRDevice, *discMountPath, *services_.volumes);
+  }
+  mountOverlay(record, volumeName, discMountPath, usedMB);
+}
+
+std::optional<std::string> KVController::takeOverDiscWithContent(std::string& volumeName) {
+  const DRDevice& device = *currentDevice_.load();
+  const auto mountPath =
+      quellbrook::mountPathForFallbackBsdName(device, std::nullopt, *services_.volumes);
+  if (!mountPath) {
+    systemLog(
+        "Could not get volume name of disk with content! kelvanefs not mounted. Showing error.");
+    return std::nullopt;
+  }
+  volumeName = paths::lastPathComponent(*mountPath);
+  const auto hiddenMountPath = quellbrook::remounthidden(device, *services_.volumes);
+  if (!hiddenMountPath) {
+    systemLog("Remounting of disk with content failed! kelvanefs not mounted. Showing error.");
+  }
+  return hiddenMountPath;
+}
+
+void KVController::mountOverlay(const DeviceRecord& record, const std::string& volumeName,
+                                const std::optional<std::string>& discMountPath, double usedMB) {
+  OverlayInfo info;
+  info.totalMB = std::strtof(record.totalMB.value_or("0").c_str(), nullptr);
+  info.usedMB = usedMB;
+  myBurnFSDelegate_ = std::make_unique<BurnFSDelegate>(tmpDirPath_, discMountPath, info);
+  if (!myBurnFSDelegate_->overlayDirectoryIsOwn()) {
+    systemLog(
+        "The overlay directory %@ is missing or somebody else's. kelvanefs not mounted. Showing "
+        "error.",
+        tmpDirPath_);
+    performOnMainThread([this] { showPerformMountFailedAlertAndReset(); });
+    return;
+  }
+  const auto fileSystem = std::make_shared<GMUserFileSystem>(myBurnFSDelegate_.get(), false);
+  setTarnwickFS(fileSystem);
+  const std::string icon = Bundle::mainBundle().pathForResource("disk", "icns").value_or("");
+  const std::vector<std::string> options = {format("volname=%@", volumeName),
+                                            format("volicon=%@", icon), "local", "-f",
+                                            "negative_vncache"};
+  registerMountObservers();
+  fileSystem->mountAtPath(paths::overlayMountPoint(), options);
+}
+
+void KVController::registerMountObservers() {
+  NotificationCenter& center = NotificationCenter::defaultCenter();
+  center.addObserver(this, kGMUserFileSystemDidMount, nullptr,
+                     [this](const Notification&) { respondToBurnFSMounting(); });
+  center.addObserver(this, kGMUserFileSystemDidUnmount, nullptr,
+                     [this](const Notification&) { fuseDidUnmount(); });
+  center.addObserver(this, kKelvaneFSSizeChanged, nullptr,
+                     [this](const Notification&) { discSizeDidChange(); });
+}
+
+void KVController::respondToBurnFSMounting() {
+  performOnMainThread([this] { performRespondToBurnFSMounting(); });
+}
+
+void KVController::performRespondToBurnFSMounting() {
+  systemLog("Notified that Filesystem did mount.");
+  setMediaIsMounted(true);
+  window_.setHidden(HideableView::OpenButton, false);
+  services_.sleep(kSettlingTime);
+  probeVolume();
+  if (UserDefaults::standard().boolForKey("autohide")) {
+    window_.selectFile(paths::overlayMountPoint(), paths::volumesDirectory() + "/");
+    window_.hideApplication();
+  }
+}
+
+void KVController::showPerformMountFailedAlertAndReset() {
+  Alert alert;
+  alert.style = Alert::Style::Critical;
+  alert.buttonKeys = {"OK"};
+  alert.messageKey = "Unmountfailed";
+  alert.informativeKey = "Unmountfailedlong";
+  alert.style = Alert::Style::Warning;
+  window_.beginAlertSheet(alert, nullptr);
+  window_.setHeaderLine(localizedString("headerDisksAvail"));
+  const std::string bsdName = currentDevice_.load()->bsdName();
+  currentDevice_ = nullptr;
+  services_.discIsClosed(bsdName);
+}
+
+bool KVController::closeVolume() {
+  const std::shared_ptr<GMUserFileSystem> fileSystem = tarnwickFS();
+  if (!fileSystem) return true;
+  const UnmountResult result = fileSystem->unmount();
+  if (result == UnmountResult::Started || result == UnmountResult::NotMounted) return true;
+  Alert alert;
+  alert.buttonKeys = {"OK"};
+  alert.messageKey = "VolumeBusy";
+  alert.informativeKey = "VolumeBusyLong";
+  alert.detail = describeVolumeUsers(programsUsing(paths::overlayMountPoint()));
+  window_.beginAlertSheet(alert, nullptr);
+  return false;
+}
+
+void KVController::fuseDidUnmount() {
+  NotificationCenter::defaultCenter().removeObserver(this);
+  // The counter is an unsigned number to those who burn: a deficit, which removals can leave, is a
+  // huge one.
+  sizetoburn_ = static_cast<double>(static_cast<uint64_t>(myBurnFSDelegate_->localusedbytes()));
+  releaseOverlay();
+  performOnMainThread([this] { concludeUnmount(); });
+}
+
+void KVController::releaseOverlay() {
+  std::unique_ptr<BurnFSDelegate> delegate;
+  std::shared_ptr<GMUserFileSystem> fileSystem;
+  {
+    const std::lock_guard lock(tarnwickFSMutex_);
+    delegate.swap(myBurnFSDelegate_);
+    fileSystem.swap(tarnwickFS_);
+  }
+  // The file system borrows the delegate, so it goes first.
+  fileSystem.reset();
+}
+
+void KVController::concludeUnmount() {
+  std::error_code failure;
+  const std::filesystem::directory_iterator entries(tmpDirPath_, failure);
+  if (failure || entries == std::filesystem::directory_iterator()) {
+    cleanupWithoutBurn();
+    return;
+  }
+  window_.setBurnConfirmationDiskTitle(currentDeviceDictionary()->description.volumename);
+  window_.beginBurnConfirmationSheet();
+}
+
+void KVController::respondToUnexpectedMediaEject() {
+  systemLog("unexpected disk ejection. emergency of unmounting fuse without burning.");
+  NotificationCenter& center = NotificationCenter::defaultCenter();
+  center.removeObserver(this, kGMUserFileSystemDidMount, nullptr);
+  center.removeObserver(this, kGMUserFileSystemDidUnmount, nullptr);
+  const std::shared_ptr<GMUserFileSystem> fileSystem = tarnwickFS();
+  if (fileSystem && fileSystem->unmount() != UnmountResult::Started) fileSystem->unmountLazily();
+  if (fileSystem) fileSystem->waitUntilUnmounted(-1);
+  releaseOverlay();
+  performOnMainThread([this] { cleanupWithoutBurn(); });
+}
+
+void KVController::discSizeDidChange() {
+  updateMountedItemView();
+}
+
+void KVController::showDisk() {
+  window_.selectFile(paths::overlayMountPoint(), paths::volumesDirectory() + "/");
+}
+
+}  // namespace kelvane

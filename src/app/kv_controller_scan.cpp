@@ -1,0 +1,61 @@
+// SPDX-License-Identifier: GPL-2.0-or-later
+// KVController: the list of discs.
+#include "app/kv_controller.h"
+#include "media/media_scan.h"
+#include "platform/foundation/main_thread.h"
+#include "platform/foundation/system_log.h"
+#include "platform/recording/dr_device.h"
+#include "ui/media_controller.h"
+
+namespace kelvane {
+
+void KVController::scanForMedia() {
+  performOnMainThread([this] { performScanForMedia(); });
+}
+
+void KVController::performScanForMedia() {
+  switch (scanAction({mediaIsMounted_, burnInProgress_, currentDevice_})) {
+    case ScanAction::ReportDisappearedMedia:
+      systemLog("Opened media disappeared unexpectedly.");
+      respondToUnexpectedMediaEject();
+      return;
+    case ScanAction::LeaveListAlone:
+      return;
+    case ScanAction::RebuildList:
+      break;
+  }
+  const std::vector<DRDevice*> devices = services_.devices();
+  std::vector<DeviceRecord> records = buildDeviceRecords(devices, *services_.volumes);
+  MediaController& media = window_.mediaController();
+  media.removeArrangedObjects();
+  media.addObjects(std::move(records));
+  applyScanOutcome(scanOutcome(media.arrangedObjects(), media.selectionIndex()));
+}
+
+void KVController::applyScanOutcome(const ScanOutcome& outcome) {
+  if (outcome.selectionIndex != window_.mediaController().selectionIndex()) {
+    window_.mediaController().setSelectionIndex(outcome.selectionIndex);
+  }
+  window_.setHidden(HideableView::OpenButton, outcome.openButton == Visibility::Hidden);
+  if (outcome.diskTableView) {
+    window_.setHidden(HideableView::DiskTable, *outcome.diskTableView == Visibility::Hidden);
+  }
+  if (outcome.diskScrollView) {
+    window_.setHidden(HideableView::DiskScroll, *outcome.diskScrollView == Visibility::Hidden);
+  }
+  window_.setHidden(HideableView::Message, outcome.messageView == Visibility::Hidden);
+  window_.setMessage(outcome.message);
+  if (outcome.opensDisc) performOnMainThread([this] { mountBurnFS(); });
+}
+
+bool KVController::tableViewShouldSelectRow(int32_t row) {
+  const std::vector<DeviceRecord>& records = window_.mediaController().arrangedObjects();
+  if (row < 0 || static_cast<size_t>(row) >= records.size()) return false;
+  return isUsable(records[static_cast<size_t>(row)]);
+}
+
+void KVController::tableViewDoubleClicked() {
+  mountBurnFS();
+}
+
+}  // namespace kelvane

@@ -1,0 +1,98 @@
+// SPDX-License-Identifier: GPL-2.0-or-later
+// KVController: its construction and the way to the first scan.
+#include "app/kv_controller.h"
+#include "overlayfs/burn_fs_delegate.h"
+#include "platform/foundation/bundle.h"
+#include "platform/foundation/strings_table.h"
+#include "platform/recording/dr_burn.h"
+#include "platform/recording/dr_device.h"
+#include "platform/recording/dr_notification_center.h"
+#include "platform/userfs/gm_user_file_system.h"
+
+namespace kelvane {
+
+KVController::KVController(WindowOutlets& window, const ControllerServices& services)
+    : window_(window), services_(services), openButtonCaption_(localizedString("buttonopen")) {}
+
+KVController::~KVController() {
+  NotificationCenter::defaultCenter().removeObserver(this);
+  DRNotificationCenter::currentRunLoopCenter().removeObserver(this);
+  if (mountWorker_.joinable()) mountWorker_.join();
+}
+
+void KVController::awakeFromNib() {
+  tmpDirPath_.clear();
+  setMediaIsMounted(false);
+  setBurnInProgress(false);
+  window_.centerWindows();
+  window_.setHidden(HideableView::OpenButton, true);
+  window_.setOpenButtonCaption(openButtonCaption_);
+  window_.setFrame(ContentView::Message, inWindowRect, Movement::Direct);
+  window_.setFrame(ContentView::DiskScroll, inWindowRect, Movement::Direct);
+  window_.setFrame(ContentView::MountedItem, rightOfWindowRect, Movement::Direct);
+  window_.setFrame(ContentView::Burn, rightOfWindowRect, Movement::Direct);
+  window_.setMessage(localizedString("insertdisk"));
+}
+
+void KVController::initialiseController() {
+  setAllowMainWindowUnhide(true);
+  window_.makeKeyAndOrderFront();
+  std::string reason;
+  if (services_.userFileSystemIsAvailable(&reason)) {
+    initialiseDR();
+    return;
+  }
+  Alert alert;
+  alert.style = Alert::Style::Critical;
+  alert.buttonKeys = {"Install", "Quit"};
+  alert.messageKey = "InstallationIncomplete";
+  alert.informativeKey = "InstallationIncompleteLong";
+  alert.detail = reason;
+  window_.beginAlertSheet(alert, [this](int returnCode) { installationAlertDidEnd(returnCode); });
+}
+
+void KVController::initialiseDR() {
+  for (DRDevice* device : services_.devices()) device->acquireMediaReservation();
+  DRNotificationCenter& center = DRNotificationCenter::currentRunLoopCenter();
+  center.addObserver(
+      this, [this](const Notification&) { scanForMedia(); }, DRDeviceStatusChangedNotification,
+      nullptr);
+  center.addObserver(
+      this, [this](const Notification& notification) { cdburnstatuschanged(notification); },
+      DRBurnStatusChangedNotification, nullptr);
+}
+
+void KVController::installationAlertDidEnd(int returnCode) {
+  if (returnCode == kAlertFirstButtonReturn) {
+    const auto installer = Bundle::mainBundle().pathForResource("MacFUSE", "pkg");
+    if (installer) window_.openFile(*installer);
+  }
+  window_.terminate();
+}
+
+std::optional<DeviceRecord> KVController::currentDeviceDictionary() const {
+  const std::lock_guard lock(currentDeviceDictionaryMutex_);
+  return currentDeviceDictionary_;
+}
+
+void KVController::setCurrentDeviceDictionary(const DeviceRecord& record) {
+  const std::lock_guard lock(currentDeviceDictionaryMutex_);
+  currentDeviceDictionary_ = record;
+}
+
+std::shared_ptr<GMUserFileSystem> KVController::tarnwickFS() const {
+  const std::lock_guard lock(tarnwickFSMutex_);
+  return tarnwickFS_;
+}
+
+void KVController::setTarnwickFS(std::shared_ptr<GMUserFileSystem> fileSystem) {
+  const std::lock_guard lock(tarnwickFSMutex_);
+  tarnwickFS_.swap(fileSystem);
+}
+
+void KVController::setOpenButtonCaption(const std::string& caption) {
+  openButtonCaption_ = caption;
+  window_.setOpenButtonCaption(caption);
+}
+
+}  // namespace kelvane

@@ -1,0 +1,83 @@
+// SPDX-License-Identifier: GPL-2.0-or-later
+// KVController: which view the window shows, and what the opened disc's view says.
+#include <filesystem>
+#include <system_error>
+
+#include "app/kv_controller.h"
+#include "platform/foundation/main_thread.h"
+#include "platform/foundation/paths.h"
+#include "platform/foundation/placeholders.h"
+#include "platform/foundation/strings_table.h"
+
+namespace kelvane {
+namespace {
+
+constexpr double kTransitionSeconds = 0.6;
+constexpr uintmax_t kBytesPerMegabyte = 1048576;
+
+}  // namespace
+
+void KVController::setMediaIsMounted(bool mounted) {
+  if (mounted == mediaIsMounted_) return;
+  mediaIsMounted_ = mounted;
+  if (mounted) {
+    window_.setHeaderLine(localizedString("headerDisksRemounted"));
+    setOpenButtonCaption(localizedString("buttonclose"));
+    performOnMainThread([this] { showMountedView(); });
+  } else {
+    window_.setHeaderLine(localizedString("headerDisksAvail"));
+    performOnMainThread([this] { showMessageOrSelectionView(); });
+  }
+}
+
+void KVController::showMessageOrSelectionView() {
+  window_.setAnimationDuration(kTransitionSeconds);
+  window_.setFrame(ContentView::Message, inWindowRect, Movement::Animated);
+  window_.setFrame(ContentView::DiskScroll, inWindowRect, Movement::Animated);
+  window_.setFrame(ContentView::MountedItem, rightOfWindowRect, Movement::Direct);
+  window_.setFrame(ContentView::Burn, rightOfWindowRect, Movement::Animated);
+}
+
+void KVController::showMountedView() {
+  updateMountedItemView();
+  window_.setAnimationDuration(kTransitionSeconds);
+  window_.setFrame(ContentView::Message, leftOfWindowRect, Movement::Animated);
+  window_.setFrame(ContentView::DiskScroll, leftOfWindowRect, Movement::Animated);
+  window_.setFrame(ContentView::MountedItem, inWindowRect, Movement::Animated);
+}
+
+void KVController::showBurnView() {
+  window_.setAnimationDuration(kTransitionSeconds);
+  window_.setFrame(ContentView::MountedItem, leftOfWindowRect, Movement::Animated);
+  window_.setFrame(ContentView::Burn, inWindowRect, Movement::Animated);
+}
+
+void KVController::updateMountedItemView() {
+  if (mountedItemUpdateWaits_.exchange(true)) return;
+  performOnMainThread([this] {
+    mountedItemUpdateWaits_ = false;
+    performUpdateMountedItemView();
+  });
+}
+
+void KVController::performUpdateMountedItemView() {
+  const std::optional<DeviceRecord> record = currentDeviceDictionary();
+  if (!record) return;
+  std::error_code failure;
+  const std::string volume = paths::overlayMountPoint();
+  const bool volumeExists = std::filesystem::exists(volume, failure);
+  const auto freeBytes = static_cast<int64_t>(
+      volumeExists ? std::filesystem::space(volume, failure).free : uintmax_t{0});
+  if (volumeExists && !failure) {
+    const auto megabytes =
+        static_cast<int32_t>(freeBytes / static_cast<int64_t>(kBytesPerMegabyte));
+    window_.setSizeInformationField(format(localizedString("viewSizeOfDisk"), megabytes));
+  } else {
+    window_.setSizeInformationField(localizedString("viewSizeNotAvail"));
+  }
+  window_.setVolumeNameField(record->description.volumename);
+  window_.setDeviceNameField(format("%@ in %@", record->description.mediatype.value_or(""),
+                                    record->description.devicename));
+}
+
+}  // namespace kelvane

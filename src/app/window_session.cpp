@@ -1,0 +1,90 @@
+// SPDX-License-Identifier: GPL-2.0-or-later
+#include "app/window_session.h"
+
+#include <QApplication>
+#include <filesystem>
+#include <utility>
+
+#include "platform/foundation/main_thread.h"
+#include "platform/recording/dr_device.h"
+#include "platform/userfs/gm_user_file_system.h"
+
+namespace kelvane {
+
+WindowSession::WindowSession(std::unique_ptr<ApplicationCore> core)
+    : core_(std::move(core)),
+      services_(systemControllerServices(core_->visibleMounts())),
+      controller_(window_, services_),
+      delegate_(controller_, window_),
+      signals_([this](int) { quitRequested(); }) {
+  window_.setActions(&controller_);
+  wireQuitting();
+  wireEmulatedDrives();
+  NotificationCenter::defaultCenter().addObserver(
+      this, kGMUserFileSystemMountFailed, nullptr, [this](const Notification& notification) {
+        const auto* reason = std::any_cast<std::string>(&notification.userInfo);
+        performOnMainThread(
+            [this, text = reason == nullptr ? std::string() : *reason] { mountFailed(text); });
+      });
+}
+
+WindowSession::~WindowSession() {
+  NotificationCenter::defaultCenter().removeObserver(this);
+  window_.setActions(nullptr);
+}
+
+void WindowSession::start() {
+  controller_.awakeFromNib();
+  window_.show();
+  delegate_.applicationDidFinishLaunching();
+}
+
+void WindowSession::wireQuitting() {
+  window_.setQuitHandler([this] { quitRequested(); });
+  window_.setTerminateReplyHandler([this](bool shouldTerminate) {
+    if (!std::exchange(quitIsPending_, false)) return;
+    if (shouldTerminate) quit();
+  });
+}
+
+void WindowSession::quitRequested() {
+  switch (delegate_.applicationShouldTerminate()) {
+    case TerminateReply::Cancel:
+      return;
+    case TerminateReply::Later:
+      quitIsPending_ = true;
+      return;
+    case TerminateReply::Now:
+      quit();
+      return;
+  }
+}
+
+void WindowSession::quit() {
+  window_.allowClosing();
+  // What the clean-up has queued on this thread comes first.
+  performOnMainThread([] { QCoreApplication::quit(); });
+}
+
+void WindowSession::wireEmulatedDrives() {
+  std::vector<DRDevice*> drives;
+  std::vector<std::string> names;
+  for (DRDevice* device : DRDevice::devices()) {
+    const auto disc = device->emulatedDisc();
+    if (!disc) continue;
+    drives.push_back(device);
+    names.push_back(std::filesystem::path(*disc).stem().string());
+  }
+  window_.setInsertableDiscs(names, [drives](size_t index) { drives[index]->loadMedia(); });
+}
+
+void WindowSession::mountFailed(const std::string& reason) {
+  Alert alert;
+  alert.buttonKeys = {"OK"};
+  alert.messageKey = "Unmountfailed";
+  alert.informativeKey = "Unmountfailedlong";
+  alert.detail = reason;
+  window_.beginAlertSheet(alert, nullptr);
+}
+
+}  // namespace kelvane

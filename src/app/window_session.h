@@ -1,0 +1,41 @@
+// SPDX-License-Identifier: GPL-2.0-or-later
+#pragma once
+
+#include <memory>
+
+#include "app/application_core.h"
+#include "app/controller_services.h"
+#include "app/kv_app_delegate.h"
+#include "app/kv_controller.h"
+#include "app/termination_signals.h"
+#include "ui/main_window.h"
+
+namespace kelvane {
+
+/// The application with its window: window, controller and delegate wired together, and the
+/// decision to quit carried out. Main thread only.
+class WindowSession {
+ public:
+  explicit WindowSession(std::unique_ptr<ApplicationCore> core);
+  ~WindowSession();
+
+  /// Shows the window and starts the controller.
+  void start();
+
+ private:
+  void wireQuitting();
+  void wireEmulatedDrives();
+  void quitRequested();
+  void quit();
+  void mountFailed(const std::string& reason);
+
+  std::unique_ptr<ApplicationCore> core_;
+  MainWindow window_;
+  ControllerServices services_;
+  KVController controller_;
+  KVAppDelegate delegate_;
+  TerminationSignals signals_;
+  bool quitIsPending_ = false;
+};
+
+}  // namespace kelvane

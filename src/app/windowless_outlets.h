@@ -1,0 +1,55 @@
+// SPDX-License-Identifier: GPL-2.0-or-later
+#pragma once
+
+#include <string>
+
+#include "ui/media_controller.h"
+#include "ui/window_outlets.h"
+
+namespace kelvane {
+
+/// Outlets of a window that is not there: what would be shown is dropped, what would be asked for
+/// later is kept. Whoever works without a window overrides what matters to it.
+class WindowlessOutlets : public WindowOutlets, private ProgressIndicator {
+ public:
+  void centerWindows() override {}
+  void makeKeyAndOrderFront() override {}
+  void setHidden(HideableView, bool) override {}
+  void setFrame(ContentView, Rect, Movement) override {}
+  void setAnimationDuration(double) override {}
+  void setHeaderLine(const std::string&) override {}
+  void setOpenButtonCaption(const std::string&) override {}
+  void setMessage(const std::string&) override {}
+  void setVolumeNameField(const std::string&) override {}
+  void setDeviceNameField(const std::string&) override {}
+  void setSizeInformationField(const std::string&) override {}
+  void setBurnMessage(const std::string&) override {}
+  ProgressIndicator& burnProgressIndicator() override { return *this; }
+  int32_t burnSpeedTag() override { return 0; }
+  MediaController& mediaController() override { return mediaController_; }
+  void setBurnConfirmationDiskTitle(const std::string& volumeName) override { title_ = volumeName; }
+  std::string burnConfirmationDiskTitle() override { return title_; }
+  void beginBurnConfirmationSheet() override {}
+  void endBurnConfirmationSheet() override {}
+  void orderOutBurnConfirmationPanel() override {}
+  void beginAlertSheet(const Alert&, std::function<void(int)>) override {}
+  void beep() override {}
+  void selectFile(const std::string&, const std::string&) override {}
+  void openFile(const std::string&) override {}
+  void hideApplication() override {}
+  void terminate() override {}
+  void replyToApplicationShouldTerminate(bool) override {}
+
+ protected:
+  // The burn progress bar.
+  void setIndeterminate(bool) override {}
+  void setDoubleValue(double) override {}
+  void startAnimation() override {}
+  void stopAnimation() override {}
+
+ private:
+  MediaController mediaController_;
+  std::string title_;
+};
+
+}  // namespace kelvane
