@@ -81,12 +81,13 @@ std::vector<TrackView> CdRules::tracks(const DiscState& disc) const {
 }
 
 bool CdRules::accepts(const WriteParameters& parameters) const {
-  const auto type = parameters.type();
-  const bool typeKnown =
-      type == WriteParameters::Type::TrackAtOnce || type == WriteParameters::Type::SessionAtOnce;
   const bool simulated = (parameters.page[2] & 0x10) != 0;
+  if (simulated) return false;
+  // Of a session at once the cue sheet tells what the tracks are made of.
+  if (parameters.type() == WriteParameters::Type::SessionAtOnce) return true;
   const bool dataTrack = (parameters.page[3] & 0x0D) == 0x04;
-  return typeKnown && !simulated && dataTrack && trackFormOf(parameters).has_value();
+  return parameters.type() == WriteParameters::Type::TrackAtOnce && dataTrack &&
+         trackFormOf(parameters).has_value();
 }
 
 Sense CdRules::write(DiscFolder& folder, Lba first, std::span<const std::uint8_t> data) const {
