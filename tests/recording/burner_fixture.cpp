@@ -98,6 +98,17 @@ DRBurnStatus BurnerFixture::waitForEnd(DRBurn& burn) {
   return burn.status();
 }
 
+std::string BurnerFixture::errorOf(const DRBurnStatus& status) {
+  if (!status.DRErrorStatusKey) return {};
+  return status.DRErrorStatusKey->DRErrorStatusErrorStringKey;
+}
+
+size_t BurnerFixture::nextAddress(const DRDevice* device) {
+  const auto media = device->status().DRDeviceMediaInfoKey;
+  const DRTrackReference open = media->DRDeviceTrackRefsKey.back();
+  return static_cast<size_t>(*media->DRDeviceTrackInfoKey.at(open).DRTrackStartAddressKey);
+}
+
 std::string BurnerFixture::blocksOf(const std::string& disc, size_t first, size_t count) {
   std::ifstream sectors(disc + "/sectors", std::ios::binary);
   std::string content(count * kBlockBytes, '\0');

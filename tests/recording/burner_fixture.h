@@ -42,6 +42,11 @@ class BurnerFixture : public ::testing::Test {
   DRBurnStatus burn(DRDevice* device, const std::string& image);
   DRBurnStatus waitForEnd(DRBurn& burn);
 
+  /// Why the burn failed.
+  static std::string errorOf(const DRBurnStatus& status);
+  /// Where the drive would begin the next session.
+  static size_t nextAddress(const DRDevice* device);
+
   /// The content of that many blocks of the disc.
   std::string blocksOf(const std::string& disc, size_t first, size_t count);
   std::string contentOf(const std::string& file);

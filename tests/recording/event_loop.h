@@ -2,6 +2,7 @@
 #pragma once
 
 #include <QCoreApplication>
+#include <QTimer>
 #include <chrono>
 #include <functional>
 
@@ -14,10 +15,13 @@ class EventLoop {
   /// is far longer than it can take.
   bool runUntil(const std::function<bool()>& condition) {
     constexpr std::chrono::seconds kFarTooLong{60};
+    constexpr std::chrono::milliseconds kLookInterval{5};
     const auto deadline = std::chrono::steady_clock::now() + kFarTooLong;
+    QTimer look;
+    look.start(kLookInterval);
     while (!condition()) {
       if (std::chrono::steady_clock::now() > deadline) return false;
-      QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents | QEventLoop::AllEvents, 50);
+      QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents);
     }
     return true;
   }

@@ -15,6 +15,8 @@
 
 #include <libburn/libburn.h>
 
+#include "platform/recording/mmc/disc_information.h"
+
 namespace kelvane::recorder {
 namespace {
 
@@ -24,8 +26,9 @@ constexpr int64_t kShortestTrackBlocks = 300;
 
 burn::burn_disc_status settledStatus(burn::burn_drive* drive) {
   constexpr std::chrono::milliseconds kPause{100};
+  constexpr int kMostPauses = 600;
   burn::burn_disc_status status = burn::burn_disc_get_status(drive);
-  while (status == burn::BURN_DISC_UNREADY) {
+  for (int pause = 0; status == burn::BURN_DISC_UNREADY && pause < kMostPauses; ++pause) {
     std::this_thread::sleep_for(kPause);
     status = burn::burn_disc_get_status(drive);
   }
@@ -46,6 +49,13 @@ std::string whyImageCannotBeWritten(const std::string& path, int64_t& bytes) {
   }
   bytes = status.st_size;
   return {};
+}
+
+std::string whySessionCannotBegin(mmc::Transport& transport) {
+  const auto disc = mmc::readDiscInformation(transport);
+  if (!disc || !disc->isOpen() || disc->canTakeSession()) return {};
+  return "The disc holds a session that was never finished. What was recorded before it can be "
+         "read, but nothing can be added.";
 }
 
 std::string whyDiscCannotBeWritten(burn::burn_drive* drive) {

@@ -20,11 +20,11 @@ Libburn::~Libburn() {
 }
 
 std::unique_ptr<GrabbedDrive> GrabbedDrive::grab(const std::string& devicePath) {
-  enum { kExclusive = 1, kNonBlocking = 0, kDoNotAbort = 0, kLoadDisc = 1 };
+  enum { kExclusive = 1, kNonBlocking = 0, kDoNotAbort = 0, kLeaveTrayAsItIs = 0 };
   burn::burn_preset_device_open(kExclusive, kNonBlocking, kDoNotAbort);
   std::string address = devicePath;
   burn::burn_drive_info* infos = nullptr;
-  if (burn::burn_drive_scan_and_grab(&infos, address.data(), kLoadDisc) != 1) return nullptr;
+  if (burn::burn_drive_scan_and_grab(&infos, address.data(), kLeaveTrayAsItIs) != 1) return nullptr;
   return std::unique_ptr<GrabbedDrive>(new GrabbedDrive(infos));
 }
 

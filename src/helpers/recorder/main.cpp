@@ -5,6 +5,7 @@
 //
 // A recording cannot be taken back, so nothing that ends the application may end it: the program
 // leaves its starter's session and takes no notice of the signals that are sent to whole sessions.
+// A file that may grow no further (SIGXFSZ) is an error of the write that hits it.
 
 #include <unistd.h>
 
@@ -22,7 +23,7 @@ using kelvane::recorder::RecordingOrder;
 void outliveTheApplication() {
   // Fails where the starter has given us a session already.
   setsid();
-  for (const int number : {SIGINT, SIGTERM, SIGHUP, SIGPIPE, SIGQUIT}) {
+  for (const int number : {SIGINT, SIGTERM, SIGHUP, SIGPIPE, SIGQUIT, SIGXFSZ}) {
     std::signal(number, SIG_IGN);
   }
 }

@@ -18,6 +18,7 @@
 #include "helpers/recorder/grabbed_drive.h"
 #include "helpers/recorder/image_source.h"
 #include "platform/recording/file_lock.h"
+#include "platform/recording/mmc/sg_io_transport.h"
 
 namespace kelvane::recorder {
 namespace {
@@ -101,7 +102,7 @@ RecordingJob::Outcome RecordingJob::run() {
 
 // Empty where the session is on the disc, else why it is not. So do the functions below.
 std::string RecordingJob::record() {
-  const std::string problem = whyImageCannotBeWritten(order_.imagePath, imageBytes_);
+  std::string problem = whyImageCannotBeWritten(order_.imagePath, imageBytes_);
   if (!problem.empty()) return problem;
   blocks_ = (imageBytes_ + kBlockBytes - 1) / kBlockBytes;
   std::optional<FileLock> lock;
@@ -109,6 +110,9 @@ std::string RecordingJob::record() {
     lock = FileLock::acquire(order_.lockPath, kLockPatience);
     if (!lock) return "Another recording is running on this drive.";
   }
+  mmc::SgIoTransport transport(order_.devicePath);
+  problem = whySessionCannotBegin(transport);
+  if (!problem.empty()) return problem;
   const auto library = Libburn::start();
   if (!library) return "The recording library could not be started.";
   DriveMessages::startQueue();

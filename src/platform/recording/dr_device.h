@@ -48,7 +48,8 @@ class DRDevice {
   virtual std::optional<std::string> mediaType() const;
   /// Whether nothing has been recorded on the disc.
   virtual bool mediaIsBlank() const;
-  /// Whether the disc can take a further session. A blank disc can.
+  /// Whether the disc can take a further session. A blank disc can; a closed one, and one whose
+  /// last session was cut off and never finished, cannot.
   virtual bool mediaIsAppendable() const;
   /// Maker and model, as the drive gives them.
   virtual std::string displayName() const;

@@ -49,7 +49,7 @@ MediaState readMediaState(mmc::Transport& transport) {
   const auto disc = mmc::readDiscInformation(transport);
   if (!disc) return state;
   state.blank = disc->status == mmc::DiscStatus::Blank;
-  state.appendable = disc->isOpen();
+  state.appendable = disc->canTakeSession();
   state.sessions = disc->sessions;
   state.lastTrack = disc->lastTrackInLastSession;
   if (disc->isOpen()) {

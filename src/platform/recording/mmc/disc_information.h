@@ -32,6 +32,9 @@ struct DiscInformation {
   uint16_t lastTrackInLastSession = 1;
 
   bool isOpen() const { return status == DiscStatus::Blank || status == DiscStatus::Appendable; }
+  /// Whether a session can be written that begins at its own beginning: the disc is open, and no
+  /// session was left unfinished, in which everything further would be recorded.
+  bool canTakeSession() const { return isOpen() && lastSession == LastSessionState::Empty; }
   /// Sessions that are finished.
   uint16_t completeSessions() const;
 };

@@ -1,0 +1,74 @@
+// SPDX-License-Identifier: GPL-2.0-or-later
+#include "platform/recording/real_drives.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <filesystem>
+
+#include "platform/recording/dr_device.h"
+#include "recording/temporary_folder.h"
+
+namespace kelvane {
+namespace {
+
+using ::testing::ElementsAre;
+using ::testing::IsEmpty;
+
+// A folder that looks like sysfs with these block devices.
+class RealDrivesTest : public ::testing::Test {
+ protected:
+  void addBlockDevice(const std::string& name) {
+    const std::filesystem::path device = folder.file("devices/pci0/ata1/block/" + name);
+    std::filesystem::create_directories(device);
+    std::filesystem::create_directories(folder.file("class"));
+    std::filesystem::create_directory_symlink(device, folder.file("class/" + name));
+  }
+
+  testing::TemporaryFolder folder;
+};
+
+TEST_F(RealDrivesTest, AreTheOpticalOnesAmongTheBlockDevicesInTheOrderOfTheirNumbers) {
+  for (const char* name : {"sda", "sr10", "sr2", "loop0", "sr0", "sr", "srx", "sr1p1"}) {
+    addBlockDevice(name);
+  }
+  EXPECT_THAT(realDriveNames(folder.file("class")), ElementsAre("sr0", "sr2", "sr10"));
+}
+
+TEST_F(RealDrivesTest, AreNoneWhereThereIsNoSuchFolder) {
+  EXPECT_THAT(realDriveNames(folder.file("nothing")), IsEmpty());
+}
+
+TEST_F(RealDrivesTest, BearTheirSysfsPathWhoseLastComponentIsTheirName) {
+  addBlockDevice("sr987");
+  const DRDevice device(openRealDrive("sr987", folder.file("class")));
+  EXPECT_EQ(device.bsdName(), "sr987");
+  EXPECT_EQ(device.ioRegistryEntryPath(), folder.file("devices/pci0/ata1/block/sr987"));
+  EXPECT_EQ(device.drive()->identity().programPath, "/dev/sr987");
+  EXPECT_FALSE(device.emulatedDisc());
+}
+
+TEST_F(RealDrivesTest, OneThatDoesNotAnswerHasNoDiscAndNoAbilities) {
+  addBlockDevice("sr987");
+  DRDevice device(openRealDrive("sr987", folder.file("class")));
+  EXPECT_TRUE(device.isValid());
+  EXPECT_FALSE(device.mediaIsPresent());
+  EXPECT_FALSE(device.mediaIsTransitioning());
+  EXPECT_FALSE(device.mediaIsBusy());
+  EXPECT_FALSE(device.writesCD());
+  EXPECT_FALSE(device.mediaType());
+  EXPECT_FALSE(device.status().DRDeviceMediaInfoKey);
+  EXPECT_EQ(device.displayName(), "sr987");
+  EXPECT_FALSE(device.ejectMedia());
+  EXPECT_FALSE(device.acquireExclusiveAccess());
+}
+
+TEST_F(RealDrivesTest, OneThatWasUnpluggedIsNoLongerValid) {
+  addBlockDevice("sr987");
+  const DRDevice device(openRealDrive("sr987", folder.file("class")));
+  std::filesystem::remove(folder.file("class/sr987"));
+  EXPECT_FALSE(device.isValid());
+}
+
+}  // namespace
+}  // namespace kelvane
