@@ -13,7 +13,7 @@ NodeId NodeTable::append(const Node& node) {
 }
 
 const char* NodeTable::storeText(std::string_view text) {
-  if (textUsed_ + text.size() > kTextChunk) {
+  if (texts_.empty() || textUsed_ + text.size() > kTextChunk) {
     texts_.push_back(std::make_unique<char[]>(kTextChunk));
     textUsed_ = 0;
   }

@@ -80,7 +80,7 @@ class NodeTable {
   std::vector<std::unique_ptr<Node[]>> chunks_;
   NodeId size_ = 0;
   std::vector<std::unique_ptr<char[]>> texts_;
-  std::size_t textUsed_ = kTextChunk;
+  std::size_t textUsed_ = 0;  ///< of the last chunk
   std::vector<std::vector<Section>> sections_;
 };
 
