@@ -16,7 +16,7 @@ InsertDiscButton::InsertDiscButton(QWidget* parent) : RoomyButton(parent) {
   setToolTip(localizedText("InsertDiscLong"));
   hide();
   connect(this, &QPushButton::clicked, this, [this] {
-    if (single_ && insert_) insert_(0);
+    if (single_) insertDisc(0);
   });
 }
 
@@ -24,7 +24,8 @@ void InsertDiscButton::setDiscs(const std::vector<std::string>& names,
                                 std::function<void(size_t index)> insert) {
   insert_ = std::move(insert);
   single_ = names.size() == 1;
-  delete menu();
+  // One of its entries may be what is being carried out.
+  if (QMenu* old = menu()) old->deleteLater();
   setMenu(nullptr);
   setVisible(!names.empty());
   if (names.size() < 2) return;
@@ -32,11 +33,15 @@ void InsertDiscButton::setDiscs(const std::vector<std::string>& names,
   auto* discs = new QMenu(this);
   for (size_t index = 0; index < names.size(); ++index) {
     const std::string text = format(localizedString("InsertDiscNamed"), names[index]);
-    discs->addAction(withoutMnemonic(QString::fromStdString(text)), this, [this, index] {
-      if (insert_) insert_(index);
-    });
+    discs->addAction(withoutMnemonic(QString::fromStdString(text)), this,
+                     [this, index] { insertDisc(index); });
   }
   setMenu(discs);
+}
+
+void InsertDiscButton::insertDisc(size_t index) {
+  const auto insert = insert_;  // It may offer other discs, which replaces `insert_`.
+  if (insert) insert(index);
 }
 
 }  // namespace kelvane

@@ -22,6 +22,8 @@ class InsertDiscButton : public RoomyButton {
   void setDiscs(const std::vector<std::string>& names, std::function<void(size_t index)> insert);
 
  private:
+  void insertDisc(size_t index);
+
   std::function<void(size_t)> insert_;
   bool single_ = false;
 };

@@ -156,8 +156,9 @@ void MainWindow::connectActions() {
 }
 
 void MainWindow::addShortcuts() {
-  connect(new QShortcut(QKeySequence::Quit, this), &QShortcut::activated, this,
-          [this] { terminate(); });
+  // The standard key for quitting is not bound on every desktop.
+  const QKeySequence quit(Qt::CTRL | Qt::Key_Q);
+  connect(new QShortcut(quit, this), &QShortcut::activated, this, [this] { terminate(); });
   connect(new QShortcut(QKeySequence::Close, this), &QShortcut::activated, this,
           [this] { close(); });
   connect(new QShortcut(QKeySequence::Open, this), &QShortcut::activated, this, [this] {
@@ -186,8 +187,9 @@ void MainWindow::centerWindows() {
   const QScreen* where = screen();
   if (!where) return;
   adjustSize();
-  const QRect available = where->availableGeometry();
-  move(available.center() - rect().center());
+  QRect frame = frameGeometry();
+  frame.moveCenter(where->availableGeometry().center());
+  move(frame.topLeft());
 }
 
 void MainWindow::makeKeyAndOrderFront() {

@@ -1,0 +1,161 @@
+// SPDX-License-Identifier: GPL-2.0-or-later
+// The burn confirmation sheet: its answers, its name field and its speeds.
+#include <QComboBox>
+#include <QDialog>
+#include <QLineEdit>
+#include <QMessageBox>
+#include <QPushButton>
+#include <QTest>
+
+#include "ui/sample_records.h"
+#include "ui/window_test.h"
+
+namespace kelvane {
+namespace {
+
+using ::testing::ElementsAre;
+using ::testing::IsEmpty;
+using namespace kelvane::testing;
+
+class ConfirmationSheet : public WindowTest {
+ protected:
+  ConfirmationSheet() {
+    actions_.endsSheetOf = &window_;
+    window_.setBurnConfirmationDiskTitle("Holiday");
+    window_.beginBurnConfirmationSheet();
+    EXPECT_NE(sheet(), nullptr);
+  }
+
+  QDialog* sheet() { return openSheet("burnConfirmationPanel"); }
+  QMessageBox* question() { return qobject_cast<QMessageBox*>(openSheet("alertSheet")); }
+  QLineEdit* title() { return child<QLineEdit>("burnConfirmationPanelDiskTitle"); }
+
+  std::vector<int> offeredSpeeds() {
+    auto* popup = child<QComboBox>("burnSpeedPopupButton");
+    std::vector<int> speeds;
+    for (int item = 0; item < popup->count(); ++item) {
+      speeds.push_back(popup->itemData(item).toInt());
+    }
+    return speeds;
+  }
+};
+
+TEST_F(ConfirmationSheet, IsAWindowModalSheetWithTheNameReadyForTypingOverIt) {
+  EXPECT_EQ(sheet()->windowModality(), Qt::WindowModal);
+  EXPECT_EQ(title()->selectedText(), "Holiday");
+  QTest::keyClicks(title(), "Summer");
+  EXPECT_EQ(window_.burnConfirmationDiskTitle(), "Summer");
+}
+
+TEST_F(ConfirmationSheet, BurnButtonConfirmsAndTheSheetIsGone) {
+  click(child<QPushButton>("burnConfirmButton"));
+  EXPECT_THAT(actions_.calls, ElementsAre("burnConfirmationDidConfirm"));
+  EXPECT_EQ(sheet(), nullptr);
+}
+
+TEST_F(ConfirmationSheet, ReturnInTheNameFieldBurns) {
+  QTest::keyClick(title(), Qt::Key_Return);
+  EXPECT_THAT(actions_.calls, ElementsAre("burnConfirmationDidConfirm"));
+}
+
+TEST_F(ConfirmationSheet, DiscardButtonCancelsAndTheSheetIsGone) {
+  click(child<QPushButton>("burnCancelButton"));
+  EXPECT_THAT(actions_.calls, ElementsAre("burnConfirmationDidCancel"));
+  EXPECT_EQ(sheet(), nullptr);
+}
+
+TEST_F(ConfirmationSheet, StaysUntilItIsTakenAway) {
+  actions_.endsSheetOf = nullptr;
+  click(child<QPushButton>("burnConfirmButton"));
+  EXPECT_NE(sheet(), nullptr);
+  window_.endBurnConfirmationSheet();
+  window_.orderOutBurnConfirmationPanel();
+  EXPECT_EQ(sheet(), nullptr);
+}
+
+TEST_F(ConfirmationSheet, EscapeAsksBeforeTheChangesAreDiscarded) {
+  QTest::keyClick(title(), Qt::Key_Escape);
+  EXPECT_THAT(actions_.calls, IsEmpty());
+  ASSERT_NE(question(), nullptr);
+  EXPECT_NE(sheet(), nullptr);
+  click(question()->findChild<QPushButton*>("alertButton0"));
+  EXPECT_THAT(actions_.calls, ElementsAre("burnConfirmationDidCancel"));
+  EXPECT_EQ(sheet(), nullptr);
+}
+
+TEST_F(ConfirmationSheet, SecondEscapeKeepsTheChangesAndTheSheet) {
+  QTest::keyClick(title(), Qt::Key_Escape);
+  ASSERT_NE(question(), nullptr);
+  QTest::keyClick(question(), Qt::Key_Escape);
+  EXPECT_THAT(actions_.calls, IsEmpty());
+  EXPECT_EQ(question(), nullptr);
+  EXPECT_NE(sheet(), nullptr);
+  click(child<QPushButton>("burnConfirmButton"));
+  EXPECT_THAT(actions_.calls, ElementsAre("burnConfirmationDidConfirm"));
+}
+
+TEST_F(ConfirmationSheet, ClosingItAsksToo) {
+  sheet()->close();
+  EXPECT_THAT(actions_.calls, IsEmpty());
+  EXPECT_NE(question(), nullptr);
+  EXPECT_NE(sheet(), nullptr);
+}
+
+TEST_F(ConfirmationSheet, NameFieldTakesOnlyWhatADiscNameMayHold) {
+  title()->clear();
+  QTest::keyClicks(title(), "a/b:c*d_e -.+9");
+  EXPECT_EQ(window_.burnConfirmationDiskTitle(), "abcd_e -.+9");
+  QTest::keyClicks(title(), "123456");
+  EXPECT_EQ(window_.burnConfirmationDiskTitle(), "abcd_e -.+912345") << "16 characters";
+}
+
+TEST_F(ConfirmationSheet, EmptiedNameShowsAStandInAndYieldsABlank) {
+  title()->clear();
+  EXPECT_EQ(title()->placeholderText(), "my CDROM");
+  EXPECT_EQ(window_.burnConfirmationDiskTitle(), " ");
+}
+
+TEST_F(ConfirmationSheet, LongNameOfADiscIsKeptAsItIs) {
+  window_.setBurnConfirmationDiskTitle("A volume name of 32 characters..");
+  EXPECT_EQ(window_.burnConfirmationDiskTitle(), "A volume name of 32 characters..");
+}
+
+TEST_F(ConfirmationSheet, OpensAgainAfterAnAnswer) {
+  click(child<QPushButton>("burnCancelButton"));
+  window_.setBurnConfirmationDiskTitle("Other");
+  window_.beginBurnConfirmationSheet();
+  ASSERT_NE(sheet(), nullptr);
+  EXPECT_EQ(window_.burnConfirmationDiskTitle(), "Other");
+}
+
+TEST_F(ConfirmationSheet, SpeedIsTheDrivesFastestUntilTheUserChooses) {
+  EXPECT_EQ(window_.burnSpeedTag(), 0);
+  auto* popup = child<QComboBox>("burnSpeedPopupButton");
+  popup->setFocus();
+  QTest::keyClick(popup, Qt::Key_Down);
+  EXPECT_EQ(window_.burnSpeedTag(), 1);
+  QTest::keyClick(popup, Qt::Key_Down);
+  EXPECT_EQ(window_.burnSpeedTag(), 2);
+}
+
+TEST_F(ConfirmationSheet, ChosenSpeedOutlivesTheSheet) {
+  auto* popup = child<QComboBox>("burnSpeedPopupButton");
+  QTest::keyClick(popup, Qt::Key_Down);
+  click(child<QPushButton>("burnConfirmButton"));
+  EXPECT_EQ(window_.burnSpeedTag(), 1);
+}
+
+TEST_F(ConfirmationSheet, CdIsOfferedOnlyTheSpeedsThatACdBurnCanBeToldToKeep) {
+  EXPECT_THAT(offeredSpeeds(), ElementsAre(0, 1, 2));
+}
+
+TEST_F(ConfirmationSheet, DvdIsOfferedHigherSpeedsToo) {
+  window_.endBurnConfirmationSheet();
+  window_.mediaController().addObjects({usableRecord("Film", "DVDPlusRW")});
+  window_.mediaController().setSelectionIndex(0);
+  window_.beginBurnConfirmationSheet();
+  EXPECT_THAT(offeredSpeeds(), ElementsAre(0, 1, 2, 4, 8));
+}
+
+}  // namespace
+}  // namespace kelvane

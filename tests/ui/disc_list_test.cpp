@@ -1,0 +1,190 @@
+// SPDX-License-Identifier: GPL-2.0-or-later
+// The disc list: what it shows of the records, and which of them can be selected and opened.
+#include <QImage>
+#include <QListView>
+#include <QPainter>
+#include <QTest>
+
+#include "ui/disc_entry_cells.h"
+#include "ui/disc_list_model.h"
+#include "ui/sample_records.h"
+#include "ui/window_test.h"
+
+namespace kelvane {
+namespace {
+
+using ::testing::ElementsAre;
+using ::testing::IsEmpty;
+using namespace kelvane::testing;
+
+class DiscList : public WindowTest {
+ protected:
+  DiscList() {
+    window_.mediaController().addObjects({refusedRecord("Old", "Disc is full"),
+                                          usableRecord("Holiday"), loadingRecord("Loading disc…"),
+                                          usableRecord("Music", "DVDPlusRW")});
+  }
+
+  QListView* list() { return child<QListView>("diskTableView"); }
+  QString text(int row, int role) { return list()->model()->index(row, 0).data(role).toString(); }
+
+  std::optional<size_t> selection() { return window_.mediaController().selectionIndex(); }
+  std::vector<int> selectedRows() {
+    std::vector<int> rows;
+    for (const QModelIndex& index : list()->selectionModel()->selectedIndexes()) {
+      rows.push_back(index.row());
+    }
+    return rows;
+  }
+};
+
+TEST_F(DiscList, ShowsARowForEachRecordWithNameAndDeviceLine) {
+  ASSERT_EQ(list()->model()->rowCount(), 4);
+  EXPECT_EQ(text(1, DiscListModel::VolumeNameRole), "Holiday");
+  EXPECT_EQ(text(1, DiscListModel::DeviceLineRole), "CDRW in KELVANE Emulated Burner");
+  EXPECT_EQ(text(1, DiscListModel::RefusalRole), "");
+  EXPECT_EQ(text(0, DiscListModel::RefusalRole), "Disc is full");
+}
+
+TEST_F(DiscList, DiscThatIsStillLoadingShowsTheDriveAlone) {
+  EXPECT_EQ(text(2, DiscListModel::DeviceLineRole), "KELVANE Emulated Burner");
+  EXPECT_EQ(text(2, DiscListModel::RefusalRole), "");
+}
+
+TEST_F(DiscList, ScreenReaderHearsNameDriveAndReason) {
+  EXPECT_EQ(text(0, Qt::AccessibleTextRole), "Old, CDR in KELVANE Emulated Burner, Disc is full");
+  EXPECT_EQ(text(1, Qt::AccessibleTextRole), "Holiday, CDRW in KELVANE Emulated Burner");
+}
+
+TEST_F(DiscList, ClickSelectsAUsableDiscForTheController) {
+  clickRow(3);
+  EXPECT_EQ(selection(), 3U);
+  EXPECT_THAT(selectedRows(), ElementsAre(3));
+  ASSERT_EQ(window_.mediaController().selectedObjects().size(), 1U);
+  EXPECT_EQ(window_.mediaController().selectedObjects().back().description.volumename, "Music");
+}
+
+TEST_F(DiscList, ClickOnARefusedOrLoadingDiscLeavesTheSelectionAlone) {
+  clickRow(1);
+  clickRow(0);
+  EXPECT_EQ(selection(), 1U);
+  EXPECT_THAT(selectedRows(), ElementsAre(1));
+  clickRow(2);
+  EXPECT_EQ(selection(), 1U);
+  EXPECT_THAT(selectedRows(), ElementsAre(1));
+}
+
+TEST_F(DiscList, ArrowKeysVisitEveryDiscButSelectOnlyUsableOnes) {
+  clickRow(1);
+  list()->setFocus();
+  pressKey(Qt::Key_Down);
+  EXPECT_EQ(list()->currentIndex().row(), 2) << "a refused disc can be visited, to hear why";
+  EXPECT_EQ(selection(), 1U);
+  pressKey(Qt::Key_Down);
+  EXPECT_EQ(list()->currentIndex().row(), 3);
+  EXPECT_EQ(selection(), 3U);
+  pressKey(Qt::Key_Home);
+  EXPECT_EQ(list()->currentIndex().row(), 0);
+  EXPECT_EQ(selection(), 3U);
+}
+
+TEST_F(DiscList, DoubleClickOpensTheDisc) {
+  doubleClickRow(1);
+  EXPECT_EQ(selection(), 1U);
+  EXPECT_THAT(actions_.calls, ElementsAre("tableViewDoubleClicked"));
+}
+
+TEST_F(DiscList, ReturnOpensTheSelectedDisc) {
+  clickRow(1);
+  list()->setFocus();
+  pressKey(Qt::Key_Return);
+  pressKey(Qt::Key_Enter);
+  EXPECT_THAT(actions_.calls, ElementsAre("tableViewDoubleClicked", "tableViewDoubleClicked"));
+}
+
+TEST_F(DiscList, ReturnOnARefusedDiscOpensNothing) {
+  clickRow(1);
+  list()->setFocus();
+  pressKey(Qt::Key_Up);
+  ASSERT_EQ(list()->currentIndex().row(), 0);
+  pressKey(Qt::Key_Return);
+  EXPECT_THAT(actions_.calls, IsEmpty());
+}
+
+TEST_F(DiscList, SelectionOfTheControllerIsShown) {
+  window_.mediaController().setSelectionIndex(3);
+  EXPECT_THAT(selectedRows(), ElementsAre(3));
+  window_.mediaController().setSelectionIndex(std::nullopt);
+  EXPECT_THAT(selectedRows(), IsEmpty());
+}
+
+TEST_F(DiscList, SelectionIndexOutlivesANewListOfTheSameLength) {
+  clickRow(3);
+  const std::vector<DeviceRecord> again = window_.mediaController().arrangedObjects();
+  window_.mediaController().removeArrangedObjects();
+  EXPECT_EQ(list()->model()->rowCount(), 0);
+  EXPECT_THAT(selectedRows(), IsEmpty());
+  window_.mediaController().addObjects(again);
+  EXPECT_EQ(selection(), 3U);
+  EXPECT_THAT(selectedRows(), ElementsAre(3));
+}
+
+TEST_F(DiscList, SelectionIndexEndsWithAListThatIsTooShortForIt) {
+  clickRow(3);
+  window_.mediaController().removeArrangedObjects();
+  window_.mediaController().addObjects({usableRecord("Other")});
+  EXPECT_EQ(selection(), std::nullopt);
+  EXPECT_THAT(selectedRows(), IsEmpty());
+}
+
+TEST_F(DiscList, BadgeIsAsWideAsItsTextAnd20PointsFromTheRightEdge) {
+  const QRectF row(0, 43, 402, 43);
+  const QString text = QStringLiteral("Format not supported");
+  const QRectF badge = USMessageTextCell(text).badgeRect(row, 1.0);
+  const QFontMetricsF metrics(cellFont(8, 1.0));
+  EXPECT_DOUBLE_EQ(badge.right(), 402 - 20);
+  EXPECT_DOUBLE_EQ(badge.width(), metrics.horizontalAdvance(text) + 12);
+  EXPECT_DOUBLE_EQ(badge.height(), 14);
+  EXPECT_DOUBLE_EQ(badge.top(), 43 + 21.5 - 7 + 0.5);
+}
+
+QImage drawnBadge(const QString& text) {
+  QImage image(402, 43, QImage::Format_RGB32);
+  image.fill(Qt::black);
+  QPainter painter(&image);
+  USMessageTextCell(text).drawWithFrame(painter, image.rect(), 1.0);
+  return image;
+}
+
+TEST_F(DiscList, BadgeOfADiscThatIsNotRefusedDrawsNothing) {
+  QImage untouched(402, 43, QImage::Format_RGB32);
+  untouched.fill(Qt::black);
+  EXPECT_EQ(drawnBadge(QString()), untouched);
+  EXPECT_TRUE(USMessageTextCell(QString()).badgeRect(QRectF(0, 0, 402, 43), 1.0).isEmpty());
+}
+
+TEST_F(DiscList, BadgeIsRed) {
+  const QImage badge = drawnBadge(QStringLiteral("Disc is full"));
+  const QColor edge = badge.pixelColor(402 - 20 - 3, 21);
+  EXPECT_NEAR(edge.redF(), 0.9, 0.02);
+  EXPECT_NEAR(edge.greenF(), 0.3, 0.02);
+  EXPECT_NEAR(edge.blueF(), 0.3, 0.02);
+  EXPECT_EQ(badge.pixelColor(402 - 20 + 2, 21), QColor(Qt::black)) << "the margin stays free";
+}
+
+TEST_F(DiscList, LongNamesEndBeforeTheBadge) {
+  window_.mediaController().removeArrangedObjects();
+  window_.mediaController().addObjects(
+      {refusedRecord(std::string(200, 'W'), "Disc type not supported")});
+  const QImage drawn = list()->viewport()->grab().toImage();
+  const QRectF row = list()->visualRect(list()->model()->index(0, 0));
+  const QRectF badge =
+      USMessageTextCell(QStringLiteral("Disc type not supported")).badgeRect(row, 1.0);
+  const int gap = static_cast<int>(badge.left()) - 5;
+  for (int y = 2; y < 40; ++y) {
+    EXPECT_LT(drawn.pixelColor(gap, y).lightness(), 200) << "text at line " << y;
+  }
+}
+
+}  // namespace
+}  // namespace kelvane

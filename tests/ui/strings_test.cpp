@@ -1,0 +1,163 @@
+// SPDX-License-Identifier: GPL-2.0-or-later
+// The strings table: every key has a text in both languages, with the same placeholders.
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <QFile>
+#include <QImage>
+#include <QRegularExpression>
+#include <QTranslator>
+#include <QXmlStreamReader>
+#include <map>
+
+#include "platform/foundation/bundle.h"
+
+namespace kelvane {
+namespace {
+
+using ::testing::ElementsAre;
+using ::testing::IsEmpty;
+
+using Texts = std::map<std::string, QString>;
+
+/// The texts of a source file by their keys. A key that stands there twice fails the test.
+Texts textsOf(const std::string& language) {
+  QFile file(QStringLiteral(KELVANE_SOURCE_DIR "/resources/strings/kelvanefs_%1.ts")
+                 .arg(QString::fromStdString(language)));
+  EXPECT_TRUE(file.open(QIODevice::ReadOnly));
+  QXmlStreamReader xml(&file);
+  Texts texts;
+  std::string key;
+  while (!xml.atEnd()) {
+    if (xml.readNext() != QXmlStreamReader::StartElement) continue;
+    if (xml.name() == QLatin1String("message"))
+      key = xml.attributes().value("id").toString().toStdString();
+    if (xml.name() == QLatin1String("translation")) {
+      EXPECT_FALSE(xml.attributes().hasAttribute("type")) << key << " is not finished";
+      EXPECT_TRUE(texts.emplace(key, xml.readElementText()).second) << key << " stands there twice";
+    }
+  }
+  EXPECT_FALSE(xml.hasError()) << xml.errorString().toStdString();
+  return texts;
+}
+
+std::vector<std::string> placeholdersOf(const QString& text) {
+  static const QRegularExpression placeholder(QStringLiteral("%[@a-zA-Z]"));
+  std::vector<std::string> found;
+  for (auto match = placeholder.globalMatch(text); match.hasNext();) {
+    found.push_back(match.next().captured().toStdString());
+  }
+  return found;
+}
+
+const std::vector<std::string> kKeysOfTheController = {"OK",
+                                                       "Install",
+                                                       "Quit",
+                                                       "Erase",
+                                                       "Cancel",
+                                                       "InstallationIncomplete",
+                                                       "InstallationIncompleteLong",
+                                                       "buttonopen",
+                                                       "buttonclose",
+                                                       "insertdisk",
+                                                       "loadingdisk",
+                                                       "headerDisksMounting",
+                                                       "headerDisksAvail",
+                                                       "headerDisksRemounted",
+                                                       "Unmountfailed",
+                                                       "Unmountfailedlong",
+                                                       "diskfull",
+                                                       "unsupporteddiskformat",
+                                                       "unsupporteddisktype",
+                                                       "viewSizeOfDisk",
+                                                       "viewSizeNotAvail",
+                                                       "burningdisk",
+                                                       "burnpreparing",
+                                                       "preparingdata",
+                                                       "burningchangescd",
+                                                       "CreateTrackAbortedWithError",
+                                                       "CreateTrackAbortedWithErrorLong",
+                                                       "CDBurnError",
+                                                       "CDBurnErrorLong",
+                                                       "preparingemptydisk",
+                                                       "burningchangesdvd",
+                                                       "DVDDeviceNotResponding",
+                                                       "DVDDeviceNotRespondingLong",
+                                                       "DVDBurnError",
+                                                       "DVDBurnErrorAllocLong",
+                                                       "DVDBurnErrorFull",
+                                                       "DVDBurnErrorLong",
+                                                       "attempteraseshort",
+                                                       "attempteraselong",
+                                                       "erasingdisk",
+                                                       "updatecheck",
+                                                       "updatechecklong",
+                                                       "updatecheckdownload",
+                                                       "cancelbutton",
+                                                       "VolumeBusy",
+                                                       "VolumeBusyLong"};
+
+class Strings : public ::testing::TestWithParam<std::string> {};
+
+TEST_P(Strings, EveryKeyThatTheControllerNamesHasAText) {
+  const Texts texts = textsOf(GetParam());
+  for (const std::string& key : kKeysOfTheController) {
+    const auto found = texts.find(key);
+    ASSERT_NE(found, texts.end()) << key;
+    EXPECT_FALSE(found->second.trimmed().isEmpty()) << key;
+  }
+}
+
+TEST_P(Strings, NoTextIsEmptyOrEndsInABlank) {
+  for (const auto& [key, text] : textsOf(GetParam())) {
+    EXPECT_FALSE(text.isEmpty()) << key;
+    EXPECT_EQ(text, text.trimmed()) << key;
+  }
+}
+
+TEST_P(Strings, CompiledTableAnswersEveryKeyWithTheTextOfItsSource) {
+  QTranslator table;
+  ASSERT_TRUE(table.load(QStringLiteral(":/kelvanefs/strings/kelvanefs_%1.qm")
+                             .arg(QString::fromStdString(GetParam()))));
+  for (const auto& [key, text] : textsOf(GetParam())) {
+    EXPECT_EQ(table.translate(nullptr, key.c_str()), text) << key;
+  }
+}
+
+TEST_P(Strings, FreeSpaceHasOneIntegerPlaceholder) {
+  EXPECT_THAT(placeholdersOf(textsOf(GetParam()).at("viewSizeOfDisk")), ElementsAre("%i"));
+}
+
+INSTANTIATE_TEST_SUITE_P(Languages, Strings, ::testing::Values("en", "de"),
+                         [](const auto& language) { return language.param; });
+
+TEST(StringsOfBothLanguages, HaveTheSameKeysAndPlaceholders) {
+  const Texts english = textsOf("en");
+  const Texts german = textsOf("de");
+  ASSERT_EQ(english.size(), german.size());
+  for (const auto& [key, text] : english) {
+    ASSERT_TRUE(german.contains(key)) << key;
+    EXPECT_EQ(placeholdersOf(text), placeholdersOf(german.at(key))) << key;
+  }
+}
+
+TEST(StringsOfBothLanguages, EveryLongTextHasItsShortOne) {
+  for (const auto& [key, text] : textsOf("en")) {
+    if (!key.ends_with("Long") || key == "DVDBurnErrorAllocLong") continue;
+    EXPECT_TRUE(textsOf("en").contains(key.substr(0, key.size() - 4))) << key;
+  }
+}
+
+TEST(BundleResources, DiscIconIsAPictureAndTheVolumeIconAnIconFile) {
+  const auto icon = Bundle::mainBundle().pathForResource("diskicon", "png");
+  ASSERT_TRUE(icon.has_value());
+  EXPECT_FALSE(QImage(QString::fromStdString(*icon)).isNull());
+  const auto volumeIcon = Bundle::mainBundle().pathForResource("disk", "icns");
+  ASSERT_TRUE(volumeIcon.has_value());
+  QFile file(QString::fromStdString(*volumeIcon));
+  ASSERT_TRUE(file.open(QIODevice::ReadOnly));
+  EXPECT_EQ(file.read(4), "icns");
+}
+
+}  // namespace
+}  // namespace kelvane
