@@ -99,7 +99,9 @@ class KVController : public WindowActions {
   void setMediaIsMounted(bool mounted);
   /// The drive whose disc is opened or being opened; null when none is. Borrowed.
   DRDevice* currentDevice() const { return currentDevice_; }
+  void setCurrentDevice(DRDevice* device) { currentDevice_ = device; }
   const std::string& tmpDirPath() const { return tmpDirPath_; }
+  void setTmpDirPath(const std::string& path) { tmpDirPath_ = path; }
   double sizetoburn() const { return sizetoburn_; }
 
   /// Where the content views stand: in the window, and parked to either side of it.

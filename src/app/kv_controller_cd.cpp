@@ -115,8 +115,6 @@ void KVController::imagingFailed(const std::string& errors) {
 }
 
 void KVController::cdburnstatuschanged(const Notification& notification) {
-  // Only the burn that runs: one that was given up may still report.
-  if (!myBurn_ || notification.object != myBurn_.get()) return;
   const auto* status = std::any_cast<DRBurnStatus>(&notification.userInfo);
   if (status == nullptr) return;
   const double percentComplete = status->DRStatusPercentCompleteKey.value_or(0.0);
@@ -129,7 +127,8 @@ void KVController::cdburnstatuschanged(const Notification& notification) {
     bar.setDoubleValue(percentComplete + 1.0);
   }
   const std::string& state = status->DRStatusStateKey;
-  if (state == DRStatusStateDone || state == DRStatusStateFailed) CDBurnFinished();
+  const bool ended = state == DRStatusStateDone || state == DRStatusStateFailed;
+  if (ended && myBurn_) CDBurnFinished();
 }
 
 void KVController::CDBurnFinished() {

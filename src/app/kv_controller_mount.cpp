@@ -70,8 +70,8 @@ void KVController::mountBurnFS() {
 void KVController::mountBurnFSinBackground(std::latch& discIsNoted) {
   const DeviceRecord record = window_.mediaController().selectedObjects().back();
   setCurrentDeviceDictionary(record);
-  currentDevice_ = record.DRDevice;
-  tmpDirPath_ = paths::overlayDirectory(paths::secondsSinceReferenceDate());
+  setCurrentDevice(record.DRDevice);
+  setTmpDirPath(paths::overlayDirectory(paths::secondsSinceReferenceDate()));
   discIsNoted.count_down();
 
   std::string volumeName = kBlankVolumeName;

@@ -1,0 +1,88 @@
+// SPDX-License-Identifier: GPL-2.0-or-later
+#pragma once
+
+#include <gtest/gtest.h>
+
+#include <functional>
+#include <string>
+#include <vector>
+
+#include "app/kv_app_delegate.h"
+#include "app/kv_controller.h"
+#include "app/recording_outlets.h"
+#include "foundation/application_fixture.h"
+#include "media/fake_volume_services.h"
+#include "media/recorded_log.h"
+#include "volumes/fake_device.h"
+#include "volumes/temporary_prefix.h"
+
+namespace kelvane::test {
+
+/// A drive that notes what is asked of its tray and its access in the window's list.
+class NotingDevice : public FakeDevice {
+ public:
+  NotingDevice(const std::string& bsdName, RecordingOutlets& window)
+      : FakeDevice(bsdName), window_(window) {}
+
+  void acquireMediaReservation() override { window_.note("reserve"); }
+  bool acquireExclusiveAccess() override {
+    window_.note("acquire");
+    return true;
+  }
+  void releaseExclusiveAccess() override { window_.note("release"); }
+  bool ejectMedia() override {
+    window_.note("eject");
+    return true;
+  }
+
+ private:
+  RecordingOutlets& window_;
+};
+
+/// A controller over a recording window, drives whose answers the test sets, and a mount table that
+/// the test writes. No text is translated: a text is its key.
+class ControllerFixture : public ApplicationFixture {
+ protected:
+  ControllerFixture() {
+    services_.devices = [this] { return std::vector<DRDevice*>(devices_); };
+    services_.volumes = &volumes_;
+    services_.userFileSystemIsAvailable = [this](std::string* reason) {
+      *reason = "no /dev/fuse";
+      return userFileSystemIsAvailable_;
+    };
+    services_.discIsOpened = [this](const std::string& name) { window_.note("opened " + name); };
+    services_.discIsClosed = [this](const std::string& name) { window_.note("closed " + name); };
+    services_.discWillBeEjected = [this](const std::string& name) {
+      window_.note("will eject " + name);
+    };
+    services_.sleep = [](std::chrono::milliseconds) {};
+  }
+
+  /// Lets the event loop turn until the condition holds.
+  void turnUntil(const std::function<bool()>& condition) {
+    while (!condition()) QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents, 50);
+  }
+
+  /// Lets everything happen that is queued already.
+  void turn() {
+    bool reached = false;
+    performOnMainThread([&reached] { reached = true; });
+    turnUntil([&reached] { return reached; });
+  }
+
+  /// The calls since the last time.
+  std::vector<std::string> newCalls() { return std::exchange(window_.calls, {}); }
+
+  TemporaryPrefix prefix_;
+  RecordingOutlets window_;
+  FakeVolumeServices volumes_;
+  NotingDevice device_{"kv0", window_};
+  std::vector<DRDevice*> devices_;
+  bool userFileSystemIsAvailable_ = true;
+  ControllerServices services_;
+  KVController controller_{window_, services_};
+  KVAppDelegate delegate_{controller_, window_};
+  RecordedLog log_;
+};
+
+}  // namespace kelvane::test

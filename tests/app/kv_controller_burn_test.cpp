@@ -1,0 +1,174 @@
+// SPDX-License-Identifier: GPL-2.0-or-later
+#include <gmock/gmock.h>
+
+#include <QSettings>
+#include <filesystem>
+#include <fstream>
+
+#include "app/controller_fixture.h"
+#include "platform/foundation/paths.h"
+#include "platform/foundation/user_defaults.h"
+
+namespace kelvane::test {
+namespace {
+
+using testing::Contains;
+using testing::ElementsAre;
+
+namespace fs = std::filesystem;
+
+class KVControllerBurn : public ControllerFixture {
+ protected:
+  void SetUp() override {
+    QSettings::setPath(QSettings::IniFormat, QSettings::UserScope,
+                       QString::fromStdString(prefix_.path() + "/config"));
+    overlay_ = paths::overlayDirectory(812);
+    fs::create_directories(overlay_ + "/docs");
+    write(overlay_ + "/docs/a.txt");
+    write(paths::hideListFile(overlay_));
+    fs::create_directories(paths::hiddenMountPoint());
+    controller_.setTmpDirPath(overlay_);
+    controller_.setCurrentDevice(&device_);
+    DeviceRecord record;
+    record.DRDevice = &device_;
+    controller_.setCurrentDeviceDictionary(record);
+    device_.setTracks({0, 11702});
+  }
+
+  static void write(const std::string& path) { std::ofstream(path) << "content"; }
+
+  /// The device gone, nothing of the opened disc left in the temporary folder.
+  void expectIdle() {
+    EXPECT_EQ(controller_.currentDevice(), nullptr);
+    EXPECT_FALSE(controller_.burnInProgress());
+    EXPECT_FALSE(controller_.mediaIsMounted());
+    EXPECT_FALSE(fs::exists(overlay_));
+    EXPECT_FALSE(fs::exists(paths::hideListFile(overlay_)));
+    EXPECT_FALSE(fs::exists(paths::hiddenMountFolder()));
+  }
+
+  std::string overlay_;
+};
+
+TEST_F(KVControllerBurn, TheCleanUpWithoutBurnEjectsAndRepliesAndLeavesAccessToOtherClassesAlone) {
+  controller_.setMediaIsMounted(true);
+  turn();
+  newCalls();
+  controller_.cleanupWithoutBurn();
+  // The drive here is not of the class of the machine's drives itself: its access is not touched.
+  EXPECT_THAT(newCalls(), ElementsAre("header headerDisksAvail", "caption buttonopen",
+                                      "will eject kv0", "eject", "closed kv0", "reply yes"));
+  expectIdle();
+}
+
+TEST_F(KVControllerBurn, TheCleanUpWithoutBurnCompletesWithoutADevice) {
+  controller_.setCurrentDevice(nullptr);
+  controller_.cleanupWithoutBurn();
+  EXPECT_THAT(newCalls(), ElementsAre("caption buttonopen", "reply yes"));
+  turn();
+  EXPECT_TRUE(window_.has("text insertdisk")) << "the scan that was asked for";
+  expectIdle();
+}
+
+TEST_F(KVControllerBurn, TheCleanUpAfterABurnClearsTheFlagAndStopsTheBarFirst) {
+  controller_.setMediaIsMounted(true);
+  controller_.setBurnInProgress(true);
+  turn();
+  newCalls();
+  controller_.commonBurnCleanup();
+  EXPECT_THAT(newCalls(), ElementsAre("bar stops", "header headerDisksAvail", "caption buttonopen",
+                                      "will eject kv0", "eject", "closed kv0", "reply yes"));
+  expectIdle();
+}
+
+TEST_F(KVControllerBurn, NeitherCleanUpDeletesTheImage) {
+  write(paths::burnImage(overlay_));
+  controller_.commonBurnCleanup();
+  EXPECT_TRUE(fs::exists(paths::burnImage(overlay_)));
+}
+
+TEST_F(KVControllerBurn, CancellingRepliesTwiceAndNeverSetsTheFlag) {
+  controller_.burnConfirmationDidCancel();
+  EXPECT_FALSE(controller_.burnInProgress());
+  EXPECT_THAT(newCalls(),
+              ElementsAre("endSheet", "orderOutPanel", "caption buttonopen", "will eject kv0",
+                          "eject", "closed kv0", "reply yes", "reply yes"));
+  expectIdle();
+}
+
+TEST_F(KVControllerBurn, ConfirmingEndsTheSheetBeforeTheBurnBegins) {
+  controller_.burnConfirmationDidConfirm();
+  EXPECT_THAT(newCalls(), ElementsAre("endSheet", "orderOutPanel"));
+  EXPECT_FALSE(controller_.burnInProgress());
+}
+
+TEST_F(KVControllerBurn, ABurnShowsItsViewAndTheBarAnimatesLaterNotAtOnce) {
+  device_.deviceStatus = {};  // A disc of which nothing is known cannot be continued.
+  controller_.burn();
+  EXPECT_THAT(newCalls(),
+              ElementsAre("header burningdisk", "burnMessage burnpreparing", "duration 600 ms",
+                          "mountedItem to left", "burn to in", "bar indeterminate", "bar stops",
+                          "alert CreateTrackAbortedWithError CreateTrackAbortedWithErrorLong",
+                          "will eject kv0", "eject", "bar stops", "caption buttonopen",
+                          "will eject kv0", "eject", "closed kv0", "reply yes"));
+  expectIdle();
+  turnUntil([this] { return window_.has("bar animates"); });
+}
+
+TEST_F(KVControllerBurn, ADiscThatHasGoneIsNotBurned) {
+  controller_.setCurrentDevice(nullptr);
+  controller_.burn();
+  EXPECT_THAT(newCalls(), ElementsAre("beep"));
+  EXPECT_FALSE(controller_.burnInProgress());
+}
+
+TEST_F(KVControllerBurn, AppleDoubleFilesAreRemovedWhereTheUserWantsThatAndOnlyThose) {
+  UserDefaults::standard().setBool(true, "noappledoublefiles");
+  write(overlay_ + "/._top");
+  write(overlay_ + "/docs/._a.txt");
+  fs::create_directories(overlay_ + "/docs/deep");
+  write(overlay_ + "/docs/deep/._b");
+  write(overlay_ + "/docs/kept._c");
+  device_.deviceStatus = {};
+  // The overlay is looked at when the imaging fails, before the clean-up deletes it.
+  std::vector<std::string> left;
+  services_.discWillBeEjected = [&](const std::string&) {
+    std::error_code failure;
+    for (const auto& entry : fs::recursive_directory_iterator(overlay_, failure)) {
+      if (entry.is_regular_file()) left.push_back(entry.path().filename().string());
+    }
+  };
+  controller_.burn();
+  EXPECT_THAT(left, testing::UnorderedElementsAre("a.txt", "kept._c"));
+  const std::string line =
+      "AppleDouble files suppressed. Resourceforks and extended attributes will not be preserved.";
+  const std::vector<std::string> lines = log_.lines();
+  EXPECT_EQ(std::count(lines.begin(), lines.end(), line), 3);
+}
+
+TEST_F(KVControllerBurn, AppleDoubleFilesStayUnlessTheUserWantsOtherwise) {
+  write(overlay_ + "/._top");
+  device_.deviceStatus = {};
+  bool isThere = false;
+  services_.discWillBeEjected = [&](const std::string&) {
+    isThere = isThere || fs::exists(overlay_ + "/._top");
+  };
+  controller_.burn();
+  EXPECT_TRUE(isThere);
+}
+
+TEST_F(KVControllerBurn, AnImagingThatFailsIsReportedWithWhatTheProgramSaid) {
+  device_.type = DRDeviceMediaTypeDVDPlusR;  // Not among the DVDs: it goes the way of a CD.
+  controller_.burn();
+  ASSERT_EQ(window_.alerts.size(), 1u);
+  EXPECT_EQ(window_.alerts[0].messageKey, "CreateTrackAbortedWithError");
+  EXPECT_EQ(window_.alerts[0].style, Alert::Style::Warning);
+  EXPECT_FALSE(window_.alerts[0].detail.empty());
+  EXPECT_TRUE(window_.has("burnMessage preparingdata"));
+  EXPECT_FALSE(window_.has("burnMessage burningchangescd"));
+  EXPECT_THAT(log_.lines(), Contains("devicename used:kv0"));
+  expectIdle();
+}
+
+}  // namespace
+}  // namespace kelvane::test

@@ -1,0 +1,119 @@
+// SPDX-License-Identifier: GPL-2.0-or-later
+#include <gmock/gmock.h>
+
+#include <filesystem>
+#include <fstream>
+
+#include "app/controller_fixture.h"
+#include "platform/foundation/paths.h"
+
+namespace kelvane::test {
+namespace {
+
+using testing::Contains;
+using testing::ElementsAre;
+using testing::IsEmpty;
+
+namespace fs = std::filesystem;
+
+class KVControllerMount : public ControllerFixture {
+ protected:
+  void listSample() {
+    DeviceRecord record;
+    record.DRDevice = &device_;
+    record.description = {"SAMPLE", "KELVANE BURNER", "CDR"};
+    record.consideredBlank = false;
+    record.totalMB = "680.0";
+    window_.mediaController().addObjects({record});
+    window_.mediaController().setSelectionIndex(0);
+  }
+};
+
+TEST_F(KVControllerMount, WithNothingSelectedAnOpenRequestIsRefusedWithABeep) {
+  controller_.mountBurnFS();
+  EXPECT_THAT(newCalls(), ElementsAre("beep"));
+}
+
+TEST_F(KVControllerMount, DuringABurnAnOpenRequestIsRefusedWithABeep) {
+  listSample();
+  controller_.setBurnInProgress(true);
+  controller_.mountBurnFS();
+  EXPECT_THAT(newCalls(), ElementsAre("beep"));
+}
+
+TEST_F(KVControllerMount, AnUnsupportedDiscIsNotOpenedAndNothingIsSaid) {
+  DeviceRecord record;
+  record.DRDevice = &device_;
+  record.unsupportedString = "full";
+  window_.mediaController().addObjects({record});
+  window_.mediaController().setSelectionIndex(0);
+  controller_.mountBurnFS();
+  EXPECT_THAT(newCalls(), IsEmpty());
+}
+
+TEST_F(KVControllerMount, WithAnOpenDiscAndNothingSelectedTheRequestCloses) {
+  controller_.setMediaIsMounted(true);
+  turn();
+  newCalls();
+  controller_.mountBurnFS();  // There is no file system here that would have to be unmounted.
+  EXPECT_THAT(newCalls(), IsEmpty());
+}
+
+TEST_F(KVControllerMount, ADiscThatIsMountedNowhereFailsToOpenWithASheetAndMayBeTriedAgain) {
+  listSample();
+  controller_.mountBurnFS();
+  EXPECT_EQ(controller_.currentDevice(), &device_);
+  controller_.mountBurnFS();  // Under way already: ignored.
+  turnUntil([this] { return controller_.currentDevice() == nullptr; });
+  EXPECT_THAT(newCalls(), ElementsAre("header headerDisksMounting", "opened kv0",
+                                      "alert Unmountfailed Unmountfailedlong",
+                                      "header headerDisksAvail", "closed kv0"));
+  ASSERT_EQ(window_.alerts.size(), 1u);
+  EXPECT_EQ(window_.alerts[0].style, Alert::Style::Warning);
+  EXPECT_THAT(window_.alerts[0].buttonKeys, ElementsAre("OK"));
+  EXPECT_THAT(log_.lines(), ElementsAre("Could not get volume name of disk with content! kelvanefs "
+                                        "not mounted. Showing error."));
+  EXPECT_TRUE(controller_.currentDeviceDictionary().has_value());
+}
+
+TEST_F(KVControllerMount, ADiscThatCannotBeRemountedFailsToOpen) {
+  listSample();
+  volumes_.addVisible(paths::volumesDirectory() + "/SAMPLE", "/dev/kv0s0");
+  volumes_.lastStatus = 5;
+  controller_.mountBurnFS();
+  turnUntil([this] { return controller_.currentDevice() == nullptr; });
+  EXPECT_THAT(log_.lines(), Contains("Remounting of disk with content failed! kelvanefs not "
+                                     "mounted. Showing error."));
+  EXPECT_TRUE(window_.has("alert Unmountfailed Unmountfailedlong"));
+}
+
+TEST_F(KVControllerMount, ShowDiskRevealsTheVolume) {
+  controller_.showDisk();
+  EXPECT_THAT(newCalls(), ElementsAre("select " + paths::overlayMountPoint() + " below " +
+                                      paths::volumesDirectory() + "/"));
+}
+
+TEST_F(KVControllerMount, AScanWithOneUsableDiscOpensIt) {
+  devices_ = {&device_};
+  volumes_.addVisible(paths::volumesDirectory() + "/SAMPLE", "/dev/kv0s0");
+  volumes_.lastStatus = 5;  // It shall not get further than to the attempt.
+  controller_.scanForMedia();
+  turnUntil([this] { return !window_.alerts.empty(); });
+  EXPECT_EQ(window_.mediaController().arrangedObjects().size(), 1u);
+  EXPECT_TRUE(window_.has("hide diskScroll"));
+  EXPECT_TRUE(window_.has("text insertdisk"));
+  EXPECT_TRUE(window_.has("opened kv0"));
+}
+
+TEST_F(KVControllerMount, UnsupportedAndMissingRowsCannotBeSelected) {
+  DeviceRecord loading;
+  loading.unsupportedString = "";
+  window_.mediaController().addObjects({DeviceRecord(), loading});
+  EXPECT_TRUE(controller_.tableViewShouldSelectRow(0));
+  EXPECT_FALSE(controller_.tableViewShouldSelectRow(1));
+  EXPECT_FALSE(controller_.tableViewShouldSelectRow(2));
+  EXPECT_FALSE(controller_.tableViewShouldSelectRow(-1));
+}
+
+}  // namespace
+}  // namespace kelvane::test

@@ -1,0 +1,85 @@
+// SPDX-License-Identifier: GPL-2.0-or-later
+#include <gmock/gmock.h>
+
+#include "app/controller_fixture.h"
+#include "platform/recording/dr_burn_status.h"
+#include "platform/recording/dr_notification_center.h"
+
+namespace kelvane::test {
+namespace {
+
+using testing::ElementsAre;
+
+class KVControllerStartup : public ControllerFixture {};
+
+TEST_F(KVControllerStartup, TheWindowIsPreparedWithMessageAndListInsideAndTheOtherViewsToTheRight) {
+  controller_.awakeFromNib();
+  EXPECT_THAT(newCalls(), ElementsAre("centerWindows", "hide openButton", "caption buttonopen",
+                                      "message to in direct", "diskScroll to in direct",
+                                      "mountedItem to right direct", "burn to right direct",
+                                      "text insertdisk"));
+}
+
+TEST_F(KVControllerStartup, DrivesAreReservedAndNoScanRunsBeforeADriveReports) {
+  devices_ = {&device_};
+  controller_.initialiseController();
+  EXPECT_THAT(newCalls(), ElementsAre("makeKeyAndOrderFront", "reserve"));
+}
+
+TEST_F(KVControllerStartup, WithoutAUserSpaceFileSystemOnlyInstallOrQuitIsOffered) {
+  devices_ = {&device_};
+  userFileSystemIsAvailable_ = false;
+  controller_.initialiseController();
+  EXPECT_THAT(newCalls(), ElementsAre("makeKeyAndOrderFront",
+                                      "alert InstallationIncomplete InstallationIncompleteLong"));
+  ASSERT_EQ(window_.alerts.size(), 1u);
+  EXPECT_EQ(window_.alerts[0].style, Alert::Style::Critical);
+  EXPECT_THAT(window_.alerts[0].buttonKeys, ElementsAre("Install", "Quit"));
+  window_.answerAlert(kAlertFirstButtonReturn + 1);
+  EXPECT_THAT(newCalls(), ElementsAre("terminate"));
+}
+
+TEST_F(KVControllerStartup, InstallEndsTheApplicationToo) {
+  userFileSystemIsAvailable_ = false;
+  controller_.initialiseController();
+  window_.answerAlert(kAlertFirstButtonReturn);
+  EXPECT_EQ(window_.calls.back(), "terminate");
+}
+
+TEST_F(KVControllerStartup, AReopenBringsTheWindowBackOnlyOnceStartUpHasRun) {
+  EXPECT_FALSE(delegate_.applicationShouldOpenUntitledFile());
+  EXPECT_TRUE(newCalls().empty());
+  controller_.initialiseController();
+  newCalls();
+  EXPECT_FALSE(delegate_.applicationShouldOpenUntitledFile());
+  EXPECT_THAT(newCalls(), ElementsAre("makeKeyAndOrderFront"));
+}
+
+TEST_F(KVControllerStartup, QuitIsRefusedDuringABurnDeferredWithAnOpenDiscAndImmediateOtherwise) {
+  EXPECT_EQ(delegate_.applicationShouldTerminate(), TerminateReply::Now);
+  controller_.setMediaIsMounted(true);
+  EXPECT_EQ(delegate_.applicationShouldTerminate(), TerminateReply::Later);
+  controller_.setBurnInProgress(true);
+  newCalls();
+  EXPECT_EQ(delegate_.applicationShouldTerminate(), TerminateReply::Cancel);
+  EXPECT_THAT(newCalls(), ElementsAre("beep"));
+}
+
+TEST_F(KVControllerStartup, AStatusOfABurnMovesTheSecondHalfOfTheBar) {
+  controller_.initialiseController();
+  newCalls();
+  DRBurnStatus status;
+  status.DRStatusPercentCompleteKey = 0.5;
+  DRNotificationCenter::currentRunLoopCenter().post(DRBurnStatusChangedNotification, nullptr,
+                                                    status);
+  turnUntil([this] { return window_.has("bar at 150/100"); });
+  EXPECT_THAT(newCalls(), ElementsAre("bar determinate", "bar at 150/100"));
+  status.DRStatusPercentCompleteKey.reset();
+  DRNotificationCenter::currentRunLoopCenter().post(DRBurnStatusChangedNotification, nullptr,
+                                                    status);
+  turnUntil([this] { return window_.has("bar animates"); });
+  EXPECT_THAT(newCalls(), ElementsAre("bar indeterminate", "bar animates"));
+}
+
+}  // namespace
+}  // namespace kelvane::test

@@ -1,0 +1,159 @@
+# SPDX-License-Identifier: GPL-2.0-or-later
+"""What cannot be opened or burned ends with a clear message, the right status, and nothing left behind."""
+
+import os
+import shutil
+import subprocess
+import unittest
+
+from road import BIN, SECTOR, RoadTest, run, sha256_of, wait_until
+
+
+class BadInput(RoadTest):
+    def make_sample(self, **options):
+        source = os.path.join(self.folder, "source")
+        os.makedirs(source, exist_ok=True)
+        with open(os.path.join(source, "a.txt"), "w", encoding="utf-8") as file:
+            file.write("a")
+        return self.make_disc(source=source, label="SAMPLE", **options)
+
+    def refused(self, disc, words, options=()):
+        """A run that must not open the disc, and whose message must hold these words."""
+        outcome = self.batch(disc, "true", options=options, status=3)
+        self.assertEqual(outcome["state"], "not-opened")
+        for word in words:
+            self.assertIn(word, outcome["error"])
+        self.assertTrue(any(outcome["error"] in line for line in outcome["lines"]), outcome)
+
+    def test_no_such_disc(self):
+        self.refused(os.path.join(self.folder, "nowhere.kvdisc"), ["nowhere.kvdisc"])
+
+    def test_a_folder_that_is_no_disc(self):
+        folder = os.path.join(self.folder, "plain.kvdisc")
+        os.mkdir(folder)
+        self.refused(folder, ["plain.kvdisc"])
+        os.rmdir(folder)  # Nothing was put into it.
+
+    def test_a_file_instead_of_a_folder(self):
+        path = os.path.join(self.folder, "file.kvdisc")
+        with open(path, "w", encoding="utf-8") as file:
+            file.write("no disc")
+        self.refused(path, ["file.kvdisc"])
+
+    def test_a_damaged_description_of_the_disc(self):
+        disc = self.make_sample()
+        path = os.path.join(disc, "disc.json")
+        with open(path, "w", encoding="utf-8") as file:
+            file.write('{"version": 1, "medium":')
+        self.refused(disc, ["disc.kvdisc"])
+
+    def test_a_disc_of_another_format(self):
+        disc = self.make_disc()
+        foreign = os.path.join(self.folder, "foreign.img")
+        with open(foreign, "wb") as file:
+            file.write(os.urandom(400 * SECTOR))
+        self.kelvanedisc("run", disc, "--", "cdrskin", "dev=/dev/sr0", "-multi", "-tao", foreign)
+        before = sha256_of(os.path.join(disc, "sectors"))
+        self.refused(disc, ["disc"])
+        self.assertEqual(sha256_of(os.path.join(disc, "sectors")), before)
+
+    def test_a_damaged_first_sector_of_the_volume(self):
+        disc = self.make_sample()
+        with open(os.path.join(disc, "sectors"), "r+b") as file:
+            file.seek(16 * SECTOR)
+            file.write(bytes(SECTOR))
+        self.refused(disc, ["disc"])
+
+    def test_a_full_disc(self):
+        # More than the nominal 680 MB are in use; the file is a hole and costs nothing here.
+        source = os.path.join(self.folder, "large")
+        os.mkdir(source)
+        with open(os.path.join(source, "hole"), "wb") as file:
+            file.truncate(690 << 20)
+        disc = self.make_disc(source=source, label="LARGE", capacity=700)
+        self.refused(disc, ["LARGE"])
+
+    def test_a_disc_that_is_closed_for_further_sessions_is_not_burned(self):
+        disc = self.make_disc()
+        image = os.path.join(self.folder, "closed.iso")
+        source = os.path.join(self.folder, "source")
+        os.mkdir(source)
+        run("genisoimage", "-quiet", "-r", "-J", "-V", "CLOSED", "-o", image, source)
+        self.kelvanedisc("run", disc, "--", "cdrskin", "dev=/dev/sr0", "-tao", image)
+        before = sha256_of(os.path.join(disc, "sectors"))
+        outcome = self.batch(disc, "sh", "-c", "echo x > new", status=4)
+        self.assertEqual(outcome["state"], "burn-failed")
+        self.assertTrue(outcome["error"])
+        self.assertEqual(sha256_of(os.path.join(disc, "sectors")), before)
+
+    def test_a_session_that_does_not_fit_is_not_begun(self):
+        disc = self.make_sample(capacity=60)
+        before = sha256_of(os.path.join(disc, "sectors"))
+        outcome = self.batch(disc, "sh", "-c", "head -c 80000000 /dev/urandom > big", status=4)
+        self.assertEqual(outcome["state"], "burn-failed")
+        self.assertEqual(sha256_of(os.path.join(disc, "sectors")), before)
+        self.assertEqual(len(self.sessions(disc)), 1)
+
+    def test_names_that_cannot_be_put_on_the_disc_are_named(self):
+        disc = self.make_sample()
+        outcome = self.batch(disc, "sh", "-c", r"""touch "$(printf 'bad\377name')" """, status=4)
+        self.assertIn("ncorrectly encoded string", outcome["error"])
+        self.assertEqual(len(self.sessions(disc)), 1)
+        # The image of a failed imaging stays for whoever wants to see it.
+        for name in os.listdir(os.path.join(self.prefix, "tmp")):
+            self.assertTrue(name.endswith(".iso"), name)
+            os.remove(os.path.join(self.prefix, "tmp", name))
+
+    def test_a_folder_of_volumes_that_cannot_be_used(self):
+        disc = self.make_sample()
+        volumes = os.path.join(self.prefix, "Volumes")
+        os.rmdir(volumes)
+        with open(volumes, "w", encoding="utf-8") as file:
+            file.write("in the way")
+        self.environment.pop("XDG_RUNTIME_DIR", None)
+        self.refused(disc, ["Volumes"])
+        os.remove(volumes)
+
+    @unittest.skipIf(os.geteuid() == 0 and shutil.which("unshare") is None, "needs unshare to take /dev/fuse away")
+    def test_without_fuse_the_message_says_what_is_missing(self):
+        if os.geteuid() != 0:
+            self.skipTest("only root can take /dev/fuse away for one process")
+        disc = self.make_sample()
+        # A mount namespace of its own, in which an empty file stands at /dev/fuse.
+        empty = os.path.join(self.folder, "empty")
+        with open(empty, "w", encoding="utf-8"):
+            pass
+        command = [os.path.join(BIN, "kelvanefs"), "batch", "--drive", disc, "--", "true"]
+        script = f'mount --bind "{empty}" /dev/fuse && exec "$@"'
+        result = subprocess.run(["unshare", "--mount", "sh", "-c", script, "sh", *command], env=self.environment,
+                                capture_output=True, encoding="utf-8", timeout=120, check=False)
+        self.assertEqual(result.returncode, 3, result.stderr)
+        self.assertIn("/dev/fuse", result.stderr)
+
+    def test_a_second_run_at_the_same_time_says_so(self):
+        first_disc = self.make_sample()
+        second_disc = self.make_disc(name="second")
+        go_on = os.path.join(self.folder, "go-on")
+        started = os.path.join(self.folder, "started")
+        wait = f'touch "{started}"; while [ ! -e "{go_on}" ]; do sleep 0.05; done'
+        first = self.start_batch(first_disc, "sh", "-c", wait)
+        try:
+            wait_until(lambda: os.path.exists(started), lambda: "the first run has not opened its disc")
+            self.refused(second_disc, ["already"])
+        finally:
+            with open(go_on, "w", encoding="utf-8"):
+                pass
+            _, errors = first.communicate(timeout=120)
+        self.assertEqual(first.returncode, 0, errors)
+
+    def test_wrong_usage(self):
+        for arguments in ([], ["--drive", "x"], ["--", "true"], ["--drive", "x", "--speed", "fast", "--", "true"],
+                          ["--drive", "x", "--name", "", "--", "true"], ["--drive", "x", "--name", "n" * 33, "--", "true"]):
+            with self.subTest(arguments=arguments):
+                result = run(os.path.join(BIN, "kelvanefs"), "batch", *arguments, check=False, env=self.environment)
+                self.assertEqual(result.returncode, 2, result.stderr)
+                self.assertTrue(result.stderr)
+
+
+if __name__ == "__main__":
+    unittest.main()

@@ -1,0 +1,79 @@
+# SPDX-License-Identifier: GPL-2.0-or-later
+"""Signals in batch mode: before the burn they discard everything, during a burn they wait for its end."""
+
+import json
+import os
+import signal
+import unittest
+
+from road import RoadTest, sha256_of, wait_until
+
+
+class Signals(RoadTest):
+    def setUp(self):
+        super().setUp()
+        source = os.path.join(self.folder, "source")
+        os.mkdir(source)
+        with open(os.path.join(source, "a.txt"), "w", encoding="utf-8") as file:
+            file.write("a")
+        self.disc = self.make_disc(source=source, label="SAMPLE")
+        self.started = os.path.join(self.folder, "started")
+
+    def check_interruption(self, signal_number, script):
+        before = sha256_of(os.path.join(self.disc, "sectors"))
+        process = self.start_batch(self.disc, "sh", "-c", f'echo x > new; touch "{self.started}"; {script}')
+        wait_until(lambda: os.path.exists(self.started), lambda: "the command has not been run")
+        process.send_signal(signal_number)
+        output, errors = process.communicate(timeout=120)
+        self.assertEqual(process.returncode, 128 + signal_number, errors)
+        self.assertEqual(json.loads(output)["state"], "interrupted")
+        self.assertEqual(sha256_of(os.path.join(self.disc, "sectors")), before)
+
+    def test_sigterm_ends_the_command_and_discards_the_changes(self):
+        self.check_interruption(signal.SIGTERM, "exec sleep 1000")
+
+    def test_sigint_ends_the_command_and_discards_the_changes(self):
+        self.check_interruption(signal.SIGINT, "exec sleep 1000")
+
+    def test_what_the_command_has_left_running_does_not_hold_the_volume(self):
+        left = os.path.join(self.folder, "left.pid")
+        try:
+            # The shell ends; what it has started stays in the volume.
+            self.check_interruption(signal.SIGTERM, f'sleep 1000 <&- >&- 2>&- & echo $! > "{left}"; wait')
+        finally:
+            with open(left, encoding="utf-8") as file:
+                os.kill(int(file.read()), signal.SIGKILL)
+
+    def test_a_volume_in_use_is_waited_for_and_the_user_is_told_by_whom(self):
+        left = os.path.join(self.folder, "left.pid")
+        process = self.start_batch(self.disc, "sh", "-c",
+                                   f'echo x > new; sleep 1000 <&- >&- 2>&- & echo $! > "{left}"')
+        line = ""
+        while "Waiting for the volume" not in line:
+            line = process.stderr.readline()
+            self.assertTrue(line, "ended without waiting")
+        self.assertIn("sleep", line)
+        with open(left, encoding="utf-8") as file:
+            os.kill(int(file.read()), signal.SIGKILL)
+        output, errors = process.communicate(timeout=120)
+        self.assertEqual(process.returncode, 0, errors)
+        self.assertEqual(json.loads(output)["state"], "burned")
+
+    def test_during_a_burn_a_signal_waits_for_its_end(self):
+        process = self.start_batch(self.disc, "sh", "-c", "head -c 60000000 /dev/urandom > big")
+        line = ""
+        while "preparing" not in line.lower() and "burn" not in line.lower():
+            line = process.stderr.readline()
+            self.assertTrue(line, "ended without a burn")
+        process.send_signal(signal.SIGTERM)
+        process.send_signal(signal.SIGINT)
+        output, errors = process.communicate(timeout=120)
+        self.assertEqual(process.returncode, 0, errors)
+        self.assertEqual(json.loads(output)["state"], "burned")
+        self.assertEqual(len(self.sessions(self.disc)), 2)
+        shown_by_mount = self.tree_by_our_mount(self.disc, self.session_starts(self.disc)[-1])
+        self.assertEqual(set(shown_by_mount), {"a.txt", "big"})
+
+
+if __name__ == "__main__":
+    unittest.main()
