@@ -33,7 +33,7 @@ void KVController::performScanForMedia() {
 }
 
 void KVController::applyScanOutcome(const ScanOutcome& outcome) {
-  if (outcome.selectionIndex != window_.mediaController().selectionIndex()) {
+  if (outcome.selectionIndex) {
     window_.mediaController().setSelectionIndex(outcome.selectionIndex);
   }
   window_.setHidden(HideableView::OpenButton, outcome.openButton == Visibility::Hidden);
