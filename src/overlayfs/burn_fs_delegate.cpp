@@ -1,0 +1,74 @@
+// SPDX-License-Identifier: GPL-2.0-or-later
+// Construction, and what all operations share.
+#include "overlayfs/burn_fs_delegate.h"
+
+#include <unistd.h>
+
+#include <limits>
+#include <utility>
+
+#include "platform/foundation/notification_center.h"
+#include "platform/foundation/paths.h"
+
+namespace kelvane {
+namespace {
+
+// Less than this free and nothing can be added.
+constexpr int64_t kLeastFreeSpace = 4096;
+
+// Whole megabytes, cut toward zero; what no disc can have counts as 0.
+int64_t bytesOfMegabytes(std::optional<double> megabytes) {
+  constexpr double kLimit = static_cast<double>(std::numeric_limits<int64_t>::max() >> 20);
+  if (!megabytes.has_value() || !(*megabytes > -kLimit && *megabytes < kLimit)) return 0;
+  return static_cast<int64_t>(*megabytes) * (int64_t{1} << 20);
+}
+
+}  // namespace
+
+BurnFSDelegate::BurnFSDelegate(std::string tmpPath, std::optional<std::string> cdPath,
+                               const OverlayInfo& infoDict)
+    : tmpDirPath(std::move(tmpPath)),
+      mountPath(std::move(cdPath)),
+      totalbytes(bytesOfMegabytes(infoDict.totalMB)),
+      usedbytes(bytesOfMegabytes(infoDict.usedMB)) {
+  mkdir(tmpDirPath.c_str(), S_IRWXU);
+  // One of our own that an earlier mount left may be wider open than ours are.
+  const auto status = fm.attributesOfItem(tmpDirPath);
+  if (status.has_value() && S_ISDIR(status->st_mode) && status->st_uid == geteuid()) {
+    chmod(tmpDirPath.c_str(), S_IRWXU);
+  }
+}
+
+BurnFSDelegate::~BurnFSDelegate() = default;
+
+int64_t BurnFSDelegate::localusedbytes() const {
+  return localusedbytes_;
+}
+
+bool BurnFSDelegate::overlayDirectoryIsOwn() const {
+  const auto status = fm.attributesOfItem(tmpDirPath);
+  return status.has_value() && S_ISDIR(status->st_mode) && status->st_uid == geteuid() &&
+         (status->st_mode & (S_IRWXG | S_IRWXO)) == 0;
+}
+
+std::string BurnFSDelegate::overlayPath(std::string_view volumePath) const {
+  return paths::appendPathComponent(tmpDirPath, volumePath);
+}
+
+std::string BurnFSDelegate::discPath(std::string_view volumePath) const {
+  return paths::appendPathComponent(*mountPath, volumePath);
+}
+
+int64_t BurnFSDelegate::freeOverlaySpace() const {
+  return totalbytes - usedbytes - localusedbytes_;
+}
+
+bool BurnFSDelegate::hasSpace() const {
+  return freeOverlaySpace() >= kLeastFreeSpace;
+}
+
+void BurnFSDelegate::postSizeChanged() {
+  NotificationCenter::defaultCenter().post(kKelvaneFSSizeChanged, this);
+}
+
+}  // namespace kelvane

@@ -1,0 +1,111 @@
+// SPDX-License-Identifier: GPL-2.0-or-later
+// Creation, moving and removal of items.
+#include <cerrno>
+#include <cstdio>
+
+#include "overlayfs/burn_fs_delegate.h"
+#include "overlayfs/local_file_handle.h"
+#include "platform/foundation/paths.h"
+#include "platform/foundation/system_log.h"
+
+namespace kelvane {
+namespace {
+
+constexpr mode_t kReadAndWriteForAll = 0666;
+
+std::string parentOf(const std::string& path) {
+  return path.substr(0, path.rfind('/'));
+}
+
+}  // namespace
+
+void BurnFSDelegate::makeOverlayParent(const std::string& volumePath) {
+  fm.createDirectory(parentOf(overlayPath(volumePath)), {});
+}
+
+bool BurnFSDelegate::createDirectoryAtPath(const std::string& path,
+                                           const AttributeChanges& attributes, PosixError* error) {
+  hideArray.remove(path);
+  return fm.createDirectory(overlayPath(path), attributes, error);
+}
+
+bool BurnFSDelegate::createFileAtPath(const std::string& path, const AttributeChanges& attributes,
+                                      std::unique_ptr<UserData>* userData, PosixError* error) {
+  if (!hasSpace()) {
+    setError(error, ENOSPC);
+    return false;
+  }
+  hideArray.remove(path);
+  makeOverlayParent(path);
+  const int descriptor = fm.createFile(overlayPath(path), attributes);
+  if (descriptor < 0) return false;
+  *userData = std::make_unique<LocalFileHandle>(descriptor, LocalFileHandle::Access::ReadWrite);
+  return true;
+}
+
+bool BurnFSDelegate::moveItemAtPath(const std::string& source, const std::string& destination,
+                                    PosixError* error) {
+  if (destination.starts_with("/.Trashes")) {
+    removeItemAtPath(source, nullptr);
+    return true;
+  }
+  const std::string from = overlayPath(source);
+  const std::string to = overlayPath(destination);
+  if (fm.fileExists(from)) {
+    makeOverlayParent(destination);
+    if (std::rename(from.c_str(), to.c_str()) != 0) {
+      setError(error, errno);
+      return true;  // With the error set: what calls looks at it.
+    }
+    hideArray.remove(destination);
+    return true;
+  }
+  if (!mountPath.has_value() || !fm.fileExists(discPath(source))) return false;
+  return copyUp(source, destination);
+}
+
+bool BurnFSDelegate::copyUp(const std::string& source, const std::string& destination) {
+  makeOverlayParent(destination);
+  const std::string copy = overlayPath(destination);
+  if (!fm.copyItem(discPath(source), copy)) return false;
+  removeItemAtPath(source, nullptr);
+  hideArray.remove(destination);
+  widenPermissions(copy);
+  return true;
+}
+
+void BurnFSDelegate::widenPermissions(const std::string& overlayItem) {
+  const auto widen = [this](const std::string& path, const struct stat& status) {
+    AttributeChanges changes;
+    changes.NSFilePosixPermissions = (status.st_mode | kReadAndWriteForAll) & 07777;
+    fm.setAttributes(changes, path);
+  };
+  const auto status = fm.attributesOfItem(overlayItem);
+  if (!status.has_value()) return;
+  widen(overlayItem, *status);
+  if (S_ISDIR(status->st_mode)) fm.enumerate(overlayItem, widen);
+}
+
+bool BurnFSDelegate::removeItemAtPath(const std::string& path, PosixError* /*error*/) {
+  const auto hasDiscItem = [&] {
+    return mountPath.has_value() && fm.attributesOfItem(discPath(path)).has_value();
+  };
+  if (const auto status = fm.attributesOfItem(overlayPath(path))) {
+    if (!fm.removeItem(overlayPath(path))) {
+      systemLog("Error removing tmp file for %@", path);
+      return false;
+    }
+    localusedbytes_ -= status->st_size;
+    if (hasDiscItem()) hideArray.append(path);
+    postSizeChanged();
+    return true;
+  }
+  if (!hasDiscItem()) {
+    systemLog("Error removing item %@. Nowhere to be found.", path);
+    return false;
+  }
+  hideArray.append(path);
+  return true;
+}
+
+}  // namespace kelvane

@@ -1,0 +1,51 @@
+// SPDX-License-Identifier: GPL-2.0-or-later
+// What becomes of the hide list when the volume goes.
+#include <fcntl.h>
+#include <unistd.h>
+
+#include "overlayfs/burn_fs_delegate.h"
+#include "overlayfs/hide_pattern.h"
+#include "overlayfs/local_file_handle.h"
+#include "platform/foundation/paths.h"
+
+namespace kelvane {
+namespace {
+
+// What a desktop leaves on a volume, in the order of removal.
+constexpr std::string_view kHousekeeping[] = {".TemporaryItems", "._.TemporaryItems", ".Trashes",
+                                              "._.Trashes"};
+
+}  // namespace
+
+void BurnFSDelegate::willUnmount() {
+  std::string text;
+  for (const std::string& deleted : hideArray.paths()) {
+    if (!text.empty()) text += '\n';
+    text += hidePattern(makePlaceholder(deleted));
+  }
+  writeHideListFile(text);
+  for (const std::string_view name : kHousekeeping) fm.removeItem(overlayPath(name));
+}
+
+std::string BurnFSDelegate::makePlaceholder(const std::string& volumePath) {
+  std::string placeholder = overlayPath(volumePath);
+  fm.removeItem(placeholder);
+  makeOverlayParent(volumePath);
+  const int descriptor = fm.createFile(placeholder, {});
+  if (descriptor >= 0) close(descriptor);
+  return placeholder;
+}
+
+void BurnFSDelegate::writeHideListFile(const std::string& text) {
+  // The folder is everybody's: a link or another user's file at this name is not written to.
+  constexpr int kFlags = O_WRONLY | O_CREAT | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC;
+  const int descriptor = open(paths::hideListFile(tmpDirPath).c_str(), kFlags, S_IRUSR | S_IWUSR);
+  if (descriptor < 0) return;
+  const LocalFileHandle file(descriptor, LocalFileHandle::Access::ReadWrite);
+  struct stat status = {};
+  const bool isOwn = fstat(descriptor, &status) == 0 && S_ISREG(status.st_mode) &&
+                     status.st_uid == geteuid() && status.st_nlink == 1;
+  if (isOwn && ftruncate(descriptor, 0) == 0) file.write(text.data(), text.size(), 0, nullptr);
+}
+
+}  // namespace kelvane

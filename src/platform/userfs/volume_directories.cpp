@@ -1,0 +1,154 @@
+// SPDX-License-Identifier: GPL-2.0-or-later
+// Requests on directories.
+#include <cerrno>
+#include <vector>
+
+#include "platform/userfs/volume.h"
+
+namespace kelvane::userfs {
+namespace {
+
+// The entries "." and ".." stand before the names.
+constexpr size_t kDots = 2;
+
+// What a listing says of an item whose number nobody has asked for (FUSE_UNKNOWN_INO).
+constexpr ino_t kUnknownInode = 0xffffffff;
+
+OpenDirectory* directoryOf(const fuse_file_info* info) {
+  return reinterpret_cast<OpenDirectory*>(static_cast<uintptr_t>(info->fh));
+}
+
+}  // namespace
+
+void Volume::opendir(fuse_req_t request, fuse_ino_t number, fuse_file_info* info) {
+  Node* const node = nodes_.nodeOf(number);
+  auto* directory = new OpenDirectory{node, {}};
+  openDirectories_.insert(directory);
+  info->fh = reinterpret_cast<uintptr_t>(directory);
+  info->keep_cache = 1;
+  info->cache_readdir = 1;
+  if (fuse_reply_open(request, info) == 0) return;
+  openDirectories_.erase(directory);
+  delete directory;
+}
+
+void Volume::takeNames(OpenDirectory* directory) {
+  directory->names.clear();
+  if (!nodes_.isLinked(directory->node)) return;
+  directory->names = delegate_->contentsOfDirectoryAtPath(nodes_.pathOf(directory->node), nullptr);
+}
+
+// Adds the entry of that index; returns its length, or more than `size` where it does not fit.
+size_t Volume::addEntry(fuse_req_t request, char* buffer, size_t size, OpenDirectory& directory,
+                        size_t index) {
+  struct stat shown = {};
+  shown.st_ino = kUnknownInode;
+  const auto next = static_cast<off_t>(index + 1);
+  if (index < kDots) {
+    shown.st_mode = S_IFDIR;
+    return fuse_add_direntry(request, buffer, size, index == 0 ? "." : "..", &shown, next);
+  }
+  const std::string& name = directory.names[index - kDots];
+  const Node* const known = nodes_.find(directory.node, name);
+  if (known != nullptr && known->inodeNumber != 0) {
+    shown.st_ino = known->inodeNumber;
+    shown.st_mode = known->type;
+  }
+  return fuse_add_direntry(request, buffer, size, name.c_str(), &shown, next);
+}
+
+// The same with all that a lookup would say, which then counts as one. 0 where there is no such
+// item any more.
+size_t Volume::addEntryPlus(fuse_req_t request, char* buffer, size_t size, OpenDirectory& directory,
+                            size_t index) {
+  const auto next = static_cast<off_t>(index + 1);
+  fuse_entry_param entry = {};
+  if (index < kDots) {
+    entry.attr.st_ino = kUnknownInode;
+    entry.attr.st_mode = S_IFDIR;
+    return fuse_add_direntry_plus(request, buffer, size, index == 0 ? "." : "..", &entry, next);
+  }
+  const std::string& name = directory.names[index - kDots];
+  const size_t needed = fuse_add_direntry_plus(request, nullptr, 0, name.c_str(), nullptr, 0);
+  if (needed > size) return needed;
+  if (checkName(directory.node, name) != 0) return 0;
+  const auto item = itemAt(nodes_.pathOf(directory.node, name));
+  if (!item.has_value()) return 0;
+  Node* const node = nodeFor(directory.node, name, *item);
+  entry = entryFor(node, *item);
+  nodes_.retain(node);
+  return fuse_add_direntry_plus(request, buffer, size, name.c_str(), &entry, next);
+}
+
+void Volume::readdir(fuse_req_t request, size_t size, off_t offset, fuse_file_info* info) {
+  OpenDirectory* const directory = directoryOf(info);
+  if (offset == 0) takeNames(directory);
+  std::vector<char> buffer(size);
+  size_t used = 0;
+  for (auto index = static_cast<size_t>(offset); index < directory->names.size() + kDots; ++index) {
+    const size_t length = addEntry(request, buffer.data() + used, size - used, *directory, index);
+    if (length > size - used) break;
+    used += length;
+  }
+  fuse_reply_buf(request, buffer.data(), used);
+}
+
+void Volume::readdirplus(fuse_req_t request, size_t size, off_t offset, fuse_file_info* info) {
+  OpenDirectory* const directory = directoryOf(info);
+  if (offset == 0) takeNames(directory);
+  std::vector<char> buffer(size);
+  size_t used = 0;
+  for (auto index = static_cast<size_t>(offset); index < directory->names.size() + kDots; ++index) {
+    const size_t length =
+        addEntryPlus(request, buffer.data() + used, size - used, *directory, index);
+    if (length > size - used) break;
+    used += length;
+  }
+  fuse_reply_buf(request, buffer.data(), used);
+}
+
+void Volume::releasedir(fuse_req_t request, fuse_file_info* info) {
+  OpenDirectory* const directory = directoryOf(info);
+  openDirectories_.erase(directory);
+  delete directory;
+  fuse_reply_err(request, 0);
+}
+
+void Volume::mkdir(fuse_req_t request, fuse_ino_t parentNumber, const char* name, mode_t mode) {
+  Node* const parent = nodes_.nodeOf(parentNumber);
+  int code = checkFree(parent, name);
+  if (code == 0) {
+    AttributeChanges attributes;
+    attributes.NSFilePosixPermissions = mode & 07777;
+    PosixError error;
+    const std::string path = nodes_.pathOf(parent, name);
+    const bool made = delegate_->createDirectoryAtPath(path, attributes, &error);
+    if (!made || error.isSet()) code = numberOf(error, EIO);
+  }
+  if (code != 0) {
+    fuse_reply_err(request, code);
+    return;
+  }
+  parentsBecameWritable(parent);
+  replyItemAt(request, parent, name);
+}
+
+int Volume::removeDirectoryAt(const std::string& path) {
+  const auto item = itemAt(path);
+  if (!item.has_value()) return ENOENT;
+  if (!item->isDirectory()) return ENOTDIR;
+  // The delegate removes a directory with its contents: this must be an empty one.
+  if (!delegate_->contentsOfDirectoryAtPath(path, nullptr).empty()) return ENOTEMPTY;
+  return removeAt(path);
+}
+
+void Volume::rmdir(fuse_req_t request, fuse_ino_t parentNumber, const char* name) {
+  Node* const parent = nodes_.nodeOf(parentNumber);
+  int code = checkName(parent, name);
+  if (code == 0) code = removeDirectoryAt(nodes_.pathOf(parent, name));
+  Node* const node = nodes_.find(parent, name);
+  if (code == 0 && node != nullptr) nodes_.detach(node);
+  fuse_reply_err(request, code);
+}
+
+}  // namespace kelvane::userfs
