@@ -48,7 +48,7 @@ enum class UnmountResult {
 /// | truncation to another length of a read-only file | EROFS |
 /// | chmod, chown, times of a read-only file or link | EROFS; success where nothing would change |
 /// | chmod, chown, times of a read-only directory | a new directory that shadows only these |
-/// | chmod, chown of the root | accepted without effect: its folder stays its owner's alone |
+/// | chmod, chown of the root | shown until the unmount; its folder stays as it is |
 /// | chmod of a symbolic link | EOPNOTSUPP |
 /// | unlink of a directory | EISDIR |
 /// | rmdir | the delegate's removal, once the listing is empty; else ENOTEMPTY, ENOTDIR |

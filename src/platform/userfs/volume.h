@@ -125,6 +125,7 @@ class Volume {
   int setItemAttributes(Node* node, AttributeChanges changes);
   int setReadOnlyItemAttributes(Node* node, const Item& item, AttributeChanges changes);
   int shadowDirectory(const std::string& path, const Item& item, AttributeChanges changes);
+  void rememberRootAttributes(AttributeChanges* changes);
   int applyAttributes(const std::string& path, const AttributeChanges& changes);
 
   // Open files (volume_open_files.cpp).
@@ -182,6 +183,7 @@ class Volume {
   uint64_t lastNamelessInode_ = 0;
   uint64_t lastTemporaryName_ = 0;
   timespec mountTime_ = {};
+  AttributeChanges shownOfRoot_;  // Permissions and owners that were set and are only shown.
   std::set<OpenFile*> openFiles_;
   std::set<OpenDirectory*> openDirectories_;
 };

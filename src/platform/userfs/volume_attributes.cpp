@@ -5,6 +5,7 @@
 #include <unistd.h>
 
 #include <cerrno>
+#include <utility>
 
 #include "platform/userfs/volume.h"
 
@@ -80,15 +81,21 @@ int Volume::setItemAttributes(Node* node, AttributeChanges changes) {
   if (!item.has_value()) {
     return node->openFiles == nullptr ? ENOENT : setOpenFileAttributes(*node->openFiles, changes);
   }
-  if (node == nodes_.root()) {
-    // Its folder lies where other users can see it.
-    changes.NSFilePosixPermissions.reset();
-    changes.NSFileOwnerAccountID.reset();
-    changes.NSFileGroupOwnerAccountID.reset();
-  }
+  if (node == nodes_.root()) rememberRootAttributes(&changes);
   if (isEmpty(changes)) return 0;
   if (item->isReadOnly()) return setReadOnlyItemAttributes(node, *item, changes);
   return applyAttributes(path, changes);
+}
+
+// The root's folder lies where other users can see it and stays its owner's alone. The volume shows
+// what was set all the same.
+void Volume::rememberRootAttributes(AttributeChanges* changes) {
+  const auto take = [](auto& from, auto& to) {
+    if (from.has_value()) to = std::exchange(from, std::nullopt);
+  };
+  take(changes->NSFilePosixPermissions, shownOfRoot_.NSFilePosixPermissions);
+  take(changes->NSFileOwnerAccountID, shownOfRoot_.NSFileOwnerAccountID);
+  take(changes->NSFileGroupOwnerAccountID, shownOfRoot_.NSFileGroupOwnerAccountID);
 }
 
 int Volume::applyAttributes(const std::string& path, const AttributeChanges& changes) {

@@ -117,6 +117,12 @@ void Volume::show(Node* node, const Item& item, struct stat* shown) {
   *shown = item.status;
   if (node->inodeNumber == 0) node->inodeNumber = inodeNumberFor(item);
   shown->st_ino = node->inodeNumber;
+  if (node == nodes_.root()) {
+    const mode_t type = shown->st_mode & S_IFMT;
+    shown->st_mode = type | shownOfRoot_.NSFilePosixPermissions.value_or(shown->st_mode & 07777);
+    shown->st_uid = shownOfRoot_.NSFileOwnerAccountID.value_or(shown->st_uid);
+    shown->st_gid = shownOfRoot_.NSFileGroupOwnerAccountID.value_or(shown->st_gid);
+  }
   node->shownOrigin = item.origin;
 }
 
