@@ -325,6 +325,27 @@ TEST_F(IsoMount, ServingProcessHasGivenUpItsRights) {
   }
 }
 
+TEST_F(IsoMount, OfRootIsOpenToEveryUser) {
+  NEEDS_FUSE();
+  if (geteuid() != 0) GTEST_SKIP() << "only root may decide this for itself";
+  writeFile(tree() / "file", "x");
+  build();
+  mustMount();
+  EXPECT_THAT(mountLine(mountPoint()).value_or(""), testing::HasSubstr("allow_other"));
+  fs::permissions(workshop_.path(), fs::perms(0755));
+  EXPECT_EQ(mustRun({"setpriv", "--reuid", "65534", "--regid", "65534", "--clear-groups", "cat",
+                     mountPoint() / "file"}),
+            "x");
+}
+
+TEST_F(IsoMount, WorksUnderLowLimits) {
+  NEEDS_FUSE();
+  writeFile(tree() / "file", std::string(500000, 'x'));
+  build();
+  mustRun({"prlimit", "--nofile=12:12", "--core=0:0", kProgram, "--source", image(), mountPoint()});
+  EXPECT_EQ(readFile(mountPoint() / "file"), std::string(500000, 'x'));
+}
+
 TEST_F(IsoMount, ServingProcessEndsWhenTheVolumeIsUnmounted) {
   NEEDS_FUSE();
   build();

@@ -52,11 +52,13 @@ IsoFileSystem& IsoFileSystem::of(fuse_req_t request) {
 void IsoFileSystem::init(void* self, fuse_conn_info* connection) {
   auto& fileSystem = *static_cast<IsoFileSystem*>(self);
   const unsigned wanted = FUSE_CAP_SPLICE_WRITE | FUSE_CAP_SPLICE_MOVE | FUSE_CAP_CACHE_SYMLINKS |
-                          FUSE_CAP_READDIRPLUS | FUSE_CAP_READDIRPLUS_AUTO |
-                          FUSE_CAP_PARALLEL_DIROPS | FUSE_CAP_ASYNC_READ;
-  connection->want |= wanted & connection->capable;
-  // Nothing is learnt from a data-carrying check of the modification time either.
-  connection->want &= ~static_cast<unsigned>(FUSE_CAP_AUTO_INVAL_DATA | FUSE_CAP_SPLICE_READ);
+                          FUSE_CAP_READDIRPLUS | FUSE_CAP_PARALLEL_DIROPS | FUSE_CAP_ASYNC_READ;
+  // Every listing carries the attributes: looking at 100,000 listed files then takes a third of the
+  // time. The kernel's own choice (READDIRPLUS_AUTO) sends one request a file. Nor need it look
+  // whether files have changed.
+  const unsigned unwanted =
+      FUSE_CAP_READDIRPLUS_AUTO | FUSE_CAP_AUTO_INVAL_DATA | FUSE_CAP_SPLICE_READ;
+  connection->want = (connection->want & ~unwanted) | (wanted & connection->capable);
   fileSystem.openMayBeSkipped_ = (connection->capable & FUSE_CAP_NO_OPEN_SUPPORT) != 0;
   fileSystem.opendirMayBeSkipped_ = (connection->capable & FUSE_CAP_NO_OPENDIR_SUPPORT) != 0;
   fileSystem.whenAnswering_();

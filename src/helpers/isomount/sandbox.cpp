@@ -9,6 +9,7 @@
 #include <sys/syscall.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <cerrno>
 #include <cstring>
 #include <utility>
@@ -57,7 +58,11 @@ bool limitResources(std::string* error) {
 #endif
   };
   for (const auto& [resource, most] : limits) {
-    const rlimit limit = {most, most};
+    rlimit limit = {};
+    if (getrlimit(resource, &limit) != 0) return failed("limits", error);
+    // Whoever started us may have set a lower one, which cannot be raised any more.
+    limit.rlim_max = std::min(limit.rlim_max, most);
+    limit.rlim_cur = std::min(limit.rlim_cur, limit.rlim_max);
     if (setrlimit(resource, &limit) != 0) return failed("limits", error);
   }
   return true;

@@ -67,8 +67,7 @@ void DirectoryTree::index(Directory* directory) {
     nodes_[right].hidden = true;
     return true;
   };
-  const auto [first, last] = std::ranges::unique(sorted, sameName);
-  sorted.erase(first, last);
+  sorted.erase(std::unique(sorted.begin(), sorted.end(), sameName), sorted.end());
 }
 
 void DirectoryTree::hideRelocationDirectory() {
