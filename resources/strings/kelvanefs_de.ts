@@ -266,22 +266,6 @@
         <source>Only one disc can be open at a time on this computer, and another KelvaneFS is at work, perhaps another user’s. Nothing has been changed. Quit the other one first, then start this one again.</source>
         <translation>Auf diesem Rechner kann nur eine Disc zur selben Zeit geöffnet sein, und ein anderes KelvaneFS arbeitet schon, vielleicht das eines anderen Benutzers. Nichts wurde verändert. Beenden Sie zuerst das andere, und starten Sie dieses dann noch einmal.</translation>
     </message>
-    <message id="VolumesFolder">
-        <source>There is no place to show the disc</source>
-        <translation>Es gibt keinen Ort, an dem die Disc gezeigt werden kann</translation>
-    </message>
-    <message id="VolumesFolderLong">
-        <source>The folder in which opened discs appear can neither be found nor made. Nothing on the disc has changed. Make the folder /Volumes so that you can write to it, then open the disc again.</source>
-        <translation>Der Ordner, in dem geöffnete Discs erscheinen, ist nicht vorhanden und kann nicht angelegt werden. Auf der Disc hat sich nichts geändert. Legen Sie den Ordner /Volumes so an, dass Sie darin schreiben dürfen, und öffnen Sie die Disc dann noch einmal.</translation>
-    </message>
-    <message id="DriveNotUsable">
-        <source>The drive cannot be used</source>
-        <translation>Das Laufwerk kann nicht benutzt werden</translation>
-    </message>
-    <message id="DriveNotUsableLong">
-        <source>The drive or disc folder could not be read, so it is left out. Nothing on any disc has changed. Check that it exists and that you may read and write it, then start KelvaneFS again.</source>
-        <translation>Das Laufwerk oder der Disc-Ordner konnte nicht gelesen werden und wird deshalb ausgelassen. Auf keiner Disc hat sich etwas geändert. Prüfen Sie, ob es vorhanden ist und Sie es lesen und beschreiben dürfen, und starten Sie KelvaneFS dann noch einmal.</translation>
-    </message>
     <message id="CreateTrackAbortedWithError">
         <source>The new session could not be prepared</source>
         <translation>Die neue Sitzung konnte nicht vorbereitet werden</translation>
@@ -330,19 +314,7 @@
         <source>Everything on the disc is deleted, in all its sessions. This cannot be undone.</source>
         <translation>Alles auf der Disc wird gelöscht, in allen Sitzungen. Das lässt sich nicht rückgängig machen.</translation>
     </message>
-    <!-- Licence and update check -->
-    <message id="LicenseTitle">
-        <source>Licence Agreement</source>
-        <translation>Lizenzvereinbarung</translation>
-    </message>
-    <message id="LicenseAgree">
-        <source>Agree</source>
-        <translation>Zustimmen</translation>
-    </message>
-    <message id="LicenseDisagree">
-        <source>Disagree and Quit</source>
-        <translation>Ablehnen und beenden</translation>
-    </message>
+    <!-- Update check -->
     <message id="updatecheck">
         <source>A newer version of KelvaneFS is available</source>
         <translation>Es gibt eine neuere Version von KelvaneFS</translation>

@@ -266,22 +266,6 @@
         <source>Only one disc can be open at a time on this computer, and another KelvaneFS is at work, perhaps another user’s. Nothing has been changed. Quit the other one first, then start this one again.</source>
         <translation>Only one disc can be open at a time on this computer, and another KelvaneFS is at work, perhaps another user’s. Nothing has been changed. Quit the other one first, then start this one again.</translation>
     </message>
-    <message id="VolumesFolder">
-        <source>There is no place to show the disc</source>
-        <translation>There is no place to show the disc</translation>
-    </message>
-    <message id="VolumesFolderLong">
-        <source>The folder in which opened discs appear can neither be found nor made. Nothing on the disc has changed. Make the folder /Volumes so that you can write to it, then open the disc again.</source>
-        <translation>The folder in which opened discs appear can neither be found nor made. Nothing on the disc has changed. Make the folder /Volumes so that you can write to it, then open the disc again.</translation>
-    </message>
-    <message id="DriveNotUsable">
-        <source>The drive cannot be used</source>
-        <translation>The drive cannot be used</translation>
-    </message>
-    <message id="DriveNotUsableLong">
-        <source>The drive or disc folder could not be read, so it is left out. Nothing on any disc has changed. Check that it exists and that you may read and write it, then start KelvaneFS again.</source>
-        <translation>The drive or disc folder could not be read, so it is left out. Nothing on any disc has changed. Check that it exists and that you may read and write it, then start KelvaneFS again.</translation>
-    </message>
     <message id="CreateTrackAbortedWithError">
         <source>The new session could not be prepared</source>
         <translation>The new session could not be prepared</translation>
@@ -330,19 +314,7 @@
         <source>Everything on the disc is deleted, in all its sessions. This cannot be undone.</source>
         <translation>Everything on the disc is deleted, in all its sessions. This cannot be undone.</translation>
     </message>
-    <!-- Licence and update check -->
-    <message id="LicenseTitle">
-        <source>Licence Agreement</source>
-        <translation>Licence Agreement</translation>
-    </message>
-    <message id="LicenseAgree">
-        <source>Agree</source>
-        <translation>Agree</translation>
-    </message>
-    <message id="LicenseDisagree">
-        <source>Disagree and Quit</source>
-        <translation>Disagree and Quit</translation>
-    </message>
+    <!-- Update check -->
     <message id="updatecheck">
         <source>A newer version of KelvaneFS is available</source>
         <translation>A newer version of KelvaneFS is available</translation>

@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: GPL-2.0-or-later
 #include "ui/alert_sheet.h"
 
-#include <QCoreApplication>
 #include <QGridLayout>
+#include <QGuiApplication>
 #include <QLabel>
 #include <QMessageBox>
 #include <QSpacerItem>
@@ -62,7 +62,7 @@ QString informativeText(const Alert& alert) {
 }
 
 void setTexts(QMessageBox& box, const Alert& alert) {
-  box.setWindowTitle(QCoreApplication::applicationName());
+  box.setWindowTitle(QGuiApplication::applicationDisplayName());
   box.setTextFormat(Qt::PlainText);
   box.setText(localizedText(alert.messageKey));
   box.setInformativeText(informativeText(alert));

@@ -2,8 +2,8 @@
 #include "ui/confirmation_sheet.h"
 
 #include <QComboBox>
-#include <QCoreApplication>
 #include <QFormLayout>
+#include <QGuiApplication>
 #include <QHBoxLayout>
 #include <QLabel>
 #include <QLineEdit>
@@ -49,7 +49,7 @@ QLabel* makeParagraph(const char* key, QWidget* parent) {
 ConfirmationSheet::ConfirmationSheet(QWidget* parent) : QDialog(parent) {
   setObjectName(QStringLiteral("burnConfirmationPanel"));
   setWindowModality(Qt::WindowModal);
-  setWindowTitle(QCoreApplication::applicationName());
+  setWindowTitle(QGuiApplication::applicationDisplayName());
   auto* question = makeParagraph("BurnConfirmation", this);
   QFont bold = font();
   bold.setBold(true);

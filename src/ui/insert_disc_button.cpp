@@ -14,7 +14,6 @@ InsertDiscButton::InsertDiscButton(QWidget* parent) : RoomyButton(parent) {
   setCaption(localizedText("InsertDisc"));
   setAccessibleDescription(localizedText("InsertDiscLong"));
   setToolTip(localizedText("InsertDiscLong"));
-  hide();
   connect(this, &QPushButton::clicked, this, [this] {
     if (single_) insertDisc(0);
   });
@@ -23,11 +22,11 @@ InsertDiscButton::InsertDiscButton(QWidget* parent) : RoomyButton(parent) {
 void InsertDiscButton::setDiscs(const std::vector<std::string>& names,
                                 std::function<void(size_t index)> insert) {
   insert_ = std::move(insert);
+  hasDiscs_ = !names.empty();
   single_ = names.size() == 1;
   // One of its entries may be what is being carried out.
   if (QMenu* old = menu()) old->deleteLater();
   setMenu(nullptr);
-  setVisible(!names.empty());
   if (names.size() < 2) return;
 
   auto* discs = new QMenu(this);

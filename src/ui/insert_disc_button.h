@@ -10,7 +10,7 @@
 namespace kelvane {
 
 /// The button that puts an ejected disc back into its emulated drive. With one such drive it does
-/// so at once, with several it offers a menu of them; without any it is hidden.
+/// so at once, with several it offers a menu of them.
 class InsertDiscButton : public RoomyButton {
   Q_OBJECT
 
@@ -21,10 +21,13 @@ class InsertDiscButton : public RoomyButton {
   /// the one that was chosen.
   void setDiscs(const std::vector<std::string>& names, std::function<void(size_t index)> insert);
 
+  bool hasDiscs() const { return hasDiscs_; }
+
  private:
   void insertDisc(size_t index);
 
   std::function<void(size_t)> insert_;
+  bool hasDiscs_ = false;
   bool single_ = false;
 };
 

@@ -171,16 +171,20 @@ void MainWindow::applyScale() {
   buttonBar_->setFixedSize(toPixels(kWindowWidth, font()), toPixels(kButtonBarHeight, font()));
 }
 
-// The files can be shown while the disc is open, and a disc that is being burned can be neither
-// opened nor closed.
+// A disc can be inserted while none is open, its files can be shown while it is, and while it is
+// being burned it can be neither opened nor closed.
 void MainWindow::adaptButtons() {
-  showDiskButton_->setVisible(contentArea_->isArriving(ContentView::MountedItem));
-  openButton_->setEnabled(!contentArea_->isArriving(ContentView::Burn));
+  const bool open = contentArea_->isArriving(ContentView::MountedItem);
+  const bool burning = contentArea_->isArriving(ContentView::Burn);
+  insertDiscButton_->setVisible(insertDiscButton_->hasDiscs() && !open && !burning);
+  showDiskButton_->setVisible(open);
+  openButton_->setEnabled(!burning);
 }
 
 void MainWindow::setInsertableDiscs(const std::vector<std::string>& names,
                                     std::function<void(size_t index)> insert) {
   insertDiscButton_->setDiscs(names, std::move(insert));
+  adaptButtons();
 }
 
 void MainWindow::centerWindows() {

@@ -32,6 +32,17 @@ TEST_F(InsertDisc, ButtonIsHiddenWhereThereIsNothingToInsert) {
   EXPECT_FALSE(button()->isVisible());
 }
 
+TEST_F(InsertDisc, ButtonIsAwayWhileADiscIsOpenOrBeingBurned) {
+  offer({"Holiday"});
+  window_.setFrame(ContentView::MountedItem, kInWindow, Movement::Direct);
+  EXPECT_FALSE(button()->isVisible());
+  window_.setFrame(ContentView::MountedItem, kLeftOfWindow, Movement::Direct);
+  window_.setFrame(ContentView::Burn, kInWindow, Movement::Direct);
+  EXPECT_FALSE(button()->isVisible());
+  window_.setFrame(ContentView::Burn, kRightOfWindow, Movement::Direct);
+  EXPECT_TRUE(button()->isVisible());
+}
+
 TEST_F(InsertDisc, SingleDiscIsInsertedByOneClick) {
   offer({"Holiday"});
   click(button());
