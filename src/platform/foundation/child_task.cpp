@@ -151,4 +151,8 @@ void ChildTask::terminate() {
   process_->terminate();
 }
 
+void ChildTask::kill() {
+  process_->kill();
+}
+
 }  // namespace kelvane
