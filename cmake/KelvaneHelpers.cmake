@@ -70,8 +70,6 @@ function(kv_add_test name)
   add_executable(${name} ${ARG_SOURCES})
   target_link_libraries(${name} PRIVATE kv_options ${ARG_LINK} GTest::gmock GTest::gtest_main)
   target_include_directories(${name} PRIVATE ${CMAKE_SOURCE_DIR}/tests)
-  # GoogleTest's matchers and parameter macros are not written for these.
-  target_compile_options(${name} PRIVATE -Wno-null-dereference -Wno-conversion -Wno-sign-conversion)
   target_compile_definitions(${name} PRIVATE
     KELVANE_BIN_DIR="${KELVANE_BIN_DIR}" KELVANE_LIBEXEC_DIR="${KELVANE_LIBEXEC_DIR}"
     KELVANE_SOURCE_DIR="${CMAKE_SOURCE_DIR}")

@@ -31,12 +31,11 @@ void say(std::string_view text, const Values&... values) {
   std::fprintf(stderr, "%s\n", format(text, values...).c_str());
 }
 
-/// An alert as one line: its texts, and the detail where there is one.
+/// An alert as one line: what happened, and why in the words of who knows best.
 std::string asLine(const Alert& alert) {
-  std::string line = localizedString(alert.messageKey);
-  if (!alert.informativeKey.empty()) line += " " + localizedString(alert.informativeKey);
-  if (!alert.detail.empty()) line += " (" + alert.detail + ")";
-  return line;
+  const std::string message = localizedString(alert.messageKey);
+  if (!alert.detail.empty()) return message + ": " + alert.detail;
+  return message + ". " + localizedString(alert.informativeKey);
 }
 
 }  // namespace

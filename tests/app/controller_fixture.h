@@ -13,6 +13,7 @@
 #include "foundation/application_fixture.h"
 #include "media/fake_volume_services.h"
 #include "media/recorded_log.h"
+#include "platform/foundation/main_thread.h"
 #include "volumes/fake_device.h"
 #include "volumes/temporary_prefix.h"
 
