@@ -1,8 +1,11 @@
 // SPDX-License-Identifier: GPL-2.0-or-later
 //
 // burn_starter DISC IMAGE: an application that starts a burn, prints a line once the disc is being
-// written, and then waits to be killed. It ends by itself when the burn has.
+// written, and then waits to be killed, which its parent's end does too.
+#include <sys/prctl.h>
+
 #include <QCoreApplication>
+#include <csignal>
 #include <cstdio>
 
 #include "burn/burn_properties.h"
@@ -22,14 +25,13 @@ void announce(const Notification& notification) {
     std::puts("writing");
     std::fflush(stdout);
   }
-  const bool ended = status->DRStatusStateKey == DRStatusStateDone ||
-                     status->DRStatusStateKey == DRStatusStateFailed;
-  if (ended) QCoreApplication::exit(status->DRStatusStateKey == DRStatusStateDone ? 0 : 1);
+  if (status->DRStatusStateKey == DRStatusStateFailed) QCoreApplication::exit(1);
 }
 
 }  // namespace
 
 int main(int argc, char** argv) {
+  prctl(PR_SET_PDEATHSIG, SIGKILL);
   QCoreApplication application(argc, argv);
   if (argc != 3) return 2;
   DriveRegistry::shared().setRealDrives(DriveRegistry::RealDrives::Excluded);

@@ -37,7 +37,7 @@ TEST_F(DRBurnTest, TheFirstSessionOfABlankDiscBeginsAtBlock0AndLeavesTheDiscOpen
 
 TEST_F(DRBurnTest, EachFurtherSessionBeginsWhereTheDriveSaysAndKeepsTheEarlierOnes) {
   DRDevice* device = addDrive();
-  for (unsigned session = 1; session <= 4; ++session) {
+  for (unsigned session = 1; session <= 3; ++session) {
     const size_t first = nextAddress(device);
     const std::string before = blocksOf(*device->emulatedDisc(), 0, first);
     const std::string image = makeImage("image.iso", (300 + session) * kBlock, session);
@@ -121,8 +121,8 @@ TEST_F(DRBurnTest, GoesOnWithoutTheObjectThatStartedIt) {
   const std::string image = makeImage("image.iso", 300 * kBlock);
   auto burn = makeBurn(device);
   burn->writeLayout(makeTrack(image));
-  ASSERT_TRUE(loop.runUntil(
-      [&burn] { return burn->status().DRStatusStateKey == DRStatusStateTrackWrite; }));
+  ASSERT_TRUE(
+      loop.runUntil([&burn] { return burn->status().DRStatusStateKey != DRStatusStatePreparing; }));
   burn.reset();
   EXPECT_TRUE(device->mediaIsBusy());
   ASSERT_TRUE(loop.runUntil([device] { return !device->mediaIsBusy(); }));

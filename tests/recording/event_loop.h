@@ -14,7 +14,7 @@ class EventLoop {
   /// Turns the loop until `condition` holds. False where it has not come to hold after a time that
   /// is far longer than it can take.
   bool runUntil(const std::function<bool()>& condition) {
-    constexpr std::chrono::seconds kFarTooLong{60};
+    constexpr std::chrono::seconds kFarTooLong{100};
     constexpr std::chrono::milliseconds kLookInterval{5};
     const auto deadline = std::chrono::steady_clock::now() + kFarTooLong;
     QTimer look;
