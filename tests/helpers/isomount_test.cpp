@@ -411,6 +411,13 @@ TEST_F(IsoMount, RefusesWhatItCannotMountInOneLine) {
   EXPECT_FALSE(mountLine(mountPoint()));
 }
 
+TEST_F(IsoMount, PrintsTheVolumesNameInsteadOfMountingIt) {
+  build({"-R", "-J", "-V", "Ein Name"});
+  const RunResult result = run({kProgram, "--source", image(), "--print-volume-id"});
+  EXPECT_EQ(result.status, 0) << result.errors;
+  EXPECT_EQ(result.output, "Ein Name\n");
+}
+
 TEST_F(IsoMount, WrongCommandLineIsToldApart) {
   for (const std::vector<std::string>& options : std::vector<std::vector<std::string>>{
            {}, {"--source", "x"}, {"--source", "x", "--session", "-1", "y"}, {"--unknown"}}) {

@@ -16,6 +16,7 @@
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
+#include <exception>
 #include <memory>
 #include <string>
 
@@ -118,7 +119,7 @@ int run(Request request) {
   return serve(request, *source, *volume, nobody);
 }
 
-int parseAndRun(int argc, char** argv) {
+int parseAndRun(int argc, char** argv) try {
   Request request;
   CLI::App app("Mounts the ISO-9660 volume of one session of a disc, read-only.", "isomount");
   app.add_option("--source", request.source, "disc image or drive")->required();
@@ -140,6 +141,9 @@ int parseAndRun(int argc, char** argv) {
   }
   if (request.fsName.empty()) request.fsName = request.source;
   return run(request);
+} catch (const std::exception& problem) {
+  // Of the libraries below; nothing of ours throws, but memory may run out.
+  return fail(problem.what());
 }
 
 }  // namespace

@@ -57,11 +57,11 @@ char lowerCase(char character) {
 /// Joliet has room for 16 characters, ISO-9660 for 32 but not for every character.
 std::string volumeName(const VolumeDescriptors& descriptors) {
   const std::string plain = descriptors.primary ? descriptors.primary->volumeId : "";
-  std::string joliet = descriptors.joliet ? descriptors.joliet->volumeId : "";
+  const std::string joliet = descriptors.joliet ? descriptors.joliet->volumeId : "";
   const bool plainGoesOn = plain.size() > joliet.size() &&
                            std::ranges::equal(std::string_view(plain).substr(0, joliet.size()),
                                               joliet, {}, lowerCase, lowerCase);
-  std::string name = joliet.empty() || plainGoesOn ? plain : std::move(joliet);
+  std::string name = joliet.empty() || plainGoesOn ? plain : joliet;
   for (char& character : name) {
     const auto code = static_cast<unsigned char>(character);
     if (code < 0x20 || code == 0x7F || code == '/') character = '_';
