@@ -92,6 +92,9 @@ void KVController::ejectMediaOfCurrentDevice() {
   DRDevice* device = currentDevice_;
   if (device == nullptr) return;
   services_.discWillBeEjected(device->bsdName());
+  // Where the disc was still mounted out of sight until now (a closed disc with one track is not
+  // released before the burn), its folder could not be removed earlier.
+  removeIgnoringFailure(paths::hiddenMountFolder());
   device->ejectMedia();
 }
 

@@ -44,11 +44,11 @@ void KVController::burnCD() {
   systemLog("devicename used:%@", deviceName);
   const std::optional<std::string> sessionString = quellbrook::sessionString(device);
   burnImagePath_ = paths::burnImage(tmpDirPath_);
+  quellbrook::unmount(device, *services_.volumes);
   if (!sessionString) {
     imagingFailed("The drive does not say where the next session may begin.");
     return;
   }
-  quellbrook::unmount(device, *services_.volumes);
 
   SessionImageRequest request;
   request.sessionString = *sessionString;

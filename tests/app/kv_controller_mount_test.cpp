@@ -105,6 +105,19 @@ TEST_F(KVControllerMount, AScanWithOneUsableDiscOpensIt) {
   EXPECT_TRUE(window_.has("opened kv0"));
 }
 
+TEST_F(KVControllerMount, AScanKeepsTheSelectionThatStands) {
+  NotingDevice second("kv1", window_);
+  devices_ = {&device_, &second};
+  volumes_.addVisible(paths::volumesDirectory() + "/ONE", "/dev/kv0s0");
+  volumes_.addVisible(paths::volumesDirectory() + "/TWO", "/dev/kv1s0");
+  controller_.performScanForMedia();
+  EXPECT_EQ(window_.mediaController().selectionIndex(), 0u);
+  window_.mediaController().setSelectionIndex(1);
+  controller_.performScanForMedia();
+  EXPECT_EQ(window_.mediaController().selectionIndex(), 1u);
+  EXPECT_EQ(controller_.currentDevice(), nullptr) << "with two usable discs none is opened";
+}
+
 TEST_F(KVControllerMount, UnsupportedAndMissingRowsCannotBeSelected) {
   DeviceRecord loading;
   loading.unsupportedString = "";

@@ -199,8 +199,15 @@ class RoadTest(unittest.TestCase):
             shutil.rmtree(target)
 
     def paths_by_isoinfo(self, disc, start, kind):
-        """The paths of the tree as isoinfo lists them; `kind` is "-R" for Rock Ridge, "-J" for Joliet."""
-        listing = run("isoinfo", "-i", os.path.join(disc, "sectors"), "-T", str(start), kind, "-j", "utf-8", "-f").stdout
+        """The paths of the tree as isoinfo lists them; `kind` is "-R" for Rock Ridge, "-J" for Joliet.
+
+        It gives Rock Ridge names as they are, and knows no UTF-8 for Joliet names: Latin 1 serves those of the tests.
+        """
+        joliet = kind == "-J"
+        command = ["isoinfo", "-i", os.path.join(disc, "sectors"), "-T", str(start), kind, "-f"]
+        result = subprocess.run(command + (["-j", "iso8859-1"] if joliet else []), capture_output=True, check=True,
+                                timeout=LIMIT)
+        listing = result.stdout.decode("latin-1" if joliet else "utf-8")
         return {line.lstrip("/") for line in listing.splitlines() if line.strip("/")}
 
     def assert_last_session_equals(self, disc, shown):
@@ -220,8 +227,8 @@ class RoadTest(unittest.TestCase):
         self.assertEqual(as_shown(self.tree_by_our_mount(disc, start)), shown)
         self.assertEqual(as_shown(self.tree_by_xorriso(disc, start)), shown)
         self.assertEqual(self.paths_by_isoinfo(disc, start, "-R"), set(shown))
-        links = {path for path, entry in shown.items() if entry[0] == "link"}  # Joliet has none.
-        self.assertEqual(self.paths_by_isoinfo(disc, start, "-J"), set(shown) - links)
+        # Joliet has no symbolic links; mkisofs puts an empty file in the place of one.
+        self.assertEqual(self.paths_by_isoinfo(disc, start, "-J"), set(shown))
 
 
 def wait_until(condition, what_is_wrong):

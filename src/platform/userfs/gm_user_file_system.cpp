@@ -3,6 +3,7 @@
 
 #include <fcntl.h>
 #include <pthread.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
 #include <cerrno>
@@ -186,6 +187,10 @@ bool GMUserFileSystem::isAvailable(std::string* reason) {
   if (descriptor < 0) {
     missing = format("The device %@ cannot be opened: %@.", kDevice, std::strerror(errno));
   } else {
+    struct stat status {};
+    if (fstat(descriptor, &status) != 0 || !S_ISCHR(status.st_mode)) {
+      missing = format("%@ is no device: this system has no user-space file systems.", kDevice);
+    }
     close(descriptor);
   }
   if (missing.empty() && geteuid() != 0 && userfs::mountHelperPath().empty()) {
