@@ -9,6 +9,20 @@
 #include <utility>
 
 namespace kelvane {
+namespace {
+
+// QProcess kills its child with itself. One that is to outlive us keeps its object, which goes when
+// the child ends; or never, where we end first.
+void leaveRunning(QProcess* process) {
+  static auto* const leftRunning = new std::vector<QProcess*>;
+  leftRunning->push_back(process);
+  QObject::connect(process, &QProcess::finished, process, [process] {
+    std::erase(*leftRunning, process);
+    process->deleteLater();
+  });
+}
+
+}  // namespace
 
 ChildTask::ChildTask() : process_(std::make_unique<QProcess>()) {
   process_->setStandardInputFile(QProcess::nullDevice());
@@ -18,9 +32,7 @@ ChildTask::~ChildTask() {
   process_->disconnect();
   if (!isRunning()) return;
   if (session_ == Session::OfItsOwn) {
-    // QProcess would kill the child with itself; this child is to outlive us, so its object is left
-    // to the system.
-    static_cast<void>(process_.release());
+    leaveRunning(process_.release());
     return;
   }
   process_->kill();
