@@ -1,9 +1,11 @@
 // SPDX-License-Identifier: GPL-2.0-or-later
 // Several processes at one disc, and processes that are killed.
 #include <signal.h>
+#include <sys/prctl.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include <chrono>
 #include <random>
 #include <thread>
 
@@ -19,6 +21,7 @@ class Sharing : public DriveTest {
   static pid_t inChild(Work work) {
     const auto child = fork();
     if (child != 0) return child;
+    prctl(PR_SET_PDEATHSIG, SIGKILL);
     work();
     _exit(0);
   }
@@ -46,8 +49,9 @@ TEST_F(Sharing, KilledWriterLeavesAConsistentDiscThatCanBeContinued) {
   for (int round = 0; round < 20; ++round) {
     const auto child = inChild([&] { writeForever(); });
     // Killed somewhere in its work; where, does not matter.
-    while (track(1, 0xFF).next < reached + 32) std::this_thread::yield();
-    for (auto spins = random() % 2000; spins > 0; --spins) std::this_thread::yield();
+    const auto wanted = reached + 32 + static_cast<Lba>(random() % 64);
+    while (track(1, 0xFF).next < wanted) std::this_thread::yield();
+    std::this_thread::sleep_for(std::chrono::microseconds(random() % 1000));
     kill(child, SIGKILL);
     waitFor(child);
     const auto next = track(1, 0xFF).next;
@@ -74,7 +78,7 @@ TEST_F(Sharing, KillAtAnyMomentOfClosingAndBlankingLeavesOneOfTheTwoStates) {
         send({0xA1, 1, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0});
       }
     });
-    for (auto spins = 500 + random() % 3000; spins > 0; --spins) std::this_thread::yield();
+    std::this_thread::sleep_for(std::chrono::microseconds(random() % 20000));
     kill(child, SIGKILL);
     waitFor(child);
     ASSERT_EQ(discInformation().sense, kGood) << round;

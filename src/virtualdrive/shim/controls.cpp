@@ -107,6 +107,7 @@ class DriveClaim {
     struct flock lock {};
     lock.l_type = type;
     lock.l_whence = SEEK_SET;
+    lock.l_len = 1;  // the byte after it is the queue for the commands
     return fcntl(descriptor_, F_OFD_SETLK, &lock) == 0 ? 0 : -errno;
   }
   int giveBack() {

@@ -69,6 +69,37 @@ bool replaceFile(const std::filesystem::path& path, std::string_view text) {
   return false;
 }
 
+/// Takes or gives back the place at the head of the queue for the lock: a record lock on a byte of
+/// the lock's file. Whoever waits for the lock stands there, so that a process with one command
+/// after the other cannot go past it, as it would with flock(2) alone.
+void queueFor(const FileDescriptor& lock, short type) {
+  struct flock place {};
+  place.l_type = type;
+  place.l_whence = SEEK_SET;
+  place.l_start = 1;
+  place.l_len = 1;
+  while (fcntl(lock.get(), F_OFD_SETLKW, &place) != 0 && errno == EINTR) {
+  }
+}
+
+/// Waits for the lock and holds it as long as the descriptor is open. No descriptor where that
+/// fails, with errno set.
+FileDescriptor takeTurn(const std::filesystem::path& path) {
+  FileDescriptor lock(open(path.c_str(), O_RDWR | O_CREAT | O_CLOEXEC, 0666));
+  // A disc that may only be read can be looked at too; without a place in the queue then.
+  if (!lock) lock = FileDescriptor(open(path.c_str(), O_RDONLY | O_CLOEXEC));
+  if (!lock) return lock;
+  queueFor(lock, F_WRLCK);
+  int result = 0;
+  do {
+    result = flock(lock.get(), LOCK_EX);
+  } while (result != 0 && errno == EINTR);
+  const int why = errno;
+  queueFor(lock, F_UNLCK);
+  errno = why;
+  return result == 0 ? std::move(lock) : FileDescriptor();
+}
+
 }  // namespace
 
 SignalsBlocked::SignalsBlocked() {
@@ -94,16 +125,8 @@ std::optional<DiscFolder> DiscFolder::lock(const std::filesystem::path& folder,
     *error = quoted(folder) + " is not the folder of a disc.";
     return std::nullopt;
   }
-  FileDescriptor lock(open((folder / "lock").c_str(), O_RDWR | O_CREAT | O_CLOEXEC, 0666));
-  if (!lock) lock = FileDescriptor(open((folder / "lock").c_str(), O_RDONLY | O_CLOEXEC));
-  int result = lock ? 0 : -1;
-  while (result == 0 && flock(lock.get(), LOCK_EX) != 0) {
-    if (errno != EINTR)
-      result = -1;
-    else
-      continue;
-  }
-  if (result != 0) {
+  auto lock = takeTurn(folder / "lock");
+  if (!lock) {
     *error = "The disc " + quoted(folder) + " cannot be locked: " + std::strerror(errno) + ".";
     return std::nullopt;
   }

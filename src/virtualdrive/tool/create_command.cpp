@@ -57,6 +57,7 @@ bool isExisting(const fs::path& path) {
 /// Makes the disc with its first session out of sight and moves it to its place when it is whole.
 int createFilled(const CreateOptions& options, const fs::path& disc, const NewDisc& what) {
   std::string error;
+  const StopSignals stop;
   const Workshop workshop(disc);
   if (!workshop) {
     complain("“" + disc.parent_path().string() + "” cannot be written to: " + std::strerror(errno) +
@@ -65,7 +66,7 @@ int createFilled(const CreateOptions& options, const fs::path& disc, const NewDi
   }
   if (!VirtualDrive::create(workshop.disc(), what, &error)) return complain(error), kFailed;
   const auto drive = VirtualDrive::open(workshop.disc(), &error);
-  if (!drive || !writeFirstSession(*drive, *options.from, labelFor(options), &error)) {
+  if (!drive || !writeFirstSession(*drive, *options.from, labelFor(options), stop, &error)) {
     return complain(error), kFailed;
   }
   if (renameat2(AT_FDCWD, workshop.disc().c_str(), AT_FDCWD, disc.c_str(), RENAME_NOREPLACE) != 0) {

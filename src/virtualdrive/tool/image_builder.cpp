@@ -70,11 +70,11 @@ ImageBuilder::~ImageBuilder() {
   }
 }
 
-ssize_t ImageBuilder::read(std::span<std::uint8_t> buffer, const volatile bool& stop) {
+ssize_t ImageBuilder::read(std::span<std::uint8_t> buffer, const StopSignals& stop) {
   std::size_t have = 0;
   while (have < buffer.size()) {
     const auto count = ::read(image_.get(), buffer.data() + have, buffer.size() - have);
-    if (stop || (count < 0 && errno != EINTR)) return -1;
+    if (stop.stopRequested() || (count < 0 && errno != EINTR)) return -1;
     if (count == 0) break;
     if (count > 0) have += static_cast<std::size_t>(count);
   }

@@ -9,6 +9,7 @@
 #include <string>
 
 #include "virtualdrive/file_descriptor.h"
+#include "virtualdrive/tool/stop_signals.h"
 
 namespace kelvane::virtualdrive::tool {
 
@@ -24,7 +25,7 @@ class ImageBuilder {
 
   /// Fills `buffer` as far as there is image; the bytes read, 0 at the end, -1 on an error or when
   /// a signal wants an end.
-  ssize_t read(std::span<std::uint8_t> buffer, const volatile bool& stop);
+  ssize_t read(std::span<std::uint8_t> buffer, const StopSignals& stop);
 
   /// Waits for the end. False, with a sentence in `error`, unless it went well. What was wrong
   /// stands on stderr.
