@@ -62,7 +62,7 @@ class BadInput(RoadTest):
         with open(os.path.join(disc, "sectors"), "r+b") as file:
             file.seek(16 * SECTOR)
             file.write(bytes(SECTOR))
-        self.refused(disc, ["disc"])
+        self.refused(disc, ["SAMPLE"])
 
     def test_a_full_disc(self):
         # More than the nominal 680 MB are in use; the file is a hole and costs nothing here.

@@ -78,7 +78,9 @@ bool prepareMountPoint(std::string* mountPoint, std::string* error) {
 int serve(const Request& request, isovolume::FileBlockSource& source, isovolume::IsoVolume& volume,
           StartReport& report) {
   IsoFileSystem fileSystem(source, volume, request.start, [&report] { report.ready(); });
-  const auto session = MountSession::mount(fileSystem, request.mountPoint, request.fsName);
+  // What can only be read, and not be continued by mkisofs, is of another type in the mount table.
+  const char* const subtype = volume.hasPrimaryDescriptor() ? "cd9660" : "cd9660-damaged";
+  const auto session = MountSession::mount(fileSystem, request.mountPoint, subtype, request.fsName);
   if (!session) return kFailure;
   report.mounted();
   std::string error;

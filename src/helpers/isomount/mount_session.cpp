@@ -36,8 +36,8 @@ bool otherUsersMayBeAllowed() {
   return false;
 }
 
-std::string mountOptions(const std::string& fsName) {
-  std::string options = "ro,nosuid,nodev,default_permissions,subtype=cd9660,fsname=";
+std::string mountOptions(const std::string& subtype, const std::string& fsName) {
+  std::string options = "ro,nosuid,nodev,default_permissions,subtype=" + subtype + ",fsname=";
   options += escaped(fsName);
   if (otherUsersMayBeAllowed()) options += ",allow_other";
   return options;
@@ -47,10 +47,11 @@ std::string mountOptions(const std::string& fsName) {
 
 std::unique_ptr<MountSession> MountSession::mount(IsoFileSystem& fileSystem,
                                                   const std::string& mountPoint,
+                                                  const std::string& subtype,
                                                   const std::string& fsName) {
   std::string program = "isomount";
   std::string option = "-o";
-  std::string options = mountOptions(fsName);
+  std::string options = mountOptions(subtype, fsName);
   char* words[] = {program.data(), option.data(), options.data()};
   fuse_args arguments = FUSE_ARGS_INIT(3, words);
   fuse_session* session = fuse_session_new(&arguments, &IsoFileSystem::operations(),

@@ -12,13 +12,13 @@ namespace kelvane::isomount {
 /// the process still may.
 class MountSession {
  public:
-  /// Mounts read-only at `mountPoint`, in the mount table as `fsName` with the type fuse.cd9660. As
-  /// root the mount is made directly and every user may read it; else fusermount3 makes it, for the
-  /// user alone unless /etc/fuse.conf says user_allow_other. Null on failure; libfuse and
+  /// Mounts read-only at `mountPoint`, in the mount table as `fsName` with the type fuse.`subtype`.
+  /// As root the mount is made directly and every user may read it; else fusermount3 makes it, for
+  /// the user alone unless /etc/fuse.conf says user_allow_other. Null on failure; libfuse and
   /// fusermount3 have then said why on standard error. `fileSystem` is borrowed.
   static std::unique_ptr<MountSession> mount(IsoFileSystem& fileSystem,
                                              const std::string& mountPoint,
-                                             const std::string& fsName);
+                                             const std::string& subtype, const std::string& fsName);
 
   ~MountSession();
   MountSession(const MountSession&) = delete;

@@ -89,6 +89,7 @@ std::unique_ptr<IsoVolume> IsoVolume::open(BlockSource& source, SessionStart sta
   }
   std::unique_ptr<IsoVolume> volume(new IsoVolume(source, chosen.naming, std::move(chosen.tree)));
   const auto& leading = descriptors->primary ? descriptors->primary : descriptors->joliet;
+  volume->hasPrimaryDescriptor_ = descriptors->primary.has_value();
   volume->volumeSpaceSize_ = leading->volumeSpaceSize;
   volume->volumeId_ = volumeName(*descriptors);
   return volume;

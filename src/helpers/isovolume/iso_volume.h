@@ -112,6 +112,10 @@ class IsoVolume {
   /// In blocks, from the descriptor; of a session that continues others it covers that session
   /// alone.
   [[nodiscard]] std::uint32_t volumeSpaceSize() const { return volumeSpaceSize_; }
+
+  /// Whether the session has its primary volume descriptor (ECMA-119, 8.4). A volume that lost it
+  /// can still be read, through its Joliet tree, but no program can continue it.
+  [[nodiscard]] bool hasPrimaryDescriptor() const { return hasPrimaryDescriptor_; }
   /// The block at which the root directory begins.
   [[nodiscard]] std::uint64_t rootExtent() const;
 
@@ -122,6 +126,7 @@ class IsoVolume {
   Naming naming_;
   std::unique_ptr<DirectoryTree> tree_;
   std::string volumeId_;
+  bool hasPrimaryDescriptor_ = false;
   std::uint32_t volumeSpaceSize_ = 0;
 };
 

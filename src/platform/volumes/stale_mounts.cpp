@@ -22,7 +22,7 @@ bool isOwnMount(const MountTableLine& line, const OwnMountPoints& points) {
     return isUserSpaceType(line.kernelType);
   }
   const std::string folder = points.volumesDirectory + "/";
-  return line.kernelType == "fuse.cd9660" && line.mountedOn.starts_with(folder) &&
+  return line.kernelType.starts_with("fuse.cd9660") && line.mountedOn.starts_with(folder) &&
          line.mountedOn.find('/', folder.size()) == std::string::npos;
 }
 
