@@ -2,7 +2,6 @@
 #include "platform/recording/real_drives.h"
 
 #include <algorithm>
-#include <cctype>
 #include <filesystem>
 #include <system_error>
 #include <utility>
