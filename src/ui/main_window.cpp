@@ -81,6 +81,7 @@ QWidget* MainWindow::makeHeader() {
   QFont bold = headerLine_->font();
   bold.setBold(true);
   headerLine_->setFont(bold);
+  headerLine_->setText(localizedText("headerDisksAvail"));
   auto* row = new QHBoxLayout(headerBackground_);
   row->setContentsMargins(20, 0, 20, 0);
   row->addWidget(headerLine_);

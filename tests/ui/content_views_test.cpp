@@ -181,6 +181,11 @@ TEST_F(ContentViews, OpenButtonDoesNothingWhileTheBurnViewIsInSight) {
   EXPECT_THAT(actions_.calls, ::testing::ElementsAre("mountBurnFS"));
 }
 
+TEST_F(ContentViews, HeaderSpeaksOfTheDiscListUntilItIsToldOtherwise) {
+  EXPECT_EQ(child<QLabel>("headerLineTextField")->text().toStdString(),
+            localizedString("headerDisksAvail"));
+}
+
 TEST_F(ContentViews, TextsReachTheirFields) {
   window_.setHeaderLine("header");
   window_.setMessage("message");
