@@ -13,14 +13,14 @@ namespace kelvane {
 
 /// The list of device records that the disc table shows, and which of them is selected.
 ///
-/// Changed on the main thread only. `selectedObjects` may be called from any thread, since the mount worker asks for the
-/// selected disc itself.
+/// Changed on the main thread only. `selectedObjects` may be called from any thread, since the
+/// mount worker asks for the selected disc itself.
 class MediaController {
  public:
   const std::vector<DeviceRecord>& arrangedObjects() const { return arrangedObjects_; }
 
-  /// Removes all records. The selection index stays: the list that follows is taken to be of the same drives, unless it
-  /// is too short for it.
+  /// Removes all records. The selection index stays: the list that follows is taken to be of the
+  /// same drives, unless it is too short for it.
   void removeArrangedObjects();
   void addObjects(std::vector<DeviceRecord> records);
 

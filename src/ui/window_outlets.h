@@ -38,16 +38,19 @@ struct Alert {
   std::vector<std::string> buttonKeys;
   std::string messageKey;
   std::string informativeKey;
-  std::string detail;  ///< Not a key: what a drive or program said, for whoever wants to know; may be empty.
+  std::string detail;  ///< Not a key: what a drive or program said, for whoever wants to know; may
+                       ///< be empty.
 };
 
-/// The number with which an alert's end handler hears of the first button; the second is one more, and so on.
+/// The number with which an alert's end handler hears of the first button; the second is one more,
+/// and so on.
 inline constexpr int kAlertFirstButtonReturn = 1000;
 
-/// The controller's one way to the main window and to the application around it, in the vocabulary of the window's outlets.
+/// The controller's one way to the main window and to the application around it, in the vocabulary
+/// of the window's outlets.
 ///
-/// The Qt window implements it, batch mode does without widgets, and tests record it. Main thread only. Nothing here waits
-/// for the user: sheets are opened and return at once.
+/// The Qt window implements it, batch mode does without widgets, and tests record it. Main thread
+/// only. Nothing here waits for the user: sheets are opened and return at once.
 class WindowOutlets {
  public:
   virtual ~WindowOutlets() = default;
@@ -71,7 +74,8 @@ class WindowOutlets {
 
   virtual void setBurnMessage(const std::string& text) = 0;
   virtual ProgressIndicator& burnProgressIndicator() = 0;
-  /// The tag of the selected item of the speed pop-up: 0 the drive's fastest, otherwise the multiple of 1x.
+  /// The tag of the selected item of the speed pop-up: 0 the drive's fastest, otherwise the
+  /// multiple of 1x.
   virtual int32_t burnSpeedTag() = 0;
 
   /// The list that the disc table shows, with its selection.
@@ -84,7 +88,8 @@ class WindowOutlets {
   virtual void endBurnConfirmationSheet() = 0;
   virtual void orderOutBurnConfirmationPanel() = 0;
 
-  /// Opens an alert as a sheet. `didEnd`, where given, hears which button ended it, after the alert has gone.
+  /// Opens an alert as a sheet. `didEnd`, where given, hears which button ended it, after the alert
+  /// has gone.
   virtual void beginAlertSheet(const Alert& alert, std::function<void(int returnCode)> didEnd) = 0;
 
   /// The system beep: an action has been refused.
