@@ -47,7 +47,7 @@ void ChildTask::setArguments(std::vector<std::string> arguments) {
   arguments_ = std::move(arguments);
 }
 
-void ChildTask::setWorkingDirectory(std::string path) {
+void ChildTask::setWorkingDirectory(const std::string& path) {
   process_->setWorkingDirectory(QString::fromStdString(path));
 }
 

@@ -33,7 +33,7 @@ class ChildTask {
 
   void setLaunchPath(std::string path);
   void setArguments(std::vector<std::string> arguments);
-  void setWorkingDirectory(std::string path);
+  void setWorkingDirectory(const std::string& path);
   void setSession(Session session);
   /// Adds one variable to the environment, which otherwise is this process's own.
   void setEnvironmentVariable(const std::string& name, const std::string& value);

@@ -39,7 +39,7 @@ std::string prefix() {
 }
 
 std::string volumesDirectory() {
-  const std::string fixed = prefix() + "/Volumes";
+  std::string fixed = prefix() + "/Volumes";
   if (existsOrCanBeMade(fixed)) return fixed;
   const std::string runtimeFolder = environment("XDG_RUNTIME_DIR");
   if (runtimeFolder.empty()) return fixed;
