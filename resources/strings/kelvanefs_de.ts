@@ -258,14 +258,6 @@
         <source>The writable volume could not be mounted. Nothing on the disc has changed. Check that you may use FUSE and that no other volume lies at the place where KelvaneFS shows its discs, then open the disc again.</source>
         <translation>Das beschreibbare Volume konnte nicht eingehängt werden. Auf der Disc hat sich nichts geändert. Prüfen Sie, ob Sie FUSE benutzen dürfen und ob dort, wo KelvaneFS seine Discs zeigt, kein anderes Volume liegt, und öffnen Sie die Disc dann noch einmal.</translation>
     </message>
-    <message id="AlreadyRunning">
-        <source>KelvaneFS is already running</source>
-        <translation>KelvaneFS läuft bereits</translation>
-    </message>
-    <message id="AlreadyRunningLong">
-        <source>Only one disc can be open at a time on this computer, and another KelvaneFS is at work, perhaps another user’s. Nothing has been changed. Quit the other one first, then start this one again.</source>
-        <translation>Auf diesem Rechner kann nur eine Disc zur selben Zeit geöffnet sein, und ein anderes KelvaneFS arbeitet schon, vielleicht das eines anderen Benutzers. Nichts wurde verändert. Beenden Sie zuerst das andere, und starten Sie dieses dann noch einmal.</translation>
-    </message>
     <message id="CreateTrackAbortedWithError">
         <source>The new session could not be prepared</source>
         <translation>Die neue Sitzung konnte nicht vorbereitet werden</translation>

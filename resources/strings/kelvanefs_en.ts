@@ -258,14 +258,6 @@
         <source>The writable volume could not be mounted. Nothing on the disc has changed. Check that you may use FUSE and that no other volume lies at the place where KelvaneFS shows its discs, then open the disc again.</source>
         <translation>The writable volume could not be mounted. Nothing on the disc has changed. Check that you may use FUSE and that no other volume lies at the place where KelvaneFS shows its discs, then open the disc again.</translation>
     </message>
-    <message id="AlreadyRunning">
-        <source>KelvaneFS is already running</source>
-        <translation>KelvaneFS is already running</translation>
-    </message>
-    <message id="AlreadyRunningLong">
-        <source>Only one disc can be open at a time on this computer, and another KelvaneFS is at work, perhaps another user’s. Nothing has been changed. Quit the other one first, then start this one again.</source>
-        <translation>Only one disc can be open at a time on this computer, and another KelvaneFS is at work, perhaps another user’s. Nothing has been changed. Quit the other one first, then start this one again.</translation>
-    </message>
     <message id="CreateTrackAbortedWithError">
         <source>The new session could not be prepared</source>
         <translation>The new session could not be prepared</translation>

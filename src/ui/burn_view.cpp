@@ -9,6 +9,7 @@
 #include "platform/foundation/strings_table.h"
 #include "ui/burn_progress_bar.h"
 #include "ui/view_parts.h"
+#include "ui/window_metrics.h"
 
 namespace kelvane {
 
@@ -28,7 +29,7 @@ KVBurnView::KVBurnView(QWidget* parent) : QWidget(parent) {
   line->addWidget(percentField_);
 
   auto* layout = new QVBoxLayout(this);
-  layout->setContentsMargins(20, 0, 20, 0);
+  layout->setContentsMargins(kSideMargin, 0, kSideMargin, 0);
   layout->setSpacing(8);
   layout->addStretch();
   layout->addLayout(line);

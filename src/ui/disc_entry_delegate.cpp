@@ -15,8 +15,7 @@ namespace {
 // In points. Two entries fill the content area.
 constexpr double kRowHeight = 43;
 constexpr double kIconSize = 32;
-constexpr double kIconMargin = 10;
-constexpr double kTextLeft = 52;
+constexpr double kTextLeft = 58;
 constexpr double kTextRightMargin = 10;
 
 void drawFocus(QPainter& painter, const QRect& row) {
@@ -36,7 +35,7 @@ void DiscEntryDelegate::paint(QPainter* painter, const QStyleOptionViewItem& opt
 
   painter->save();
   if (selected) painter->fillRect(row, display_colors::kSelection);
-  const QRectF icon(row.x() + kIconMargin * scale, row.center().y() - kIconSize * scale / 2,
+  const QRectF icon(row.x() + kSideMargin * scale, row.center().y() - kIconSize * scale / 2,
                     kIconSize * scale, kIconSize * scale);
   index.data(Qt::DecorationRole).value<QIcon>().paint(painter, icon.toAlignedRect());
 

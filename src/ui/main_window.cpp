@@ -83,7 +83,7 @@ QWidget* MainWindow::makeHeader() {
   headerLine_->setFont(bold);
   headerLine_->setText(localizedText("headerDisksAvail"));
   auto* row = new QHBoxLayout(headerBackground_);
-  row->setContentsMargins(20, 0, 20, 0);
+  row->setContentsMargins(kSideMargin, 0, kSideMargin, 0);
   row->addWidget(headerLine_);
   return headerBackground_;
 }
@@ -112,7 +112,7 @@ QWidget* MainWindow::makeButtonBar() {
   openButton_ = new RoomyButton(buttonBar_);
   openButton_->setObjectName(QStringLiteral("openButton"));
   auto* row = new QHBoxLayout(buttonBar_);
-  row->setContentsMargins(12, 0, 12, 0);
+  row->setContentsMargins(kSideMargin, 0, kSideMargin, 0);
   row->addWidget(insertDiscButton_);
   row->addWidget(showDiskButton_);
   row->addStretch();

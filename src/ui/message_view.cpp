@@ -5,6 +5,7 @@
 #include <QLabel>
 
 #include "ui/view_parts.h"
+#include "ui/window_metrics.h"
 
 namespace kelvane {
 
@@ -15,7 +16,7 @@ MessageView::MessageView(QWidget* parent) : QWidget(parent) {
   messageTextField_->setWordWrap(true);
 
   auto* layout = new QHBoxLayout(this);
-  layout->setContentsMargins(20, 0, 20, 0);
+  layout->setContentsMargins(kSideMargin, 0, kSideMargin, 0);
   layout->setSpacing(16);
   layout->addWidget(picture);
   layout->addWidget(messageTextField_, 1);

@@ -8,6 +8,7 @@
 #include "ui/display_colors.h"
 #include "ui/elided_label.h"
 #include "ui/view_parts.h"
+#include "ui/window_metrics.h"
 
 namespace kelvane {
 namespace {
@@ -48,7 +49,7 @@ MountedItemView::MountedItemView(QWidget* parent) : QWidget(parent) {
   lines->addStretch();
 
   auto* layout = new QHBoxLayout(this);
-  layout->setContentsMargins(20, 0, 20, 0);
+  layout->setContentsMargins(kSideMargin, 0, kSideMargin, 0);
   layout->setSpacing(16);
   layout->addWidget(makeDiscPicture(Shade::Full, this));
   layout->addLayout(lines, 1);
