@@ -7,6 +7,7 @@
 
 #include "platform/foundation/main_thread.h"
 #include "platform/recording/dr_device.h"
+#include "platform/recording/dr_notification_center.h"
 #include "platform/userfs/gm_user_file_system.h"
 
 namespace kelvane {
@@ -30,6 +31,7 @@ WindowSession::WindowSession(std::unique_ptr<ApplicationCore> core)
 
 WindowSession::~WindowSession() {
   NotificationCenter::defaultCenter().removeObserver(this);
+  DRNotificationCenter::currentRunLoopCenter().removeObserver(this);
   window_.setActions(nullptr);
 }
 
@@ -67,22 +69,29 @@ void WindowSession::quit() {
 }
 
 void WindowSession::wireEmulatedDrives() {
-  std::vector<DRDevice*> drives;
+  DRNotificationCenter::currentRunLoopCenter().addObserver(
+      this, [this](const Notification&) { offerEjectedDiscs(); }, DRDeviceStatusChangedNotification,
+      nullptr);
+}
+
+void WindowSession::offerEjectedDiscs() {
+  std::vector<DRDevice*> emptyDrives;
   std::vector<std::string> names;
   for (DRDevice* device : DRDevice::devices()) {
     const auto disc = device->emulatedDisc();
-    if (!disc) continue;
-    drives.push_back(device);
+    if (!disc || !device->isValid() || device->mediaIsPresent()) continue;
+    emptyDrives.push_back(device);
     names.push_back(std::filesystem::path(*disc).stem().string());
   }
-  window_.setInsertableDiscs(names, [drives](size_t index) { drives[index]->loadMedia(); });
+  window_.setInsertableDiscs(names,
+                             [emptyDrives](size_t index) { emptyDrives[index]->loadMedia(); });
 }
 
 void WindowSession::mountFailed(const std::string& reason) {
   Alert alert;
   alert.buttonKeys = {"OK"};
-  alert.messageKey = "Unmountfailed";
-  alert.informativeKey = "Unmountfailedlong";
+  alert.messageKey = "MountFailed";
+  alert.informativeKey = "MountFailedLong";
   alert.detail = reason;
   window_.beginAlertSheet(alert, nullptr);
 }

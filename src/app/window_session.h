@@ -25,6 +25,8 @@ class WindowSession {
  private:
   void wireQuitting();
   void wireEmulatedDrives();
+  /// Offers to put the discs of empty emulated drives back.
+  void offerEjectedDiscs();
   void quitRequested();
   void quit();
   void mountFailed(const std::string& reason);
