@@ -12,10 +12,10 @@ namespace {
 constexpr unsigned long kBlock = 2048;
 
 // What the kernel may do for us, where it can.
-constexpr unsigned kWanted =
-    FUSE_CAP_ASYNC_READ | FUSE_CAP_ATOMIC_O_TRUNC | FUSE_CAP_SPLICE_WRITE | FUSE_CAP_SPLICE_MOVE |
-    FUSE_CAP_READDIRPLUS | FUSE_CAP_READDIRPLUS_AUTO | FUSE_CAP_ASYNC_DIO |
-    FUSE_CAP_PARALLEL_DIROPS | FUSE_CAP_CACHE_SYMLINKS | FUSE_CAP_EXPLICIT_INVAL_DATA;
+constexpr unsigned kWanted = FUSE_CAP_ASYNC_READ | FUSE_CAP_ATOMIC_O_TRUNC | FUSE_CAP_SPLICE_WRITE |
+                             FUSE_CAP_SPLICE_MOVE | FUSE_CAP_READDIRPLUS | FUSE_CAP_ASYNC_DIO |
+                             FUSE_CAP_PARALLEL_DIROPS | FUSE_CAP_CACHE_SYMLINKS |
+                             FUSE_CAP_EXPLICIT_INVAL_DATA;
 
 }  // namespace
 

@@ -84,7 +84,6 @@ class Volume {
   void lseek(fuse_req_t request, off_t offset, int whence, fuse_file_info* info);
 
   void opendir(fuse_req_t request, fuse_ino_t number, fuse_file_info* info);
-  void readdir(fuse_req_t request, size_t size, off_t offset, fuse_file_info* info);
   void readdirplus(fuse_req_t request, size_t size, off_t offset, fuse_file_info* info);
   void releasedir(fuse_req_t request, fuse_file_info* info);
   void mkdir(fuse_req_t request, fuse_ino_t parent, const char* name, mode_t mode);
@@ -141,8 +140,6 @@ class Volume {
   void takeNames(OpenDirectory* directory);
   size_t addEntry(fuse_req_t request, char* buffer, size_t size, OpenDirectory& directory,
                   size_t index);
-  size_t addEntryPlus(fuse_req_t request, char* buffer, size_t size, OpenDirectory& directory,
-                      size_t index);
   int removeDirectoryAt(const std::string& path);
 
   // Links (volume_links.cpp).

@@ -38,29 +38,10 @@ void Volume::takeNames(OpenDirectory* directory) {
   directory->names = delegate_->contentsOfDirectoryAtPath(nodes_.pathOf(directory->node), nullptr);
 }
 
-// Adds the entry of that index; returns its length, or more than `size` where it does not fit.
+// Adds the entry of that index with all that a lookup would say, and as which it counts. Returns
+// its length, or more than `size` where it does not fit; 0 where there is no such item any more.
 size_t Volume::addEntry(fuse_req_t request, char* buffer, size_t size, OpenDirectory& directory,
                         size_t index) {
-  struct stat shown = {};
-  shown.st_ino = kUnknownInode;
-  const auto next = static_cast<off_t>(index + 1);
-  if (index < kDots) {
-    shown.st_mode = S_IFDIR;
-    return fuse_add_direntry(request, buffer, size, index == 0 ? "." : "..", &shown, next);
-  }
-  const std::string& name = directory.names[index - kDots];
-  const Node* const known = nodes_.find(directory.node, name);
-  if (known != nullptr && known->inodeNumber != 0) {
-    shown.st_ino = known->inodeNumber;
-    shown.st_mode = known->type;
-  }
-  return fuse_add_direntry(request, buffer, size, name.c_str(), &shown, next);
-}
-
-// The same with all that a lookup would say, which then counts as one. 0 where there is no such
-// item any more.
-size_t Volume::addEntryPlus(fuse_req_t request, char* buffer, size_t size, OpenDirectory& directory,
-                            size_t index) {
   const auto next = static_cast<off_t>(index + 1);
   fuse_entry_param entry = {};
   if (index < kDots) {
@@ -80,27 +61,15 @@ size_t Volume::addEntryPlus(fuse_req_t request, char* buffer, size_t size, OpenD
   return fuse_add_direntry_plus(request, buffer, size, name.c_str(), &entry, next);
 }
 
-void Volume::readdir(fuse_req_t request, size_t size, off_t offset, fuse_file_info* info) {
-  OpenDirectory* const directory = directoryOf(info);
-  if (offset == 0) takeNames(directory);
-  std::vector<char> buffer(size);
-  size_t used = 0;
-  for (auto index = static_cast<size_t>(offset); index < directory->names.size() + kDots; ++index) {
-    const size_t length = addEntry(request, buffer.data() + used, size - used, *directory, index);
-    if (length > size - used) break;
-    used += length;
-  }
-  fuse_reply_buf(request, buffer.data(), used);
-}
-
+// The only way in which the kernel reads directories here: programs that list one mostly ask for
+// the attributes next, and one request then serves a page of items.
 void Volume::readdirplus(fuse_req_t request, size_t size, off_t offset, fuse_file_info* info) {
   OpenDirectory* const directory = directoryOf(info);
   if (offset == 0) takeNames(directory);
   std::vector<char> buffer(size);
   size_t used = 0;
   for (auto index = static_cast<size_t>(offset); index < directory->names.size() + kDots; ++index) {
-    const size_t length =
-        addEntryPlus(request, buffer.data() + used, size - used, *directory, index);
+    const size_t length = addEntry(request, buffer.data() + used, size - used, *directory, index);
     if (length > size - used) break;
     used += length;
   }

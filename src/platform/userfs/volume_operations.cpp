@@ -123,10 +123,6 @@ void addDirectories(fuse_lowlevel_ops& table) {
   table.opendir = [](fuse_req_t request, fuse_ino_t number, fuse_file_info* info) {
     volumeOf(request).opendir(request, number, info);
   };
-  table.readdir = [](fuse_req_t request, fuse_ino_t /*number*/, size_t size, off_t offset,
-                     fuse_file_info* info) {
-    volumeOf(request).readdir(request, size, offset, info);
-  };
   table.readdirplus = [](fuse_req_t request, fuse_ino_t /*number*/, size_t size, off_t offset,
                          fuse_file_info* info) {
     volumeOf(request).readdirplus(request, size, offset, info);
