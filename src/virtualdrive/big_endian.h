@@ -36,12 +36,11 @@ class AnswerBytes {
     return *this;
   }
   AnswerBytes& bytes(std::span<const std::uint8_t> more) {
-    bytes_.insert(bytes_.end(), more.begin(), more.end());
+    for (const auto byte : more) bytes_.push_back(byte);
     return *this;
   }
   AnswerBytes& bytes(std::initializer_list<std::uint8_t> more) {
-    bytes_.insert(bytes_.end(), more);
-    return *this;
+    return bytes(std::span(more.begin(), more.size()));
   }
   /// Exactly `width` characters, filled up with spaces.
   AnswerBytes& text(std::string_view characters, std::size_t width) {

@@ -56,7 +56,7 @@ std::optional<AnswerBytes> multiSessionInformation(const DiscState& disc, bool a
   AnswerBytes bytes;
   bytes.u16(10).u8(1).u8(static_cast<unsigned>(last.number));
   bytes.u8(0).u8(kDataTrack).u8(static_cast<unsigned>(last.firstTrack)).u8(0);
-  putAddress(bytes, disc.trackNumbered(last.firstTrack)->start, asTime);
+  putAddress(bytes, disc.track(last.firstTrack).start, asTime);
   return bytes;
 }
 
@@ -72,7 +72,7 @@ class FullToc {
     add(number, kDataTrack, 0xA1, {}, 0, {static_cast<std::uint8_t>(session.lastTrack), 0, 0});
     add(number, kDataTrack, 0xA2, {}, 0, leadOut);
     for (int i = session.firstTrack; i <= session.lastTrack; ++i) {
-      add(number, kDataTrack, static_cast<unsigned>(i), {}, 0, toMsf(disc.trackNumbered(i)->start));
+      add(number, kDataTrack, static_cast<unsigned>(i), {}, 0, toMsf(disc.track(i).start));
     }
     addPointers(disc, session);
     bytes_.patch8(3, number);

@@ -59,9 +59,8 @@ int readTocEntry(const ShownDrive& shown, cdrom_tocentry* entry) {
   entry->cdte_adr = 1;
   entry->cdte_ctrl = CDROM_DATA_TRACK;
   entry->cdte_datamode = 1;
-  putAddress(
-      &entry->cdte_addr, entry->cdte_format,
-      leadOut ? disc->sessions.back().leadOut : disc->trackNumbered(entry->cdte_track)->start);
+  putAddress(&entry->cdte_addr, entry->cdte_format,
+             leadOut ? disc->sessions.back().leadOut : disc->track(entry->cdte_track).start);
   return 0;
 }
 
@@ -69,9 +68,9 @@ int lastSession(const ShownDrive& shown, cdrom_multisession* session) {
   std::string error;
   const auto disc = shown.drive().inspect(&error);
   if (!disc || disc->sessions.empty()) return -EIO;
-  const auto* track = disc->trackNumbered(disc->sessions.back().firstTrack);
+  const auto& track = disc->track(disc->sessions.back().firstTrack);
   session->xa_flag = disc->sessions.size() > 1 ? 1 : 0;
-  putAddress(&session->addr, session->addr_format, track->start);
+  putAddress(&session->addr, session->addr_format, track.start);
   return 0;
 }
 

@@ -45,8 +45,8 @@ std::string contradictionInSessions(const DiscState& disc) {
       return name + " has no tracks that can be";
     }
     for (int number = session.firstTrack; number <= session.lastTrack; ++number) {
-      const auto* track = disc.trackNumbered(number);
-      if (track->session != session.number || !track->complete) {
+      const auto& track = disc.track(number);
+      if (track.session != session.number || !track.complete) {
         return name + " is closed but its " + named("track", number) + " is not";
       }
     }

@@ -84,6 +84,9 @@ struct DiscState {
   bool openSessionHasTracks() const {
     return !tracks.empty() && tracks.back().session == openSession();
   }
+  /// A track that is known to be there, as those of a session are.
+  const Track& track(int number) const { return tracks[static_cast<std::size_t>(number - 1)]; }
+  /// Null where there is no such track.
   const Track* trackNumbered(int number) const {
     if (number < 1 || number > static_cast<int>(tracks.size())) return nullptr;
     return &tracks[static_cast<std::size_t>(number - 1)];

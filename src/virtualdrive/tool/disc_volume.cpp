@@ -20,7 +20,7 @@ std::optional<Lba> sessionStart(const DiscState& disc, std::optional<int> sessio
     return std::nullopt;
   }
   const auto& chosen = disc.sessions[static_cast<std::size_t>(wanted - 1)];
-  return disc.trackNumbered(chosen.firstTrack)->start;
+  return disc.track(chosen.firstTrack).start;
 }
 
 }  // namespace
