@@ -20,7 +20,7 @@ std::vector<std::string> BurnFSDelegate::contentsOfDirectoryAtPath(const std::st
                                                                    PosixError* /*error*/) {
   std::vector<std::string> names;
   std::unordered_set<std::string> listed;
-  if (mountPath.has_value()) {
+  if (mountPath.has_value() && !isCutOff(path + "/")) {
     for (std::string& name : fm.contentsOfDirectory(discPath(path))) {
       if (hideArray.contains(paths::appendPathComponent(path, name))) continue;
       listed.insert(name);
@@ -35,20 +35,18 @@ std::vector<std::string> BurnFSDelegate::contentsOfDirectoryAtPath(const std::st
 
 std::optional<ItemAttributes> BurnFSDelegate::attributesOfItemAtPath(const std::string& path,
                                                                      UserData* /*userData*/,
-                                                                     PosixError* error) {
+                                                                     PosixError* /*error*/) {
   if (path.starts_with("/.Trashes")) return ItemAttributes{};
   if (hideArray.contains(path)) return std::nullopt;
-  PosixError overlayError;
-  if (const auto status = fm.attributesOfItem(overlayPath(path), &overlayError)) {
+  if (const auto status = fm.attributesOfItem(overlayPath(path))) {
     return ItemAttributes{*status, ItemOrigin::Writable};
   }
-  if (mountPath.has_value()) {
+  if (mountPath.has_value() && !isCutOff(path)) {
     if (auto status = fm.attributesOfItem(discPath(path))) {
       status->st_mode |= kReadAndWriteForAll;
       return ItemAttributes{*status, ItemOrigin::ReadOnly};
     }
   }
-  (void)error;
   return std::nullopt;
 }
 

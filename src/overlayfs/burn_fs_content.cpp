@@ -25,7 +25,7 @@ bool BurnFSDelegate::openFileAtPath(const std::string& path, int /*mode*/,
     *userData = LocalFileHandle::forUpdating(overlayPath(path), error);
     return *userData != nullptr;
   }
-  if (mountPath.has_value() && fm.attributesOfItem(discPath(path)).has_value()) {
+  if (discHasItem(path)) {
     *userData = LocalFileHandle::forReading(discPath(path), error);
     return *userData != nullptr;
   }

@@ -59,6 +59,33 @@ std::string BurnFSDelegate::discPath(std::string_view volumePath) const {
   return paths::appendPathComponent(*mountPath, volumePath);
 }
 
+// Whether the disc has the item: a final link is not followed, nor one above that a directory of
+// the overlay shadows.
+bool BurnFSDelegate::discHasItem(const std::string& volumePath) const {
+  return mountPath.has_value() && !isCutOff(volumePath) &&
+         fm.attributesOfItem(discPath(volumePath)).has_value();
+}
+
+// Whether one of the directories above the item stands in the place of a link of the disc. The
+// disc's path of the item would lead through the link, out of the disc perhaps.
+bool BurnFSDelegate::isCutOff(std::string_view volumePath) const {
+  if (shadowedLinks_.empty()) return false;
+  for (size_t slash = volumePath.rfind('/'); slash != 0 && slash != std::string_view::npos;
+       slash = volumePath.rfind('/', slash - 1)) {
+    if (shadowedLinks_.contains(std::string(volumePath.substr(0, slash)))) return true;
+  }
+  return false;
+}
+
+// Called for a path where the overlay has got an item.
+void BurnFSDelegate::cutOffDiscLink(const std::string& volumePath) {
+  if (!mountPath.has_value()) return;
+  const auto onDisc = fm.attributesOfItem(discPath(volumePath));
+  if (!onDisc.has_value() || !S_ISLNK(onDisc->st_mode)) return;
+  const auto inOverlay = fm.attributesOfItem(overlayPath(volumePath));
+  if (inOverlay.has_value() && S_ISDIR(inOverlay->st_mode)) shadowedLinks_.insert(volumePath);
+}
+
 int64_t BurnFSDelegate::freeOverlaySpace() const {
   return totalbytes - usedbytes - localusedbytes_;
 }

@@ -7,6 +7,7 @@
 #include <optional>
 #include <string>
 #include <string_view>
+#include <unordered_set>
 #include <vector>
 
 #include "overlayfs/hide_list.h"
@@ -116,6 +117,9 @@ class BurnFSDelegate final : public GMUserFileSystemDelegate {
  private:
   std::string overlayPath(std::string_view volumePath) const;
   std::string discPath(std::string_view volumePath) const;  // Only where mountPath is set.
+  bool discHasItem(const std::string& volumePath) const;
+  bool isCutOff(std::string_view volumePath) const;
+  void cutOffDiscLink(const std::string& volumePath);
   int64_t freeOverlaySpace() const;
   bool hasSpace() const;
   void makeOverlayParent(const std::string& volumePath);
@@ -129,6 +133,9 @@ class BurnFSDelegate final : public GMUserFileSystemDelegate {
   std::optional<std::string> mountPath;
   LocalFileManager fm;
   HideList hideArray;
+  // Where a directory of the overlay shadows a link of the disc: what the link leads to is not in
+  // it.
+  std::unordered_set<std::string> shadowedLinks_;
   int64_t totalbytes = 0;
   int64_t usedbytes = 0;
   std::atomic<int64_t> localusedbytes_ = 0;  // Written on the file system's thread only.

@@ -38,7 +38,7 @@ std::optional<std::string> BurnFSDelegate::destinationOfSymbolicLinkAtPath(const
   std::optional<std::string> text;
   if (fm.attributesOfItem(overlayPath(path)).has_value()) {
     text = fm.destinationOfSymbolicLink(overlayPath(path));
-  } else if (mountPath.has_value()) {
+  } else if (discHasItem(path)) {
     text = fm.destinationOfSymbolicLink(discPath(path));
   }
   if (!text.has_value()) return std::nullopt;

@@ -26,7 +26,9 @@ void BurnFSDelegate::makeOverlayParent(const std::string& volumePath) {
 bool BurnFSDelegate::createDirectoryAtPath(const std::string& path,
                                            const AttributeChanges& attributes, PosixError* error) {
   hideArray.remove(path);
-  return fm.createDirectory(overlayPath(path), attributes, error);
+  const bool made = fm.createDirectory(overlayPath(path), attributes, error);
+  cutOffDiscLink(path);
+  return made;
 }
 
 bool BurnFSDelegate::createFileAtPath(const std::string& path, const AttributeChanges& attributes,
@@ -58,9 +60,10 @@ bool BurnFSDelegate::moveItemAtPath(const std::string& source, const std::string
       return true;  // With the error set: what calls looks at it.
     }
     hideArray.remove(destination);
+    cutOffDiscLink(destination);
     return true;
   }
-  if (!mountPath.has_value() || !fm.fileExists(discPath(source))) return false;
+  if (!discHasItem(source) || !fm.fileExists(discPath(source))) return false;
   return copyUp(source, destination);
 }
 
@@ -70,6 +73,7 @@ bool BurnFSDelegate::copyUp(const std::string& source, const std::string& destin
   if (!fm.copyItem(discPath(source), copy)) return false;
   removeItemAtPath(source, nullptr);
   hideArray.remove(destination);
+  cutOffDiscLink(destination);
   widenPermissions(copy);
   return true;
 }
@@ -87,20 +91,17 @@ void BurnFSDelegate::widenPermissions(const std::string& overlayItem) {
 }
 
 bool BurnFSDelegate::removeItemAtPath(const std::string& path, PosixError* /*error*/) {
-  const auto hasDiscItem = [&] {
-    return mountPath.has_value() && fm.attributesOfItem(discPath(path)).has_value();
-  };
   if (const auto status = fm.attributesOfItem(overlayPath(path))) {
     if (!fm.removeItem(overlayPath(path))) {
       systemLog("Error removing tmp file for %@", path);
       return false;
     }
     localusedbytes_ -= status->st_size;
-    if (hasDiscItem()) hideArray.append(path);
+    if (discHasItem(path)) hideArray.append(path);
     postSizeChanged();
     return true;
   }
-  if (!hasDiscItem()) {
+  if (!discHasItem(path)) {
     systemLog("Error removing item %@. Nowhere to be found.", path);
     return false;
   }

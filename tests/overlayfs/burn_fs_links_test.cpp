@@ -91,6 +91,30 @@ TEST_F(BurnFSLinks, WhatIsNoLinkHasNoText) {
   EXPECT_FALSE(read("/nowhere").has_value());
 }
 
+TEST_F(BurnFSLinks, ADirectoryInThePlaceOfADiscLinkDoesNotShowWhatTheLinkLeadsTo) {
+  mkdir((trees.root() + "/outside").c_str(), 0755);
+  writeFile(trees.root() + "/outside/secret", "secret");
+  trees.addDiscLink("/link", trees.root() + "/outside");
+  trees.addDiscLink("/other", trees.root() + "/outside");
+  makeDelegate();
+  for (const std::string path : {"/link", "/other"}) {
+    ASSERT_TRUE(delegate->removeItemAtPath(path, nullptr));
+  }
+  ASSERT_TRUE(delegate->createDirectoryAtPath("/link", {}, nullptr));
+  ASSERT_TRUE(delegate->createDirectoryAtPath("/made", {}, nullptr));
+  ASSERT_TRUE(delegate->moveItemAtPath("/made", "/other", nullptr));
+  for (const std::string path : {"/link", "/other"}) {
+    EXPECT_TRUE(delegate->contentsOfDirectoryAtPath(path, nullptr).empty());
+    EXPECT_FALSE(isVisible(path + "/secret"));
+    std::unique_ptr<UserData> file;
+    EXPECT_FALSE(delegate->openFileAtPath(path + "/secret", 0, &file, nullptr));
+    EXPECT_FALSE(delegate->moveItemAtPath(path + "/secret", "/stolen", nullptr));
+    EXPECT_FALSE(delegate->removeItemAtPath(path + "/secret", nullptr));
+    create(path + "/secret", "own");
+    EXPECT_TRUE(isVisible(path + "/secret"));
+  }
+}
+
 TEST_F(BurnFSLinks, AttributesAreSetOnTheOverlaysItem) {
   makeDelegate();
   create("/file", "text");

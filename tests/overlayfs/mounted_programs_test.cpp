@@ -148,5 +148,26 @@ TEST_F(MountedPrograms, SqliteKeepsADatabase) {
             "2\nok\n");
 }
 
+TEST_F(MountedPrograms, EightProgramsAtOnceDoNotDisturbEachOther) {
+  const std::string one =
+      "d=$PWD/work$1; mkdir -p $d; for i in $(seq 30); do echo \"$1 $i\" > $d/f$i; mv $d/f$i "
+      "$d/g$i;"
+      " cp docs/one.txt $d/copy$i; ls $d docs >/dev/null; rm $d/copy$i;"
+      " [ \"$(cat $d/g$i)\" = \"$1 $i\" ] || exit 1; done";
+  sh("for n in 1 2 3 4 5 6 7 8; do sh -c '" + one +
+     "' sh $n & pids=\"$pids $!\"; done;"
+     " for p in $pids; do wait $p || exit 1; done");
+  EXPECT_EQ(sh("cat work*/g* | wc -l"), "240\n");
+}
+
+TEST_F(MountedPrograms, EightProgramsRenamingOverOneNameLeaveOneOfTheirFiles) {
+  const std::string one =
+      "for i in $(seq 40); do echo whole > docs/.t$1 && mv -f docs/.t$1 docs/one.txt || exit 1;"
+      " [ \"$(cat docs/one.txt)\" = whole ] || exit 1; done";
+  sh("echo whole > docs/one.txt; for n in 1 2 3 4 5 6 7 8; do sh -c '" + one +
+     "' sh $n & pids=\"$pids $!\"; done; for p in $pids; do wait $p || exit 1; done");
+  EXPECT_EQ(sh("ls -A docs"), "deep\none.txt\ntwo.txt\n");
+}
+
 }  // namespace
 }  // namespace kelvane::tests

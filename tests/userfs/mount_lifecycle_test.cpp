@@ -4,6 +4,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <signal.h>
+#include <sys/resource.h>
 #include <sys/stat.h>
 #include <sys/wait.h>
 #include <unistd.h>
@@ -22,6 +23,27 @@ namespace {
 using testing::ElementsAre;
 using testing::HasSubstr;
 using testing::IsEmpty;
+
+TEST(Availability, SaysWhatIsMissing) {
+  std::string reason;
+  const int device = open("/dev/fuse", O_RDWR | O_CLOEXEC);
+  const bool hasHelper = geteuid() == 0 || !userfs::mountHelperPath().empty();
+  EXPECT_EQ(GMUserFileSystem::isAvailable(&reason), device >= 0 && hasHelper);
+  EXPECT_EQ(reason.empty(), device >= 0 && hasHelper);
+  if (device >= 0) close(device);
+}
+
+TEST(Availability, ADeviceThatCannotBeOpenedIsNamed) {
+  rlimit before = {};
+  ASSERT_EQ(getrlimit(RLIMIT_NOFILE, &before), 0);
+  const rlimit none = {0, before.rlim_max};
+  ASSERT_EQ(setrlimit(RLIMIT_NOFILE, &none), 0);
+  std::string reason;
+  const bool isAvailable = GMUserFileSystem::isAvailable(&reason);
+  ASSERT_EQ(setrlimit(RLIMIT_NOFILE, &before), 0);
+  EXPECT_FALSE(isAvailable);
+  EXPECT_THAT(reason, HasSubstr("/dev/fuse cannot be opened"));
+}
 
 class MountLifecycle : public testing::Test {
  protected:

@@ -36,7 +36,7 @@ void blockAllSignals() {
 /// The part that the thread shares, so that the object may be deleted on that very thread.
 class GMUserFileSystem::Impl {
  public:
-  enum class State { Idle, Mounting, Mounted, Ended };
+  enum class State { Idle, Mounting, Mounted, Ending, Ended };
 
   Impl(GMUserFileSystemDelegate* delegate, const void* object)
       : delegate_(delegate), object_(object) {}
@@ -51,7 +51,6 @@ class GMUserFileSystem::Impl {
   void run(const std::string& path, const std::vector<std::string>& options);
   bool mountAndServe(const std::string& path, const std::vector<std::string>& options,
                      std::string* reason);
-  void setSession(userfs::MountSession* session);
   void setState(State state);
   void post(const char* name, std::any userInfo = {});
   bool isOwnThread() const { return thread_.get_id() == std::this_thread::get_id(); }
@@ -101,20 +100,22 @@ bool GMUserFileSystem::Impl::mountAndServe(const std::string& path,
   userfs::Volume volume(delegate_, parsed, userfs::KernelCaches::NameInvalidation::BestAvailable);
   const auto session = userfs::MountSession::mount(&volume, parsed, path, reason);
   if (session == nullptr) return false;
-  setSession(session.get());
+  {
+    const std::lock_guard lock(mutex_);
+    session_ = session.get();
+  }
   session->serve([this] {
     setState(State::Mounted);
     post(kGMUserFileSystemDidMount);
   });
-  setSession(nullptr);
+  {
+    const std::lock_guard lock(mutex_);
+    session_ = nullptr;
+    state_ = State::Ending;
+  }
   volume.releaseEverything();
   delegate_->willUnmount();
   return true;
-}
-
-void GMUserFileSystem::Impl::setSession(userfs::MountSession* session) {
-  const std::lock_guard lock(mutex_);
-  session_ = session;
 }
 
 void GMUserFileSystem::Impl::setState(State state) {
@@ -137,6 +138,8 @@ UnmountResult GMUserFileSystem::Impl::unmount(userfs::UnmountMode mode) {
     changed_.wait(lock, [this] { return state_ != State::Mounting; });
   }
   if (state_ == State::Idle || state_ == State::Ended) return UnmountResult::NotMounted;
+  // Somebody else may mount at the same path by now.
+  if (state_ == State::Ending) return UnmountResult::Started;
   if (mode == userfs::UnmountMode::Lazily) {
     // The end of the session takes the mount away and cuts off whoever uses it.
     if (session_ != nullptr) session_->stop();

@@ -41,6 +41,7 @@ enum class UnmountResult {
 /// | operation | answer |
 /// |---|---|
 /// | anything on an item that is nowhere | ENOENT |
+/// | an item that lost its name since it was looked up | ESTALE: the kernel looks again |
 /// | name longer than 255 bytes, path of 4096 bytes or more | ENAMETOOLONG |
 /// | create, mkdir, symlink where something stands | EEXIST |
 /// | open with O_TRUNC, truncation to 0, of a read-only file | becomes the creation of a new file |

@@ -23,9 +23,9 @@ namespace kelvane::userfs {
 struct OpenFile {
   Node* node = nullptr;
   std::unique_ptr<UserData> userData;
-  uint64_t contentEpoch =
-      0;  ///< Volume::contentEpoch_ when the user data was last known to be right.
-  OpenFile* next = nullptr;  ///< The node's other open files.
+  uint64_t contentEpoch = 0;  ///< Volume::contentEpoch_ when the user data was last right.
+  OpenFile* next = nullptr;   ///< The node's other open files.
+  bool isKeeper = false;      ///< Ours, so that a replaced item can still be opened.
 };
 
 /// An open directory: its names as they were when the reading began.
@@ -102,6 +102,18 @@ class Volume {
   void removexattr(fuse_req_t request, fuse_ino_t number, const char* name);
 
  private:
+  /// A rename under way.
+  struct Move {
+    Node* parent;
+    std::string name;
+    Node* newParent;
+    std::string newName;
+    std::string from;
+    std::string to;
+    Item source;
+    std::optional<Item> target;
+  };
+
   // Lookup (volume_lookup.cpp).
   std::optional<Item> itemAt(const std::string& path);
   std::optional<Item> namelessItemAt(const std::string& path);
@@ -132,6 +144,8 @@ class Volume {
   int createAt(Node* parent, const std::string& path, mode_t permissions,
                std::unique_ptr<UserData>* userData);
   int emptyReadOnlyFile(Node* node, const Item& item, std::unique_ptr<UserData>* userData);
+  int openReplaced(const Node& node, int flags, std::unique_ptr<UserData>* userData);
+  OpenFile* keepReplaced(const Move& move);
   OpenFile* makeOpenFile(Node* node, std::unique_ptr<UserData> userData);
   void closeOpenFile(OpenFile* file);
   void refresh(OpenFile* file);
@@ -147,16 +161,6 @@ class Volume {
   int removeAt(const std::string& path);
 
   // Renaming (volume_rename.cpp) and what follows it (volume_moved_tree.cpp).
-  struct Move {
-    Node* parent;
-    std::string name;
-    Node* newParent;
-    std::string newName;
-    std::string from;
-    std::string to;
-    Item source;
-    std::optional<Item> target;
-  };
   int checkMove(Move& move, unsigned flags);
   int carryOut(const Move& move);
   int moveAt(const std::string& from, const std::string& to);

@@ -79,7 +79,7 @@ int Volume::setItemAttributes(Node* node, AttributeChanges changes) {
   const std::string path = nodes_.pathOf(node);
   const auto item = nodes_.isLinked(node) ? itemAt(path) : std::nullopt;
   if (!item.has_value()) {
-    return node->openFiles == nullptr ? ENOENT : setOpenFileAttributes(*node->openFiles, changes);
+    return node->openFiles == nullptr ? ESTALE : setOpenFileAttributes(*node->openFiles, changes);
   }
   if (node == nodes_.root()) rememberRootAttributes(&changes);
   if (isEmpty(changes)) return 0;

@@ -45,7 +45,7 @@ void Volume::readlink(fuse_req_t request, fuse_ino_t number) {
   if (text.has_value()) {
     fuse_reply_readlink(request, text->c_str());
   } else {
-    fuse_reply_err(request, numberOf(error, ENOENT));
+    fuse_reply_err(request, numberOf(error, nodes_.isLinked(node) ? ENOENT : ESTALE));
   }
 }
 

@@ -172,14 +172,20 @@ void Volume::lookup(fuse_req_t request, fuse_ino_t parentNumber, const char* nam
 }
 
 void Volume::forget(fuse_ino_t number, uint64_t count) {
-  if (number != FUSE_ROOT_ID) nodes_.forget(nodes_.nodeOf(number), count);
+  if (number == FUSE_ROOT_ID) return;
+  Node* const node = nodes_.nodeOf(number);
+  if (count >= node->lookupCount && node->openFiles != nullptr && node->openFiles->isKeeper) {
+    closeOpenFile(node->openFiles);
+  }
+  nodes_.forget(node, count);
 }
 
 void Volume::getattr(fuse_req_t request, fuse_ino_t number) {
   Node* const node = nodes_.nodeOf(number);
   const auto item = itemOf(node);
   if (!item.has_value()) {
-    fuse_reply_err(request, ENOENT);
+    // For a name that another item has taken, the kernel looks again upon ESTALE.
+    fuse_reply_err(request, nodes_.isLinked(node) ? ENOENT : ESTALE);
     return;
   }
   struct stat shown = {};

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-2.0-or-later
 // What an open file is, and how it follows its item.
 #include <fcntl.h>
+#include <unistd.h>
 
 #include <cerrno>
 
@@ -13,12 +14,30 @@ bool isForWriting(int flags) {
   return (flags & O_ACCMODE) != O_RDONLY;
 }
 
+/// Another descriptor of an open file, for reading.
+class SecondDescriptor final : public UserData {
+ public:
+  explicit SecondDescriptor(int original) : descriptor_(fcntl(original, F_DUPFD_CLOEXEC, 0)) {}
+  ~SecondDescriptor() override {
+    if (descriptor_ >= 0) close(descriptor_);
+  }
+  SecondDescriptor(const SecondDescriptor&) = delete;
+  SecondDescriptor& operator=(const SecondDescriptor&) = delete;
+
+  int fileDescriptor() const override { return descriptor_; }
+  bool isWritable() const override { return false; }
+
+ private:
+  int descriptor_;
+};
+
 }  // namespace
 
 // Opens the node's item with open(2) flags.
 int Volume::openNode(Node* node, int flags, std::unique_ptr<UserData>* userData) {
+  if (!nodes_.isLinked(node)) return openReplaced(*node, flags, userData);
   const std::string path = nodes_.pathOf(node);
-  const auto item = nodes_.isLinked(node) ? itemAt(path) : std::nullopt;
+  const auto item = itemAt(path);
   if (!item.has_value()) return ENOENT;
   const bool truncates = (flags & O_TRUNC) != 0;
   if (item->isReadOnly() && truncates) return emptyReadOnlyFile(node, *item, userData);
@@ -36,6 +55,37 @@ int Volume::openNode(Node* node, int flags, std::unique_ptr<UserData>* userData)
   if (!isForWriting(flags) || (*userData)->isWritable()) return 0;
   delegate_->releaseFileAtPath(path, std::move(*userData));
   return EACCES;
+}
+
+// Opens an item that lost its name between a program's lookup and its open. A reader gets the old
+// item, so that a file which others replace again and again is there at every moment. Everybody
+// else gets ESTALE, upon which the kernel looks the name up again.
+int Volume::openReplaced(const Node& node, int flags, std::unique_ptr<UserData>* userData) {
+  if (isForWriting(flags) || (flags & O_TRUNC) != 0) return ESTALE;
+  for (const OpenFile* file = node.openFiles; file != nullptr; file = file->next) {
+    const int original = file->userData->fileDescriptor();
+    if (original < 0) continue;
+    *userData = std::make_unique<SecondDescriptor>(original);
+    if ((*userData)->fileDescriptor() >= 0) return 0;
+    userData->reset();
+  }
+  return ESTALE;
+}
+
+// Opens the file that a rename is going to replace, if the kernel knows it. Null where there is
+// none.
+OpenFile* Volume::keepReplaced(const Move& move) {
+  Node* const node = nodes_.find(move.newParent, move.newName);
+  if (node == nullptr || !move.target.has_value() || !S_ISREG(move.target->status.st_mode)) {
+    return nullptr;
+  }
+  std::unique_ptr<UserData> userData;
+  if (!delegate_->openFileAtPath(move.to, O_RDONLY, &userData, nullptr) || userData == nullptr) {
+    return nullptr;
+  }
+  OpenFile* const keeper = makeOpenFile(node, std::move(userData));
+  keeper->isKeeper = true;
+  return keeper;
 }
 
 int Volume::createAt(Node* parent, const std::string& path, mode_t permissions,
@@ -59,7 +109,7 @@ int Volume::emptyReadOnlyFile(Node* node, const Item& item, std::unique_ptr<User
 }
 
 OpenFile* Volume::makeOpenFile(Node* node, std::unique_ptr<UserData> userData) {
-  auto* file = new OpenFile{node, std::move(userData), contentEpoch_, node->openFiles};
+  auto* file = new OpenFile{node, std::move(userData), contentEpoch_, node->openFiles, false};
   node->openFiles = file;
   openFiles_.insert(file);
   return file;

@@ -46,10 +46,14 @@ int Volume::carryOut(const Move& move) {
   std::unordered_set<std::string> visible;
   if (copiesTree) visible = itemsBelow(move.from);
 
+  OpenFile* const keeper = keepReplaced(move);
   int code = moveOver(move);
   // The delegate finds a link only if it leads somewhere, and most of its links do not.
   if (code != 0 && move.source.isLink()) code = makeLinkAnew(move);
-  if (code != 0) return code;
+  if (code != 0) {
+    if (keeper != nullptr) closeOpenFile(keeper);
+    return code;
+  }
   if (move.source.isDirectory() && mayHideItems_) {
     settleMovedTree(move.to, "", copiesTree ? &visible : nullptr);
   }
