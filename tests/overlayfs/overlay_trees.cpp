@@ -10,7 +10,7 @@
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
-#include <iterator>
+#include <sstream>
 #include <stdexcept>
 
 namespace kelvane::tests {
@@ -76,7 +76,9 @@ void OverlayTrees::sealDisc() const {
 std::string contentOf(const std::string& path) {
   std::ifstream file(path, std::ios::binary);
   if (!file) return "<missing>";
-  return {std::istreambuf_iterator<char>(file), {}};
+  std::ostringstream text;
+  text << file.rdbuf();
+  return text.str();
 }
 
 void writeFile(const std::string& path, std::string_view content) {

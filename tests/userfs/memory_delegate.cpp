@@ -30,14 +30,17 @@ MemoryDelegate::MemoryDelegate() {
 }
 
 void MemoryDelegate::add(const std::string& path, const std::string& content, ItemOrigin origin) {
+  const std::lock_guard lock(mutex_);
   entries_[path] = {S_IFREG | 0644, content, origin, {}, ++lastNumber_};
 }
 
 void MemoryDelegate::addDirectory(const std::string& path) {
+  const std::lock_guard lock(mutex_);
   entries_[path] = {S_IFDIR | 0755, {}, ItemOrigin::Writable, {}, ++lastNumber_};
 }
 
 std::string MemoryDelegate::contentOfItem(const std::string& path) const {
+  const std::lock_guard lock(mutex_);
   const auto found = entries_.find(path);
   return found == entries_.end() ? "<missing>" : found->second.content;
 }
@@ -49,6 +52,7 @@ bool MemoryDelegate::fails(PosixError* error) const {
 
 std::vector<std::string> MemoryDelegate::contentsOfDirectoryAtPath(const std::string& path,
                                                                    PosixError* /*error*/) {
+  const std::lock_guard lock(mutex_);
   std::vector<std::string> names;
   for (const auto& [item, entry] : entries_) {
     if (item != "/" && parentOf(item) == path) names.push_back(item.substr(item.rfind('/') + 1));
@@ -58,6 +62,7 @@ std::vector<std::string> MemoryDelegate::contentsOfDirectoryAtPath(const std::st
 
 bool MemoryDelegate::openFileAtPath(const std::string& path, int /*mode*/,
                                     std::unique_ptr<UserData>* userData, PosixError* error) {
+  const std::lock_guard lock(mutex_);
   if (fails(error) || !entries_.contains(path)) return false;
   *userData = std::make_unique<MemoryFile>(entries_[path].origin == ItemOrigin::Writable);
   ++openFiles;
@@ -66,6 +71,7 @@ bool MemoryDelegate::openFileAtPath(const std::string& path, int /*mode*/,
 
 int32_t MemoryDelegate::readFileAtPath(const std::string& path, UserData* /*userData*/,
                                        char* buffer, size_t size, off_t offset, PosixError* error) {
+  const std::lock_guard lock(mutex_);
   if (fails(error)) return static_cast<int32_t>(size);
   const std::string& content = entries_[path].content;
   const auto begin = std::min(static_cast<size_t>(offset), content.size());
@@ -81,6 +87,7 @@ void MemoryDelegate::releaseFileAtPath(const std::string& /*path*/,
 
 bool MemoryDelegate::createDirectoryAtPath(const std::string& path,
                                            const AttributeChanges& attributes, PosixError* error) {
+  const std::lock_guard lock(mutex_);
   if (fails(error)) return false;
   if (entries_.contains(path)) return S_ISDIR(entries_[path].mode);
   addDirectory(path);
@@ -90,6 +97,7 @@ bool MemoryDelegate::createDirectoryAtPath(const std::string& path,
 
 bool MemoryDelegate::createFileAtPath(const std::string& path, const AttributeChanges& attributes,
                                       std::unique_ptr<UserData>* userData, PosixError* error) {
+  const std::lock_guard lock(mutex_);
   if (fails(error)) return false;
   add(path, {});
   entries_[path].mode = S_IFREG | attributes.NSFilePosixPermissions.value_or(0644);
@@ -99,6 +107,7 @@ bool MemoryDelegate::createFileAtPath(const std::string& path, const AttributeCh
 int32_t MemoryDelegate::writeFileAtPath(const std::string& path, UserData* /*userData*/,
                                         const char* buffer, size_t size, off_t offset,
                                         PosixError* error) {
+  const std::lock_guard lock(mutex_);
   if (fails(error)) return 0;
   std::string& content = entries_[path].content;
   content.resize(std::max(content.size(), static_cast<size_t>(offset) + size));
@@ -108,6 +117,7 @@ int32_t MemoryDelegate::writeFileAtPath(const std::string& path, UserData* /*use
 
 bool MemoryDelegate::moveItemAtPath(const std::string& source, const std::string& destination,
                                     PosixError* error) {
+  const std::lock_guard lock(mutex_);
   if (moveErrorWithSuccess != 0) {
     setError(error, moveErrorWithSuccess);
     return true;
@@ -119,11 +129,13 @@ bool MemoryDelegate::moveItemAtPath(const std::string& source, const std::string
 }
 
 bool MemoryDelegate::removeItemAtPath(const std::string& path, PosixError* error) {
+  const std::lock_guard lock(mutex_);
   return !fails(error) && entries_.erase(path) == 1;
 }
 
 bool MemoryDelegate::createSymbolicLinkAtPath(const std::string& path,
                                               const std::string& destination, PosixError* error) {
+  const std::lock_guard lock(mutex_);
   if (fails(error)) return false;
   entries_[path] = {S_IFLNK | 0777, destination, ItemOrigin::Writable, {}, ++lastNumber_};
   return true;
@@ -131,12 +143,14 @@ bool MemoryDelegate::createSymbolicLinkAtPath(const std::string& path,
 
 std::optional<std::string> MemoryDelegate::destinationOfSymbolicLinkAtPath(const std::string& path,
                                                                            PosixError* error) {
+  const std::lock_guard lock(mutex_);
   if (fails(error)) return std::nullopt;
   return contentOfItem(path);
 }
 
 bool MemoryDelegate::setAttributes(const AttributeChanges& attributes, const std::string& path,
                                    UserData* /*userData*/, PosixError* error) {
+  const std::lock_guard lock(mutex_);
   if (fails(error)) return false;
   Entry& entry = entries_[path];
   if (attributes.NSFilePosixPermissions) {
@@ -149,6 +163,7 @@ bool MemoryDelegate::setAttributes(const AttributeChanges& attributes, const std
 std::optional<ItemAttributes> MemoryDelegate::attributesOfItemAtPath(const std::string& path,
                                                                      UserData* /*userData*/,
                                                                      PosixError* /*error*/) {
+  const std::lock_guard lock(mutex_);
   const auto found = entries_.find(path);
   if (found == entries_.end()) return std::nullopt;
   struct stat status = {};
@@ -162,12 +177,14 @@ std::optional<ItemAttributes> MemoryDelegate::attributesOfItemAtPath(const std::
 
 std::optional<FileSystemAttributes> MemoryDelegate::attributesOfFileSystemForPath(
     const std::string& /*path*/, PosixError* error) {
+  const std::lock_guard lock(mutex_);
   if (fails(error)) return std::nullopt;
   return FileSystemAttributes{1 << 30, 1 << 29, 0, 10000000};
 }
 
 std::optional<std::vector<std::string>> MemoryDelegate::extendedAttributesOfItemAtPath(
     const std::string& path, PosixError* error) {
+  const std::lock_guard lock(mutex_);
   if (!extendedAttributes) {
     setError(error, ENOSYS);
     return std::nullopt;
@@ -181,6 +198,7 @@ std::optional<std::string> MemoryDelegate::valueOfExtendedAttribute(const std::s
                                                                     const std::string& path,
                                                                     off_t /*position*/,
                                                                     PosixError* /*error*/) {
+  const std::lock_guard lock(mutex_);
   const auto& extended = entries_[path].extended;
   const auto found = extended.find(name);
   return found == extended.end() ? std::nullopt : std::optional(found->second);
@@ -189,6 +207,7 @@ std::optional<std::string> MemoryDelegate::valueOfExtendedAttribute(const std::s
 bool MemoryDelegate::setExtendedAttribute(const std::string& name, const std::string& path,
                                           const std::string& value, off_t /*position*/,
                                           int /*options*/, PosixError* error) {
+  const std::lock_guard lock(mutex_);
   if (!extendedAttributes) {
     setError(error, ENOSYS);
     return false;
@@ -199,6 +218,7 @@ bool MemoryDelegate::setExtendedAttribute(const std::string& name, const std::st
 
 bool MemoryDelegate::removeExtendedAttribute(const std::string& name, const std::string& path,
                                              PosixError* error) {
+  const std::lock_guard lock(mutex_);
   if (entries_[path].extended.erase(name) == 1) return true;
   setError(error, ENODATA);
   return false;

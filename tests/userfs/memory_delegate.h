@@ -3,6 +3,7 @@
 
 #include <atomic>
 #include <map>
+#include <mutex>
 #include <string>
 
 #include "platform/userfs/gm_user_file_system_delegate.h"
@@ -20,12 +21,12 @@ class MemoryDelegate : public GMUserFileSystemDelegate {
   std::string contentOfItem(const std::string& path) const;
 
   // How operations fail from now on: return false, and set this number unless it is 0.
-  bool failsAll = false;
-  int failureNumber = 0;
+  std::atomic<bool> failsAll = false;
+  std::atomic<int> failureNumber = 0;
   // A move reports success and sets this number, unless it is 0.
-  int moveErrorWithSuccess = 0;
+  std::atomic<int> moveErrorWithSuccess = 0;
   // What a read claims to have read beyond what there is.
-  bool overstatesReads = true;
+  std::atomic<bool> overstatesReads = true;
 
   std::atomic<int> willUnmountCalls = 0;
   std::atomic<int> openFiles = 0;
@@ -80,6 +81,8 @@ class MemoryDelegate : public GMUserFileSystemDelegate {
 
   bool fails(PosixError* error) const;
 
+  // Tests look at the entries while the file system serves.
+  mutable std::recursive_mutex mutex_;
   std::map<std::string, Entry> entries_;
   ino_t lastNumber_ = 1;
 };
