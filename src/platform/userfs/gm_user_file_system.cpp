@@ -208,16 +208,22 @@ void GMUserFileSystem::mountAtPath(const std::string& path,
   impl_->start(impl_, path, options);
 }
 
+// The object may be deleted by an observer while these still run: the shared part must outlive
+// them.
+
 UnmountResult GMUserFileSystem::unmount() {
-  return impl_->unmount(userfs::UnmountMode::IfNotBusy);
+  const std::shared_ptr<Impl> shared = impl_;
+  return shared->unmount(userfs::UnmountMode::IfNotBusy);
 }
 
 UnmountResult GMUserFileSystem::unmountLazily() {
-  return impl_->unmount(userfs::UnmountMode::Lazily);
+  const std::shared_ptr<Impl> shared = impl_;
+  return shared->unmount(userfs::UnmountMode::Lazily);
 }
 
 bool GMUserFileSystem::waitUntilUnmounted(int milliseconds) {
-  return impl_->waitUntilEnded(milliseconds);
+  const std::shared_ptr<Impl> shared = impl_;
+  return shared->waitUntilEnded(milliseconds);
 }
 
 }  // namespace kelvane
