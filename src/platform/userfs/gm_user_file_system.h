@@ -42,7 +42,7 @@ enum class UnmountResult {
 /// |---|---|
 /// | anything on an item that is nowhere | ENOENT |
 /// | an item that lost its name since it was looked up | ESTALE: the kernel looks again |
-/// | name longer than 255 bytes, path of 4096 bytes or more | ENAMETOOLONG |
+/// | name longer than 255 bytes, path longer than 3840 bytes | ENAMETOOLONG |
 /// | create, mkdir, symlink where something stands | EEXIST |
 /// | open with O_TRUNC, truncation to 0, of a read-only file | becomes the creation of a new file |
 /// | open for writing, without truncation, of a read-only file | EROFS, at the open |
@@ -63,6 +63,7 @@ enum class UnmountResult {
 /// | fsync, fallocate, lseek for data and holes | done on the descriptor behind the open file |
 /// | space exhausted as the delegate sees it | its number (ENOSPC) |
 /// | statfs | the delegate's numbers in units of 2048 bytes; a deficit shows as 0 free |
+/// | open, or a change of attributes, of a writable item that is refused | EACCES, EPERM |
 /// | any other failure | EIO |
 ///
 /// An item whose attributes the delegate leaves empty is a directory of mode 0777 if it lies in the
