@@ -9,7 +9,7 @@ add_library(kv_options INTERFACE)
 target_compile_options(kv_options INTERFACE
   -Wall -Wextra -Wpedantic -Werror
   -Wshadow -Wconversion -Wsign-conversion -Wold-style-cast -Wnon-virtual-dtor
-  -Woverloaded-virtual -Wcast-align -Wcast-qual -Wformat=2 -Wnull-dereference
+  -Woverloaded-virtual -Wcast-align -Wcast-qual -Wformat=2
   -Wimplicit-fallthrough -Wextra-semi
   $<$<CXX_COMPILER_ID:GNU>:-Wduplicated-cond -Wlogical-op>)
 target_compile_definitions(kv_options INTERFACE _FILE_OFFSET_BITS=64 QT_NO_KEYWORDS)
@@ -18,8 +18,6 @@ if(KELVANE_SANITIZE)
   target_compile_options(kv_options INTERFACE
     -fsanitize=address,undefined -fno-sanitize-recover=all -fno-omit-frame-pointer)
   target_link_options(kv_options INTERFACE -fsanitize=address,undefined)
-  # The sanitizers' instrumentation makes this warning see null pointers that are none.
-  target_compile_options(kv_options INTERFACE -Wno-null-dereference)
 endif()
 
 # kv_add_rooms(DIR room…): adds the rooms below DIR.
