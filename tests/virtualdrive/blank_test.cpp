@@ -36,7 +36,7 @@ TEST_F(Blanking, WriteOnceDiscIsLeftAsItIs) {
   EXPECT_EQ(blank(0), kIncompatibleMedium);
   EXPECT_EQ(blank(1), kIncompatibleMedium);
   EXPECT_EQ(inspect().sessions.size(), 1U);
-  EXPECT_EQ(std::filesystem::file_size(drive().sectorsFile()), 300U * 2048);
+  EXPECT_EQ(std::filesystem::file_size(drive().sectorsFile()), 300U * kSectorBytes);
 }
 
 TEST_F(Blanking, PartsOfADiscCannotBeBlanked) {

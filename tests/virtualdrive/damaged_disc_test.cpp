@@ -133,11 +133,11 @@ TEST_F(DamagedDisc, EveryTruncationAndFlippedByteIsRefusedOrHarmless) {
 }
 
 TEST_F(DamagedDisc, FileOfSectorsMustBeThereAndLongEnough) {
-  std::filesystem::resize_file(drive().sectorsFile(), 12000 * 2048);
+  std::filesystem::resize_file(drive().sectorsFile(), 12000 * kSectorBytes);
   EXPECT_NE(refusal(), "") << "too short";
-  std::filesystem::resize_file(drive().sectorsFile(), 400000UL * 2048);
+  std::filesystem::resize_file(drive().sectorsFile(), 400000UL * kSectorBytes);
   EXPECT_NE(refusal(), "") << "longer than the disc";
-  std::filesystem::resize_file(drive().sectorsFile(), 20000UL * 2048);
+  std::filesystem::resize_file(drive().sectorsFile(), 20000UL * kSectorBytes);
   EXPECT_NE(refusal(), "") << "longer than the tracks";
   std::filesystem::remove(drive().sectorsFile());
   EXPECT_NE(refusal(), "");

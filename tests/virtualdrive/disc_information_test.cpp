@@ -44,7 +44,7 @@ TEST_F(DiscInformation, AppendableDiscCountsTheSessionToCome) {
 TEST_F(DiscInformation, OpenSessionIsIncomplete) {
   makeDisc(MediumKind::CdR);
   ASSERT_EQ(setWriteParameters(WriteParameters::Type::TrackAtOnce, true), kGood);
-  ASSERT_EQ(write(0, patternBytes(400 * 2048, 1)), kGood);
+  ASSERT_EQ(write(0, patternBytes(400 * kSectorBytes, 1)), kGood);
   EXPECT_EQ(discInformation().u8(2), 0x05U);
   EXPECT_EQ(track(1, 1).next, 400) << "the open track is continued";
   EXPECT_EQ(track(1, 0xFF).number, 1U);

@@ -212,7 +212,7 @@ TEST_F(Kelvanedisc, BlankDiscHasNoFiles) {
 TEST_F(Kelvanedisc, DamagedVolumeIsTold) {
   create({"--media", "cd-r", "--from", makeSource("one", 1)});
   auto bytes = sectors();
-  bytes.replace(16 * 2048, 4096, std::string(4096, '\0'));
+  bytes.replace(16UL * 2048, 4096, std::string(4096, '\0'));
   writeFile(disc() + "/sectors", bytes);
   const auto finished = kelvanedisc({"ls", disc()});
   EXPECT_EQ(finished.status, 1);

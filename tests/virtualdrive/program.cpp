@@ -24,6 +24,7 @@ namespace {
   setenv("LC_ALL", "C.UTF-8", 1);
   std::vector<std::string> copies = command;
   std::vector<char*> words;
+  words.reserve(copies.size() + 1);
   for (auto& word : copies) words.push_back(word.data());
   words.push_back(nullptr);
   execvp(words.front(), words.data());

@@ -29,11 +29,11 @@ TEST_F(Reading, BlankDiscHoldsNothing) {
 TEST_F(Reading, LongAndShortFormGiveTheSame) {
   makeDisc(MediumKind::CdR);
   writeSession(300, 5);
-  const auto data = patternBytes(300 * 2048, 5);
+  const auto data = patternBytes(300 * kSectorBytes, 5);
   const auto longForm = ask({0xA8, 0, 0, 0, 0, 10, 0, 0, 0, 20, 0, 0});
   EXPECT_EQ(std::string(longForm.data.begin(), longForm.data.end()),
-            data.substr(10 * 2048, 20 * 2048));
-  EXPECT_EQ(readText(10, 20), data.substr(10 * 2048, 20 * 2048));
+            data.substr(10 * kSectorBytes, 20 * kSectorBytes));
+  EXPECT_EQ(readText(10, 20), data.substr(10 * kSectorBytes, 20 * kSectorBytes));
 }
 
 TEST_F(Reading, ReadCdGivesTheUserDataOfDataSectors) {
@@ -41,7 +41,7 @@ TEST_F(Reading, ReadCdGivesTheUserDataOfDataSectors) {
   writeSession(300, 5);
   const auto reply = ask({0xBE, 0, 0, 0, 0, 1, 0, 0, 2, 0x10, 0, 0});
   EXPECT_EQ(std::string(reply.data.begin(), reply.data.end()),
-            patternBytes(300 * 2048, 5).substr(2048, 4096));
+            patternBytes(300 * kSectorBytes, 5).substr(2048, 4096));
   EXPECT_EQ(ask({0xBE, 4, 0, 0, 0, 1, 0, 0, 2, 0x10, 0, 0}).sense, kIllegalModeForTrack)
       << "audio was expected";
   EXPECT_EQ(ask({0xBE, 0, 0, 0, 0, 1, 0, 0, 2, 0xF8, 0, 0}).sense, kInvalidFieldInCommand)

@@ -35,15 +35,16 @@ class SessionAtOnce : public DriveTest {
 
 TEST_F(SessionAtOnce, AnnouncedSessionIsClosedWithItsLastSector) {
   prepare(true);
-  const auto data = patternBytes(500 * 2048, 1);
+  const auto data = patternBytes(500 * kSectorBytes, 1);
   ASSERT_EQ(sendSheet(sheetFor(500)), kGood);
   EXPECT_EQ(discInformation().u8(2), 0x00U) << "still blank";
-  ASSERT_EQ(write(-150, std::string(100 * 2048, '\0')), kGood);
+  ASSERT_EQ(write(-150, std::string(100 * kSectorBytes, '\0')), kGood);
   EXPECT_EQ(discInformation().u8(2), 0x05U) << "begun";
   EXPECT_EQ(track(1, 1).next, -50);
-  ASSERT_EQ(write(-50, std::string(50 * 2048, '\0') + data.substr(0, 10 * 2048)), kGood)
+  ASSERT_EQ(write(-50, std::string(50 * kSectorBytes, '\0') + data.substr(0, 10 * kSectorBytes)),
+            kGood)
       << "across the beginning of the track";
-  ASSERT_EQ(write(10, data.substr(10 * 2048)), kGood);
+  ASSERT_EQ(write(10, data.substr(10 * kSectorBytes)), kGood);
   ASSERT_EQ(synchronize(), kGood);
   EXPECT_EQ(discInformation().u8(2), 0x01U) << "appendable";
   EXPECT_EQ(inspect().sessions.at(0).leadOut, 500) << "no run-out";
@@ -55,7 +56,7 @@ TEST_F(SessionAtOnce, AnnouncedSessionIsClosedWithItsLastSector) {
 TEST_F(SessionAtOnce, WithoutMultiSessionTheDiscIsClosed) {
   prepare(false);
   ASSERT_EQ(sendSheet(sheetFor(300)), kGood);
-  ASSERT_EQ(write(-150, std::string(450 * 2048, 'x')), kGood);
+  ASSERT_EQ(write(-150, std::string(450 * kSectorBytes, 'x')), kGood);
   EXPECT_EQ(discInformation().u8(2), 0x0EU);
 }
 
@@ -65,7 +66,7 @@ TEST_F(SessionAtOnce, SeveralTracksAreTakenAsAnnounced) {
                       line(0x41, 2, 0, 0x10, 300) + line(0x41, 2, 1, 0x10, 450) +
                       line(0x41, 0xAA, 1, 0x14, 900)),
             kGood);
-  ASSERT_EQ(write(-150, std::string(1050 * 2048, 'x')), kGood);
+  ASSERT_EQ(write(-150, std::string(1050 * kSectorBytes, 'x')), kGood);
   const auto disc = inspect();
   ASSERT_EQ(disc.tracks.size(), 2U);
   EXPECT_EQ(disc.tracks[0].recorded, 300);
@@ -78,8 +79,8 @@ TEST_F(SessionAtOnce, SectorsOutOfTurnAreRefused) {
   EXPECT_EQ(write(-150, std::string(2048, 'x')), kCommandSequence) << "no cue sheet yet";
   ASSERT_EQ(sendSheet(sheetFor(300)), kGood);
   EXPECT_EQ(write(0, std::string(2048, 'x')), kInvalidAddressForWrite) << "the gap comes first";
-  EXPECT_EQ(write(-150, std::string(451 * 2048, 'x')), kEndOfUserArea);
-  ASSERT_EQ(write(-150, std::string(200 * 2048, 'x')), kGood);
+  EXPECT_EQ(write(-150, std::string(451 * kSectorBytes, 'x')), kEndOfUserArea);
+  ASSERT_EQ(write(-150, std::string(200 * kSectorBytes, 'x')), kGood);
   EXPECT_EQ(write(49, std::string(2048, 'x')), kInvalidAddressForWrite);
   EXPECT_EQ(closeSession(), kIncompleteTrackInSession);
   EXPECT_EQ(synchronize(), kIncompleteTrackInSession);

@@ -95,7 +95,7 @@ TEST_F(Sharing, TrackThatWasDescribedButGotNoDataHasNotHappened) {
   const auto closed = contentOf(disc() / "disc.json");
   ASSERT_EQ(write(11702, patternBytes(2048, 1)), kGood);
   // As a kill before the first whole sector leaves it.
-  std::filesystem::resize_file(drive().sectorsFile(), 11702 * 2048 + 5);
+  std::filesystem::resize_file(drive().sectorsFile(), 11702 * kSectorBytes + 5);
   EXPECT_EQ(discInformation().u8(2), 0x01U) << "appendable, last session empty";
   EXPECT_EQ(contentOf(disc() / "disc.json"), closed);
   EXPECT_EQ(write(11702, patternBytes(2048, 2)), kGood);
@@ -108,6 +108,7 @@ TEST_F(Sharing, ProcessesTakeTurnsAndEachSectorIsWrittenOnce) {
   constexpr int kWriters = 4;
   constexpr Lba kSectors = 400;
   std::vector<pid_t> children;
+  children.reserve(kWriters);
   for (int writer = 0; writer < kWriters; ++writer) {
     children.push_back(inChild([&] {
       // Each asks where to write and tries; who comes too late is refused and asks again.
@@ -133,6 +134,7 @@ TEST_F(Sharing, ProcessesTakeTurnsAndEachSectorIsWrittenOnce) {
 TEST_F(Sharing, ThreadsOfOneProcessTakeTurnsToo) {
   makeDisc(MediumKind::CdR);
   std::vector<std::thread> threads;
+  threads.reserve(4);
   for (int i = 0; i < 4; ++i) {
     threads.emplace_back([&] {
       for (int round = 0; round < 50; ++round) {

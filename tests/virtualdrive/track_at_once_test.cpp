@@ -19,11 +19,11 @@ class TrackAtOnce : public DriveTest {
 
 TEST_F(TrackAtOnce, WhatIsWrittenIsRead) {
   makeAppendable();
-  const auto data = patternBytes(500 * 2048, 7);
-  ASSERT_EQ(write(0, data.substr(0, 300 * 2048)), kGood);
-  ASSERT_EQ(write(300, data.substr(300 * 2048)), kGood);
-  EXPECT_EQ(readText(0, 32), data.substr(0, 32 * 2048));
-  EXPECT_EQ(readText(499, 1), data.substr(499 * 2048));
+  const auto data = patternBytes(500 * kSectorBytes, 7);
+  ASSERT_EQ(write(0, data.substr(0, 300 * kSectorBytes)), kGood);
+  ASSERT_EQ(write(300, data.substr(300 * kSectorBytes)), kGood);
+  EXPECT_EQ(readText(0, 32), data.substr(0, 32 * kSectorBytes));
+  EXPECT_EQ(readText(499, 1), data.substr(499 * kSectorBytes));
   ASSERT_EQ(synchronize(), kGood);
   ASSERT_EQ(closeSession(), kGood);
   EXPECT_EQ(contentOf(drive().sectorsFile()), data) << "by address in the file of sectors";
@@ -63,7 +63,7 @@ TEST_F(TrackAtOnce, RewritableDiscFollowsTheSameRulesUntilItIsBlanked) {
 
 TEST_F(TrackAtOnce, ShortTrackIsPaddedToFourSeconds) {
   makeAppendable();
-  ASSERT_EQ(write(0, patternBytes(10 * 2048, 1)), kGood);
+  ASSERT_EQ(write(0, patternBytes(10 * kSectorBytes, 1)), kGood);
   ASSERT_EQ(synchronize(), kGood);
   EXPECT_EQ(track(1, 1).size, 300);
   EXPECT_EQ(readText(10, 1), std::string(2048, '\0'));
@@ -77,9 +77,9 @@ TEST_F(TrackAtOnce, SynchronizingWithoutDataDoesNothing) {
 
 TEST_F(TrackAtOnce, SessionMayHaveSeveralTracks) {
   makeAppendable();
-  ASSERT_EQ(write(0, patternBytes(300 * 2048, 1)), kGood);
+  ASSERT_EQ(write(0, patternBytes(300 * kSectorBytes, 1)), kGood);
   ASSERT_EQ(synchronize(), kGood);
-  ASSERT_EQ(write(452, patternBytes(300 * 2048, 2)), kGood);
+  ASSERT_EQ(write(452, patternBytes(300 * kSectorBytes, 2)), kGood);
   ASSERT_EQ(closeTrack(2), kGood);
   ASSERT_EQ(closeSession(), kGood);
   const auto disc = inspect();
@@ -119,11 +119,11 @@ TEST_F(TrackAtOnce, DiscClosedForGoodTakesNothingMore) {
 
 TEST_F(TrackAtOnce, DiscTakesWhatItHoldsAndNoSectorMore) {
   makeAppendable(MediumKind::CdR, 1000);
-  const auto data = patternBytes(1000 * 2048, 1);
-  ASSERT_EQ(write(0, data.substr(0, 900 * 2048)), kGood);
-  EXPECT_EQ(write(900, patternBytes(101 * 2048, 2)), kEndOfUserArea);
+  const auto data = patternBytes(1000 * kSectorBytes, 1);
+  ASSERT_EQ(write(0, data.substr(0, 900 * kSectorBytes)), kGood);
+  EXPECT_EQ(write(900, patternBytes(101 * kSectorBytes, 2)), kEndOfUserArea);
   EXPECT_EQ(track(1, 0xFF).next, 900) << "nothing of it was written";
-  ASSERT_EQ(write(900, data.substr(900 * 2048)), kGood);
+  ASSERT_EQ(write(900, data.substr(900 * kSectorBytes)), kGood);
   EXPECT_EQ(write(1000, patternBytes(2048, 2)), kEndOfUserArea);
   ASSERT_EQ(synchronize(), kGood);
   ASSERT_EQ(closeSession(), kGood);
@@ -153,17 +153,17 @@ TEST_F(TrackAtOnce, ReservedTrackIsFilledInItsPlace) {
   EXPECT_TRUE(track(1, 1).reserved);
   EXPECT_EQ(track(1, 1).size, 400);
   EXPECT_EQ(track(1, 0xFF).next, 552) << "the invisible track comes after it";
-  const auto data = patternBytes(300 * 2048, 3);
+  const auto data = patternBytes(300 * kSectorBytes, 3);
   ASSERT_EQ(write(552, data), kGood);
   ASSERT_EQ(write(0, data), kGood);
-  EXPECT_EQ(write(300, patternBytes(101 * 2048, 4)), kEndOfUserArea);
+  EXPECT_EQ(write(300, patternBytes(101 * kSectorBytes, 4)), kEndOfUserArea);
   ASSERT_EQ(synchronize(), kGood);
   EXPECT_EQ(closeSession(), kReservedTrackNotFull);
   ASSERT_EQ(closeTrack(1), kGood) << "pads it to its size";
   ASSERT_EQ(closeSession(), kGood);
-  EXPECT_EQ(readText(0, 30), data.substr(0, 30 * 2048));
+  EXPECT_EQ(readText(0, 30), data.substr(0, 30 * kSectorBytes));
   EXPECT_EQ(readText(399, 1), std::string(2048, '\0'));
-  EXPECT_EQ(readText(552, 30), data.substr(0, 30 * 2048));
+  EXPECT_EQ(readText(552, 30), data.substr(0, 30 * kSectorBytes));
 }
 
 TEST_F(TrackAtOnce, ReservationsThatCannotBeAreRefused) {
@@ -178,7 +178,7 @@ TEST_F(TrackAtOnce, ReservationsThatCannotBeAreRefused) {
 TEST_F(TrackAtOnce, NinetyNineTracksAreTheEnd) {
   makeAppendable();
   for (int number = 1; number <= 99; ++number) {
-    ASSERT_EQ(write(track(1, 0xFF).next, patternBytes(300 * 2048, 1)), kGood) << number;
+    ASSERT_EQ(write(track(1, 0xFF).next, patternBytes(300 * kSectorBytes, 1)), kGood) << number;
     ASSERT_EQ(synchronize(), kGood);
   }
   EXPECT_EQ(track(1, 0xFF).sense, kInvalidFieldInCommand);

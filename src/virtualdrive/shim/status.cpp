@@ -153,7 +153,8 @@ KELVANE_STANDS_IN int statx(int folder, const char* path, int flags, unsigned ma
   });
 }
 
-// What programs call that were linked with an older glibc.
+// What programs call that were linked with an older glibc. The names are those of the C library.
+// NOLINTBEGIN(bugprone-reserved-identifier)
 KELVANE_STANDS_IN int __xstat(int version, const char* path, Stat* status) noexcept {
   static auto* next = shim::nextFunction<shim::VersionedStat<Stat>>("__xstat");
   return shim::askPath(path, status, [&](const char* name) { return next(version, name, status); });
@@ -190,6 +191,7 @@ KELVANE_STANDS_IN int __fxstatat64(int version, int folder, const char* path, St
   return shim::askAt(path, status,
                      [&](const char* name) { return next(version, folder, name, status, flags); });
 }
+// NOLINTEND(bugprone-reserved-identifier)
 
 KELVANE_STANDS_IN int access(const char* path, int mode) noexcept {
   static auto* next = shim::nextFunction<int(const char*, int)>("access");
@@ -213,5 +215,7 @@ KELVANE_STANDS_IN ssize_t readlink(const char* path, char* buffer, size_t size) 
 KELVANE_STANDS_IN char* realpath(const char* path, char* resolved) noexcept {
   static auto* next = shim::nextFunction<char*(const char*, char*)>("realpath");
   if (!shim::refersToDrive(path)) return next(path, resolved);
-  return resolved != nullptr ? std::strcpy(resolved, path) : strdup(path);
+  return resolved != nullptr
+             ? static_cast<char*>(std::memcpy(resolved, path, std::strlen(path) + 1))
+             : strdup(path);
 }

@@ -44,6 +44,7 @@ std::optional<ImageBuilder> ImageBuilder::start(const std::filesystem::path& fol
   const FileDescriptor writeEnd(ends[1]);
   auto arguments = argumentsFor(folder, label);
   std::vector<char*> words;
+  words.reserve(arguments.size() + 1);
   for (auto& argument : arguments) words.push_back(argument.data());
   words.push_back(nullptr);
 

@@ -3,6 +3,7 @@
 #include <CLI/CLI.hpp>
 #include <algorithm>
 #include <cstdio>
+#include <exception>
 
 #include "virtualdrive/shim_environment.h"
 #include "virtualdrive/tool/commands.h"
@@ -104,7 +105,8 @@ int carryOut(const CLI::App& app, Arguments& arguments) {
 
 }  // namespace
 
-int main(std::vector<std::string> words) {
+/// Parses the words of the command line and does what they say.
+int runTool(std::vector<std::string> words) {
   Arguments arguments;
   // The command of run is taken off first: what looks like an option in it is none of ours.
   const auto separator = std::ranges::find(words, "--");
@@ -127,5 +129,14 @@ int main(std::vector<std::string> words) {
 }  // namespace kelvane::virtualdrive::tool
 
 int main(int count, char** words) {
-  return kelvane::virtualdrive::tool::main({words + 1, words + count});
+  namespace tool = kelvane::virtualdrive::tool;
+  // The standard library and CLI11 throw where memory, paths or the options' definition fail them.
+  try {
+    return tool::runTool({words + 1, words + count});
+  } catch (const std::exception& error) {
+    std::fprintf(stderr, "kelvanedisc: %s\n", error.what());
+  } catch (...) {
+    std::fputs("kelvanedisc: failed for an unknown reason.\n", stderr);
+  }
+  return tool::kFailed;
 }

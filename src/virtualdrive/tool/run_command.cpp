@@ -37,6 +37,7 @@ int runWithDisc(const std::filesystem::path& disc, const std::string& device,
   setenv("KELVANEDISC_DEVICE", device.c_str(), 1);
   std::vector<std::string> copies = command;
   std::vector<char*> words;
+  words.reserve(copies.size() + 1);
   for (auto& word : copies) words.push_back(word.data());
   words.push_back(nullptr);
   execvp(words.front(), words.data());
