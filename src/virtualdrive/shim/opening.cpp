@@ -54,19 +54,21 @@ FILE* openStream(OpenStream* next, const char* path, const char* mode) {
   return stream;
 }
 
+/// Whether the caller has given a mode: only where a file can be made.
+bool takesMode(int flags) {
+  return (flags & O_CREAT) != 0 || (flags & O_TMPFILE) == O_TMPFILE;
+}
+
 }  // namespace
 }  // namespace kelvane::virtualdrive::shim
 
 namespace shim = kelvane::virtualdrive::shim;
 
-// The mode is taken whether it is there or not: where no file can be made, nobody looks at it, and
-// on Linux reading an argument that was not given yields some number and no harm.
-
 KELVANE_STANDS_IN int open(const char* path, int flags, ...) {
   static auto* next = shim::nextFunction<shim::Open>("open");
   va_list arguments;
   va_start(arguments, flags);
-  const auto mode = va_arg(arguments, mode_t);
+  const auto mode = shim::takesMode(flags) ? va_arg(arguments, mode_t) : mode_t{0};
   va_end(arguments);
   return shim::openAny(next, path, flags, mode);
 }
@@ -75,7 +77,7 @@ KELVANE_STANDS_IN int open64(const char* path, int flags, ...) {
   static auto* next = shim::nextFunction<shim::Open>("open64");
   va_list arguments;
   va_start(arguments, flags);
-  const auto mode = va_arg(arguments, mode_t);
+  const auto mode = shim::takesMode(flags) ? va_arg(arguments, mode_t) : mode_t{0};
   va_end(arguments);
   return shim::openAny(next, path, flags, mode);
 }
@@ -84,7 +86,7 @@ KELVANE_STANDS_IN int openat(int folder, const char* path, int flags, ...) {
   static auto* next = shim::nextFunction<shim::OpenAt>("openat");
   va_list arguments;
   va_start(arguments, flags);
-  const auto mode = va_arg(arguments, mode_t);
+  const auto mode = shim::takesMode(flags) ? va_arg(arguments, mode_t) : mode_t{0};
   va_end(arguments);
   return shim::openAnyAt(next, folder, path, flags, mode);
 }
@@ -93,7 +95,7 @@ KELVANE_STANDS_IN int openat64(int folder, const char* path, int flags, ...) {
   static auto* next = shim::nextFunction<shim::OpenAt>("openat64");
   va_list arguments;
   va_start(arguments, flags);
-  const auto mode = va_arg(arguments, mode_t);
+  const auto mode = shim::takesMode(flags) ? va_arg(arguments, mode_t) : mode_t{0};
   va_end(arguments);
   return shim::openAnyAt(next, folder, path, flags, mode);
 }
