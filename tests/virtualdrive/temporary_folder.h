@@ -22,6 +22,12 @@ class TemporaryFolder {
   }
   ~TemporaryFolder() {
     std::error_code ignored;
+    // Folders that came off a disc may not be written to.
+    for (auto entry = std::filesystem::recursive_directory_iterator(path_, ignored);
+         entry != std::filesystem::recursive_directory_iterator(); entry.increment(ignored)) {
+      if (entry->is_symlink(ignored) || !entry->is_directory(ignored)) continue;
+      std::filesystem::permissions(entry->path(), std::filesystem::perms::owner_all, ignored);
+    }
     std::filesystem::remove_all(path_, ignored);
   }
   TemporaryFolder(const TemporaryFolder&) = delete;
