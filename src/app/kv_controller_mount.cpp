@@ -98,7 +98,7 @@ std::optional<std::string> KVController::takeOverDiscWithContent(std::string& vo
     return std::nullopt;
   }
   volumeName = paths::lastPathComponent(*mountPath);
-  const auto hiddenMountPath = quellbrook::remounthidden(device, *services_.volumes);
+  auto hiddenMountPath = quellbrook::remounthidden(device, *services_.volumes);
   if (!hiddenMountPath) {
     systemLog("Remounting of disk with content failed! kelvanefs not mounted. Showing error.");
   }
