@@ -55,7 +55,8 @@ AttributeChanges differencesFrom(const struct stat& present, AttributeChanges ch
   if (changes.NSFileGroupOwnerAccountID == present.st_gid) {
     changes.NSFileGroupOwnerAccountID.reset();
   }
-  if (changes.NSFileSize == present.st_size) changes.NSFileSize.reset();
+  // To empty a file that is empty already makes it one that can be written.
+  if (changes.NSFileSize == present.st_size && changes.NSFileSize != 0) changes.NSFileSize.reset();
   if (isSame(changes.NSFileAccessDate, present.st_atim)) changes.NSFileAccessDate.reset();
   if (isSame(changes.NSFileModificationDate, present.st_mtim)) {
     changes.NSFileModificationDate.reset();

@@ -14,6 +14,13 @@ bool isForWriting(int flags) {
   return (flags & O_ACCMODE) != O_RDONLY;
 }
 
+// Whether a program opens a file only to write it anew, and may empty it after the open: so do
+// editors, which keep the old bytes until they know that they can write. Who reads too, or adds at
+// the end, changes the file where it stands.
+bool mayReplaceContent(int flags) {
+  return (flags & O_ACCMODE) == O_WRONLY && (flags & O_APPEND) == 0;
+}
+
 /// Another descriptor of an open file, for reading.
 class SecondDescriptor final : public UserData {
  public:
@@ -41,7 +48,7 @@ int Volume::openNode(Node* node, int flags, std::unique_ptr<UserData>* userData)
   if (!item.has_value()) return ENOENT;
   const bool truncates = (flags & O_TRUNC) != 0;
   if (item->isReadOnly() && truncates) return emptyReadOnlyFile(node, *item, userData);
-  if (item->isReadOnly() && isForWriting(flags)) return EROFS;
+  if (item->isReadOnly() && isForWriting(flags) && !mayReplaceContent(flags)) return EROFS;
   if (truncates) {
     AttributeChanges empty;
     empty.NSFileSize = 0;
@@ -52,7 +59,7 @@ int Volume::openNode(Node* node, int flags, std::unique_ptr<UserData>* userData)
       *userData == nullptr) {
     return numberOf(error, EACCES);
   }
-  if (!isForWriting(flags) || (*userData)->isWritable()) return 0;
+  if (!isForWriting(flags) || item->isReadOnly() || (*userData)->isWritable()) return 0;
   delegate_->releaseFileAtPath(path, std::move(*userData));
   return EACCES;
 }
