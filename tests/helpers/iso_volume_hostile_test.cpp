@@ -20,12 +20,13 @@ using isovolume::MemoryBlockSource;
 using isovolume::NodeId;
 using isovolume::Status;
 
-/// Counts the blocks that are asked for.
+/// Counts the blocks that are asked for, and sees to it that there are none beyond the end.
 class CountingSource final : public BlockSource {
  public:
   explicit CountingSource(const ImageComposer& composer) : source_(composer.image()) {}
   bool readBlocks(std::uint64_t first, std::span<std::uint8_t> out) override {
     blocksRead_ += out.size() / kBlockSize;
+    EXPECT_LE(first + out.size() / kBlockSize, sizeInBlocks()) << "beyond the end of the disc";
     return source_.readBlocks(first, out);
   }
   [[nodiscard]] std::uint64_t sizeInBlocks() const override { return source_.sizeInBlocks(); }
@@ -187,6 +188,21 @@ TEST(HostileVolume, ContinuationsOutsideTheDiscOrOfImpossibleSizeAreNotFollowed)
               testing::ElementsAre("far", "huge", "behind"));
 }
 
+TEST(HostileVolume, RecordsThatShareLongContinuationsCostNoMoreThanTheDisc) {
+  // Each of a thousand records goes on in the same thirty areas of eight blocks.
+  constexpr std::uint32_t kBlocks = 400;
+  constexpr std::uint32_t kAreaLength = 8 * 2048;
+  const std::vector<RecordSpec> records(1000, named(susp::continuation(100, 0, kAreaLength)));
+  ImageComposer composer = composeVolume(kBlocks, Extension::rockRidge, records);
+  for (std::uint32_t area = 0; area < 30; ++area) {
+    composer.putBytes(100 + 8 * area, 0, susp::continuation(108 + 8 * area, 0, kAreaLength));
+  }
+  CountingSource source(composer);
+  const auto volume = openVolume(source);
+  EXPECT_EQ(countBelow(*volume, kRootNode), 1u) << "all of them bear the same name";
+  EXPECT_LT(source.blocksRead(), 2u * kBlocks);
+}
+
 TEST(HostileVolume, NamesThatLeadElsewhereAreLeftOut) {
   EXPECT_THAT(rootNames(composeVolume(
                   40, Extension::rockRidge,
@@ -270,6 +286,54 @@ TEST(HostileVolume, ExtentsOutsideTheDiscFailWhenTheyAreRead) {
   EXPECT_EQ(length, 2048u);
   EXPECT_EQ(volume->lookupPath("dir/x", &node), Status::damaged);
   EXPECT_EQ(volume->lookupPath("longdir/x", &node), Status::notFound);
+}
+
+TEST(HostileVolume, OverlappingExtentsAreReadAsTheyStand) {
+  ImageComposer composer =
+      composeVolume(40, Extension::none,
+                    {{.identifier = "FIRST.;1", .extent = 30, .length = 3 * 2048},
+                     {.identifier = "SECOND.;1", .extent = 31, .length = 3 * 2048},
+                     {.identifier = "ROOT.;1", .extent = kComposedRoot, .length = 2048},
+                     {.identifier = "ALL.;1", .extent = 0, .length = 40 * 2048}});
+  for (const std::uint32_t block : {30u, 31u, 32u, 33u}) {
+    composer.putText(block, "block " + std::to_string(block));
+  }
+  CountingSource source(composer);
+  const auto volume = openVolume(source);
+  const auto textAt = [&](const char* name, std::uint64_t offset) {
+    std::string text(8, '\0');
+    std::size_t length = 0;
+    NodeId node = 0;
+    EXPECT_EQ(volume->lookupPath(name, &node), Status::ok) << name;
+    const std::span bytes(reinterpret_cast<std::uint8_t*>(text.data()), text.size());
+    EXPECT_EQ(volume->readFile(node, offset, bytes, &length), Status::ok) << name;
+    return text;
+  };
+  EXPECT_EQ(textAt("first", 2048), "block 31");
+  EXPECT_EQ(textAt("second", 0), "block 31");
+  EXPECT_EQ(textAt("second", 4096), "block 33");
+  EXPECT_EQ(textAt("all", 32 * 2048), "block 32");
+  EXPECT_EQ(textAt("root", 33), textAt("all", kComposedRoot * 2048 + 33));
+}
+
+TEST(HostileVolume, RootOfAnImpossibleLengthShowsWhatIsThere) {
+  for (const std::uint32_t length : {2048u, 2047u, 4096u, 0x7FFFFFFFu, 0xFFFFFFFFu}) {
+    SCOPED_TRACE(length);
+    ImageComposer composer = composeVolume(40, Extension::none, {{.identifier = "FILE.;1"}});
+    composer.putDescriptors(16, kComposedRoot, length);
+    EXPECT_THAT(rootNames(composer), testing::ElementsAre("file"));
+  }
+}
+
+TEST(HostileVolume, RootThatLiesNowhereIsNoVolume) {
+  for (const std::uint32_t extent : {40u, 0xFFFFFFFFu}) {
+    ImageComposer composer = composeVolume(40, Extension::none, {});
+    composer.putDescriptors(16, extent, 2048);
+    CountingSource source(composer);
+    std::string error;
+    EXPECT_FALSE(IsoVolume::open(source, {}, &error));
+    EXPECT_EQ(error, "the root directory of the volume at block 0 cannot be read");
+  }
 }
 
 TEST(HostileVolume, DirectoryEndsWhereTheNextOneBegins) {

@@ -20,103 +20,12 @@
 
 #include "helpers/file_tree.h"
 #include "helpers/image_composer.h"
+#include "helpers/isomount_fixture.h"
 #include "helpers/isovolume/iso_volume.h"
 #include "helpers/workshop.h"
 
 namespace kelvane::test {
 namespace {
-
-namespace fs = std::filesystem;
-
-const char* const kProgram = KELVANE_LIBEXEC_DIR "/isomount";
-
-/// Whether this user can mount here at all.
-bool fuseIsUsable() {
-  return access("/dev/fuse", R_OK | W_OK) == 0;
-}
-
-bool waitFor(const std::function<bool()>& condition) {
-  const auto deadline = std::chrono::steady_clock::now() + std::chrono::seconds(30);
-  while (!condition()) {
-    if (std::chrono::steady_clock::now() > deadline) return false;
-    std::this_thread::sleep_for(std::chrono::milliseconds(5));
-  }
-  return true;
-}
-
-/// The line of the mount table for `path`.
-std::optional<std::string> mountLine(const fs::path& path) {
-  std::ifstream table("/proc/self/mountinfo");
-  for (std::string line; std::getline(table, line);) {
-    if (line.find(" " + path.string() + " ") != std::string::npos) return line;
-  }
-  return std::nullopt;
-}
-
-/// The process among whose arguments is `path`.
-std::optional<fs::path> processWith(const fs::path& path) {
-  std::error_code ignored;
-  for (const fs::directory_entry& entry : fs::directory_iterator("/proc", ignored)) {
-    const std::string name = entry.path().filename();
-    if (name.find_first_not_of("0123456789") != std::string::npos) continue;
-    const std::string words = readFile(entry.path() / "cmdline");
-    if (words.find(path.string()) != std::string::npos) return entry.path();
-  }
-  return std::nullopt;
-}
-
-void unmount(const fs::path& path) {
-  if (geteuid() == 0) {
-    umount2(path.c_str(), 0);
-  } else {
-    run({"fusermount3", "-u", path});
-  }
-}
-
-class IsoMount : public testing::Test {
- protected:
-  void SetUp() override {
-    fs::create_directory(tree());
-    fs::create_directory(mountPoint());
-  }
-
-  void TearDown() override {
-    while (mountLine(mountPoint())) {
-      unmount(mountPoint());
-      if (mountLine(mountPoint())) run({"fusermount3", "-u", "-z", mountPoint()});
-    }
-    EXPECT_TRUE(waitFor([&] { return !processWith(mountPoint()); })) << "a process is left";
-  }
-
-  [[nodiscard]] fs::path tree() const { return workshop_ / "tree"; }
-  [[nodiscard]] fs::path image() const { return workshop_ / "disc.iso"; }
-  [[nodiscard]] fs::path mountPoint() const { return workshop_ / "mount"; }
-
-  void build(const std::vector<std::string>& options = {"-R"}) {
-    std::vector<std::string> words = {"genisoimage", "-quiet", "-input-charset", "utf-8"};
-    words.insert(words.end(), options.begin(), options.end());
-    words.insert(words.end(), {"-o", image(), tree()});
-    mustRun(words);
-  }
-
-  RunResult mount(std::vector<std::string> options = {}) {
-    std::vector<std::string> words = {kProgram, "--source", image()};
-    words.insert(words.end(), options.begin(), options.end());
-    words.push_back(mountPoint());
-    return run(words);
-  }
-
-  void mustMount(std::vector<std::string> options = {}) {
-    const RunResult result = mount(std::move(options));
-    ASSERT_EQ(result.status, 0) << result.errors;
-    EXPECT_EQ(result.errors, "");
-  }
-
-  Workshop workshop_;
-};
-
-#define NEEDS_FUSE() \
-  if (!fuseIsUsable()) GTEST_SKIP() << "this user may not use /dev/fuse"
 
 TEST_F(IsoMount, ShowsTheSourceTree) {
   NEEDS_FUSE();
@@ -342,7 +251,8 @@ TEST_F(IsoMount, WorksUnderLowLimits) {
   NEEDS_FUSE();
   writeFile(tree() / "file", std::string(500000, 'x'));
   build();
-  mustRun({"prlimit", "--nofile=12:12", "--core=0:0", kProgram, "--source", image(), mountPoint()});
+  mustRun({"prlimit", "--nofile=12:12", "--core=0:0", kIsoMountProgram, "--source", image(),
+           mountPoint()});
   EXPECT_EQ(readFile(mountPoint() / "file"), std::string(500000, 'x'));
 }
 
@@ -360,12 +270,13 @@ TEST_F(IsoMount, ForegroundProcessServesUntilTheVolumeIsUnmounted) {
   NEEDS_FUSE();
   writeFile(tree() / "file", "x");
   build();
-  std::vector<std::string> words = {kProgram, "--foreground", "--source", image(), mountPoint()};
+  std::vector<std::string> words = {kIsoMountProgram, "--foreground", "--source", image(),
+                                    mountPoint()};
   std::vector<char*> arguments;
   for (std::string& word : words) arguments.push_back(word.data());
   arguments.push_back(nullptr);
   pid_t child = 0;
-  ASSERT_EQ(posix_spawn(&child, kProgram, nullptr, nullptr, arguments.data(), environ), 0);
+  ASSERT_EQ(posix_spawn(&child, kIsoMountProgram, nullptr, nullptr, arguments.data(), environ), 0);
   EXPECT_TRUE(waitFor([&] { return mountLine(mountPoint()).has_value(); }));
   EXPECT_EQ(readFile(mountPoint() / "file"), "x");
   unmount(mountPoint());
@@ -378,7 +289,7 @@ TEST_F(IsoMount, ForegroundProcessServesUntilTheVolumeIsUnmounted) {
 TEST_F(IsoMount, RefusesWhatItCannotMountInOneLine) {
   build();
   const auto refusal = [&](const std::vector<std::string>& options) {
-    std::vector<std::string> words = {kProgram};
+    std::vector<std::string> words = {kIsoMountProgram};
     words.insert(words.end(), options.begin(), options.end());
     const RunResult result = run(words);
     EXPECT_EQ(result.status, 1);
@@ -413,7 +324,7 @@ TEST_F(IsoMount, RefusesWhatItCannotMountInOneLine) {
 
 TEST_F(IsoMount, PrintsTheVolumesNameInsteadOfMountingIt) {
   build({"-R", "-J", "-V", "Ein Name"});
-  const RunResult result = run({kProgram, "--source", image(), "--print-volume-id"});
+  const RunResult result = run({kIsoMountProgram, "--source", image(), "--print-volume-id"});
   EXPECT_EQ(result.status, 0) << result.errors;
   EXPECT_EQ(result.output, "Ein Name\n");
 }
@@ -421,7 +332,7 @@ TEST_F(IsoMount, PrintsTheVolumesNameInsteadOfMountingIt) {
 TEST_F(IsoMount, WrongCommandLineIsToldApart) {
   for (const std::vector<std::string>& options : std::vector<std::vector<std::string>>{
            {}, {"--source", "x"}, {"--source", "x", "--session", "-1", "y"}, {"--unknown"}}) {
-    std::vector<std::string> words = {kProgram};
+    std::vector<std::string> words = {kIsoMountProgram};
     words.insert(words.end(), options.begin(), options.end());
     const RunResult result = run(words);
     EXPECT_EQ(result.status, 2);

@@ -24,7 +24,8 @@ class BlockSource {
 
   /// Fills `out`, whose size is a multiple of kBlockSize, with the blocks from `first` on. All or
   /// nothing: false when any of them cannot be read or lies beyond the end, and `out` is then of no
-  /// meaning.
+  /// meaning. Whoever follows numbers found on the disc asks for nothing beyond the end: a drive
+  /// may take long to say no.
   [[nodiscard]] virtual bool readBlocks(std::uint64_t first, std::span<std::uint8_t> out) = 0;
 
   /// The number of whole blocks that the source has now.

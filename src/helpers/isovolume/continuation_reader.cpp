@@ -7,7 +7,8 @@ namespace kelvane::isovolume {
 
 bool ContinuationReader::read(std::uint64_t block, std::size_t offset, std::size_t length,
                               std::vector<std::uint8_t>* out) {
-  if (offset >= kBlockSize || length > kLongestArea) return false;
+  if (offset >= kBlockSize || length > kLongestArea || length > bytesLeft_) return false;
+  bytesLeft_ -= length;
   while (length > 0) {
     const CachedBlock* cached = cachedBlock(block);
     if (cached == nullptr) return false;
@@ -25,6 +26,7 @@ const ContinuationReader::CachedBlock* ContinuationReader::cachedBlock(std::uint
   CachedBlock& slot = cache_[number % cache_.size()];
   if (slot.number == number) return &slot;
   slot.number = UINT64_MAX;
+  if (number >= source_.sizeInBlocks()) return nullptr;
   if (!source_.readBlocks(number, slot.bytes)) return nullptr;
   slot.number = number;
   return &slot;

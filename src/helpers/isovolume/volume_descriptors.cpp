@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-2.0-or-later
 #include "helpers/isovolume/volume_descriptors.h"
 
+#include <algorithm>
 #include <array>
 #include <string_view>
 
@@ -73,7 +74,8 @@ std::optional<VolumeDescriptors> readVolumeDescriptors(BlockSource& source, Lba 
   const std::uint64_t first = std::uint64_t{sessionStart} + kFirstDescriptor;
   bool anyDescriptor = false;
   bool anyRead = false;
-  for (std::uint64_t lba = first; lba < first + kMostDescriptors; ++lba) {
+  const std::uint64_t end = std::min(first + kMostDescriptors, source.sizeInBlocks());
+  for (std::uint64_t lba = first; lba < end; ++lba) {
     if (!source.readBlocks(lba, block)) {
       // The next one may be readable, but only just behind the start is a search worth a drive's
       // retries.
