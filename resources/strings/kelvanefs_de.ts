@@ -266,6 +266,10 @@
         <source>Nothing was written: the disc holds what it held before, but your changes are lost. Usual causes are a full temporary folder, files that cannot be read, file names that are too much alike or not valid text, and files of 4 GB or more. Open the disc again and repeat the changes without the cause.</source>
         <translation>Es wurde nichts geschrieben: Die Disc enthält, was sie vorher enthielt, aber Ihre Änderungen sind verloren. Übliche Ursachen sind ein voller Ordner für temporäre Dateien, nicht lesbare Dateien, zu ähnliche oder ungültig kodierte Dateinamen und Dateien ab 4 GB. Öffnen Sie die Disc noch einmal und wiederholen Sie die Änderungen ohne die Ursache.</translation>
     </message>
+    <message id="SessionNotPreparedLong">
+        <source>Nothing was written: the disc holds what it held before. Something in the folder for temporary files is in the way. As far as your changes are still there, they are kept, and the report says where. Remove what is in the way, open the disc again and copy the changes onto it.</source>
+        <translation>Es wurde nichts geschrieben: Die Disc enthält, was sie vorher enthielt. Im Ordner für temporäre Dateien ist etwas im Weg. Soweit Ihre Änderungen noch da sind, werden sie aufgehoben; der Bericht sagt, wo. Entfernen Sie, was im Weg ist, öffnen Sie die Disc noch einmal und kopieren Sie die Änderungen darauf.</translation>
+    </message>
     <message id="CDBurnError">
         <source>The CD could not be burned completely</source>
         <translation>Die CD konnte nicht vollständig gebrannt werden</translation>

@@ -266,6 +266,10 @@
         <source>Nothing was written: the disc holds what it held before, but your changes are lost. Usual causes are a full temporary folder, files that cannot be read, file names that are too much alike or not valid text, and files of 4 GB or more. Open the disc again and repeat the changes without the cause.</source>
         <translation>Nothing was written: the disc holds what it held before, but your changes are lost. Usual causes are a full temporary folder, files that cannot be read, file names that are too much alike or not valid text, and files of 4 GB or more. Open the disc again and repeat the changes without the cause.</translation>
     </message>
+    <message id="SessionNotPreparedLong">
+        <source>Nothing was written: the disc holds what it held before. Something in the folder for temporary files is in the way. As far as your changes are still there, they are kept, and the report says where. Remove what is in the way, open the disc again and copy the changes onto it.</source>
+        <translation>Nothing was written: the disc holds what it held before. Something in the folder for temporary files is in the way. As far as your changes are still there, they are kept, and the report says where. Remove what is in the way, open the disc again and copy the changes onto it.</translation>
+    </message>
     <message id="CDBurnError">
         <source>The CD could not be burned completely</source>
         <translation>The CD could not be burned completely</translation>

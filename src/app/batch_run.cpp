@@ -201,7 +201,7 @@ void BatchRun::beginAlertSheet(const Alert& alert, std::function<void(int)>) {
     return;
   }
   const std::string line = asLine(alert);
-  if (stage_ == Stage::Burning) {
+  if (stage_ == Stage::Burning || stage_ == Stage::Closing) {
     outcome_.state = "burn-failed";
     outcome_.error = line;
     outcome_.exitStatus = static_cast<int>(BatchExit::BurnFailed);

@@ -121,19 +121,25 @@ class KVController : public WindowActions {
   std::optional<std::string> takeOverDiscWithContent(std::string& volumeName);
   void mountOverlay(const DeviceRecord& record, const std::string& volumeName,
                     const std::optional<std::string>& discMountPath, double usedMB);
+  void refuseToOpen(const std::string& reason);
   void registerMountObservers();
   void respondToBurnFSMounting();
   void performRespondToBurnFSMounting();
-  void showPerformMountFailedAlertAndReset();
+  /// `detail` says what is in the way; empty where the log tells.
+  void showPerformMountFailedAlertAndReset(const std::string& detail = {});
   void fuseDidUnmount();
   void releaseOverlay();
   void concludeUnmount();
+  void showDeletionsLostAlert();
   void respondToUnexpectedMediaEject();
   void discSizeDidChange();
 
   // Burning (kv_controller_burn.cpp, kv_controller_cd.cpp).
   void removeAppleDoubleFiles();
   void removeOverlayAndHideList();
+  std::string keepChanges();
+  std::string whyImagingIsUnsafe(const std::string& sessionString) const;
+  void refuseImaging(const std::string& reason);
   void ejectMediaOfCurrentDevice();
   void giveUpCurrentDevice();
   void burnDVD();
@@ -154,6 +160,7 @@ class KVController : public WindowActions {
   std::optional<DeviceRecord> currentDeviceDictionary_;  // Guarded by the mutex above.
   std::string burnImagePath_;
   std::string tmpDirPath_;
+  bool hideListIsWhole_ = true;  // Written with `sizetoburn`.
   std::string openButtonCaption_;
   bool mediaIsMounted_ = false;
   bool burnInProgress_ = false;

@@ -1,12 +1,19 @@
 // SPDX-License-Identifier: GPL-2.0-or-later
 // KVController: the answer to the confirmation sheet, the start of a burn, and the two clean-ups.
+#include <fcntl.h>
+
+#include <cerrno>
+#include <cstdio>
 #include <filesystem>
 #include <system_error>
 #include <typeinfo>
+#include <utility>
 
 #include "app/kv_controller.h"
 #include "platform/foundation/main_thread.h"
+#include "platform/foundation/own_files.h"
 #include "platform/foundation/paths.h"
+#include "platform/foundation/placeholders.h"
 #include "platform/foundation/strings_table.h"
 #include "platform/foundation/system_log.h"
 #include "platform/foundation/user_defaults.h"
@@ -84,8 +91,25 @@ void KVController::removeAppleDoubleFiles() {
 
 void KVController::removeOverlayAndHideList() {
   if (tmpDirPath_.empty()) return;
-  removeIgnoringFailure(tmpDirPath_);
-  removeIgnoringFailure(paths::hideListFile(tmpDirPath_));
+  removeOwn(tmpDirPath_);
+  removeOwn(paths::hideListFile(tmpDirPath_));
+}
+
+// Moves the overlay directory to where no clean-up finds it, and gives its new path. Where it
+// cannot be moved, it stays where it is, and no clean-up will look there. Empty where there is
+// none.
+std::string KVController::keepChanges() {
+  if (directoryState(tmpDirPath_) != PathState::Own) return {};
+  constexpr int kMostNames = 100;
+  for (int number = 0; number < kMostNames; ++number) {
+    const std::string kept = tmpDirPath_ + ".kept" + (number == 0 ? "" : format("-%i", number));
+    if (renameat2(AT_FDCWD, tmpDirPath_.c_str(), AT_FDCWD, kept.c_str(), RENAME_NOREPLACE) == 0) {
+      return kept;
+    }
+    if (errno != EEXIST) break;
+  }
+  removeOwn(paths::hideListFile(tmpDirPath_));
+  return std::exchange(tmpDirPath_, {});
 }
 
 void KVController::ejectMediaOfCurrentDevice() {
@@ -94,7 +118,7 @@ void KVController::ejectMediaOfCurrentDevice() {
   services_.discWillBeEjected(device->bsdName());
   // Where the disc was still mounted out of sight until now (a closed disc with one track is not
   // released before the burn), its folder could not be removed earlier.
-  removeIgnoringFailure(paths::hiddenMountFolder());
+  removeOwn(paths::hiddenMountFolder());
   device->ejectMedia();
 }
 
@@ -115,7 +139,7 @@ void KVController::cleanupWithoutBurn() {
   ejectMediaOfCurrentDevice();
   giveUpCurrentDevice();
   scanForMedia();
-  removeIgnoringFailure(paths::hiddenMountFolder());
+  removeOwn(paths::hiddenMountFolder());
   window_.replyToApplicationShouldTerminate(true);
 }
 
@@ -123,7 +147,7 @@ void KVController::commonBurnCleanup() {
   setBurnInProgress(false);
   window_.burnProgressIndicator().stopAnimation();
   removeOverlayAndHideList();
-  removeIgnoringFailure(paths::hiddenMountFolder());
+  removeOwn(paths::hiddenMountFolder());
   setMediaIsMounted(false);
   setOpenButtonCaption(localizedString("buttonopen"));
   ejectMediaOfCurrentDevice();
@@ -135,9 +159,7 @@ void KVController::commonBurnCleanup() {
 void KVController::burnDVD() {
   // Writing to DVDs is not built yet. The user's changes are not thrown away for that: they are
   // moved to where no clean-up finds them.
-  const std::string kept = tmpDirPath_ + ".kept";
-  std::error_code failure;
-  fs::rename(tmpDirPath_, kept, failure);
+  const std::string kept = keepChanges();
   Alert alert;
   alert.buttonKeys = {"OK"};
   alert.messageKey = "DVDBurnError";

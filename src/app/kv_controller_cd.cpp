@@ -14,6 +14,7 @@
 #include "media/quellbrook.h"
 #include "platform/foundation/bundle.h"
 #include "platform/foundation/child_task.h"
+#include "platform/foundation/own_files.h"
 #include "platform/foundation/paths.h"
 #include "platform/foundation/strings_table.h"
 #include "platform/foundation/system_log.h"
@@ -47,6 +48,11 @@ void KVController::burnCD() {
   quellbrook::unmount(device, *services_.volumes);
   if (!sessionString) {
     imagingFailed("The drive does not say where the next session may begin.");
+    return;
+  }
+
+  if (const std::string reason = whyImagingIsUnsafe(*sessionString); !reason.empty()) {
+    refuseImaging(reason);
     return;
   }
 
@@ -105,6 +111,37 @@ void KVController::startCDBurn() {
   myBurn_->writeLayout(std::move(track));
 }
 
+// What mkisofs reads and writes lies under names that others can foresee. Empty where all of it is
+// ours; the image is then made, so that it stays ours.
+std::string KVController::whyImagingIsUnsafe(const std::string& sessionString) const {
+  constexpr char kForeign[] = "%@ is somebody else's, or not what KelvaneFS needs there.";
+  if (directoryState(tmpDirPath_) != PathState::Own) return format(kForeign, tmpDirPath_);
+  if (sessionString != "0") {
+    const std::string hideList = paths::hideListFile(tmpDirPath_);
+    if (plainFileState(hideList) == PathState::Foreign) return format(kForeign, hideList);
+    if (!hideListIsWhole_ || plainFileState(hideList) == PathState::Free) {
+      return format("The list of deleted files, %@, could not be written.", hideList);
+    }
+  }
+  if (makeOwnFile(burnImagePath_)) return {};
+  if (plainFileState(burnImagePath_) == PathState::Foreign) return format(kForeign, burnImagePath_);
+  return format("The image %@ cannot be made.", burnImagePath_);
+}
+
+// Ends the burn before it has begun. Unlike a failure of mkisofs, this is not due to the changes,
+// which are kept.
+void KVController::refuseImaging(const std::string& reason) {
+  systemLog("CD imaging refused. %@", reason);
+  window_.burnProgressIndicator().stopAnimation();
+  Alert alert = warningAlert("CreateTrackAbortedWithError", {});
+  alert.informativeKey = "SessionNotPreparedLong";
+  const std::string kept = keepChanges();
+  alert.detail = kept.empty() ? reason : format("%@ Your changes are kept in %@.", reason, kept);
+  window_.beginAlertSheet(alert, nullptr);
+  ejectMediaOfCurrentDevice();
+  commonBurnCleanup();
+}
+
 void KVController::imagingFailed(const std::string& errors) {
   const std::string text = asciiText(errors);
   systemLog("CD imaging failed with error! Error: %@", text);
@@ -134,8 +171,7 @@ void KVController::cdburnstatuschanged(const Notification& notification) {
 void KVController::CDBurnFinished() {
   const DRBurnStatus status = myBurn_->status();
   systemLog("cd burn finished with state: %@", status.DRStatusStateKey);
-  std::error_code failure;
-  std::filesystem::remove(burnImagePath_, failure);
+  removeOwn(burnImagePath_);
   if (DRDevice* device = currentDevice_) device->releaseExclusiveAccess();
   if (status.DRStatusStateKey == DRStatusStateFailed) {
     const std::string error =

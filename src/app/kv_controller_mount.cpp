@@ -14,6 +14,7 @@
 #include "overlayfs/burn_fs_delegate.h"
 #include "platform/foundation/bundle.h"
 #include "platform/foundation/main_thread.h"
+#include "platform/foundation/own_files.h"
 #include "platform/foundation/paths.h"
 #include "platform/foundation/placeholders.h"
 #include "platform/foundation/strings_table.h"
@@ -37,6 +38,18 @@ void probeVolume() {
   lsetxattr(probe.c_str(), "dummy", "", 0, 0);
   std::error_code failure;
   std::filesystem::remove(probe, failure);
+}
+
+/// The path, of those that an opened disc needs in the folder of temporary files, at which somebody
+/// else's item stands; empty where there is none.
+std::string pathInTheWay(const std::string& tmpDirPath) {
+  for (const std::string& directory : {tmpDirPath, paths::hiddenMountFolder()}) {
+    if (directoryState(directory) == PathState::Foreign) return directory;
+  }
+  for (const std::string& file : {paths::hideListFile(tmpDirPath), paths::burnImage(tmpDirPath)}) {
+    if (plainFileState(file) == PathState::Foreign) return file;
+  }
+  return {};
 }
 
 }  // namespace
@@ -74,6 +87,10 @@ void KVController::mountBurnFSinBackground(std::latch& discIsNoted) {
   setTmpDirPath(paths::overlayDirectory(paths::secondsSinceReferenceDate()));
   discIsNoted.count_down();
 
+  if (const std::string path = pathInTheWay(tmpDirPath_); !path.empty()) {
+    refuseToOpen(format("%@ is somebody else's, or not what KelvaneFS needs there.", path));
+    return;
+  }
   std::string volumeName = kBlankVolumeName;
   std::optional<std::string> discMountPath;
   double usedMB = 0;
@@ -112,11 +129,7 @@ void KVController::mountOverlay(const DeviceRecord& record, const std::string& v
   info.usedMB = usedMB;
   myBurnFSDelegate_ = std::make_unique<BurnFSDelegate>(tmpDirPath_, discMountPath, info);
   if (!myBurnFSDelegate_->overlayDirectoryIsOwn()) {
-    systemLog(
-        "The overlay directory %@ is missing or somebody else's. kelvanefs not mounted. Showing "
-        "error.",
-        tmpDirPath_);
-    performOnMainThread([this] { showPerformMountFailedAlertAndReset(); });
+    refuseToOpen(format("The overlay directory %@ is missing or somebody else's.", tmpDirPath_));
     return;
   }
   const auto fileSystem = std::make_shared<GMUserFileSystem>(myBurnFSDelegate_.get(), false);
@@ -127,6 +140,12 @@ void KVController::mountOverlay(const DeviceRecord& record, const std::string& v
                                             "negative_vncache"};
   registerMountObservers();
   fileSystem->mountAtPath(paths::overlayMountPoint(), options);
+}
+
+// On the mount worker.
+void KVController::refuseToOpen(const std::string& reason) {
+  systemLog("%@ kelvanefs not mounted. Showing error.", reason);
+  performOnMainThread([this, reason] { showPerformMountFailedAlertAndReset(reason); });
 }
 
 void KVController::registerMountObservers() {
@@ -155,12 +174,13 @@ void KVController::performRespondToBurnFSMounting() {
   }
 }
 
-void KVController::showPerformMountFailedAlertAndReset() {
+void KVController::showPerformMountFailedAlertAndReset(const std::string& detail) {
   Alert alert;
   alert.style = Alert::Style::Critical;
   alert.buttonKeys = {"OK"};
   alert.messageKey = "Unmountfailed";
   alert.informativeKey = "Unmountfailedlong";
+  alert.detail = detail;
   alert.style = Alert::Style::Warning;
   window_.beginAlertSheet(alert, nullptr);
   window_.setHeaderLine(localizedString("headerDisksAvail"));
@@ -188,6 +208,7 @@ void KVController::fuseDidUnmount() {
   // The counter is an unsigned number to those who burn: a deficit, which removals can leave, is a
   // huge one.
   sizetoburn_ = static_cast<double>(static_cast<uint64_t>(myBurnFSDelegate_->localusedbytes()));
+  hideListIsWhole_ = myBurnFSDelegate_->hideListIsWhole();
   releaseOverlay();
   performOnMainThread([this] { concludeUnmount(); });
 }
@@ -208,11 +229,23 @@ void KVController::concludeUnmount() {
   std::error_code failure;
   const std::filesystem::directory_iterator entries(tmpDirPath_, failure);
   if (failure || entries == std::filesystem::directory_iterator()) {
+    if (!hideListIsWhole_) showDeletionsLostAlert();
     cleanupWithoutBurn();
     return;
   }
   window_.setBurnConfirmationDiskTitle(currentDeviceDictionary()->description.volumename);
   window_.beginBurnConfirmationSheet();
+}
+
+void KVController::showDeletionsLostAlert() {
+  Alert alert;
+  alert.buttonKeys = {"OK"};
+  alert.messageKey = "CreateTrackAbortedWithError";
+  alert.informativeKey = "CreateTrackAbortedWithErrorLong";
+  alert.detail = format("The list of deleted files, %@, could not be written.",
+                        paths::hideListFile(tmpDirPath_));
+  systemLog("%@", alert.detail);
+  window_.beginAlertSheet(alert, nullptr);
 }
 
 void KVController::respondToUnexpectedMediaEject() {

@@ -108,11 +108,15 @@ class BurnFSDelegate final : public GMUserFileSystemDelegate {
 
   /// Puts an empty placeholder at the place of every deleted item, writes the hide-list file
   /// (paths::hideListFile) and removes the desktop's housekeeping folders from the overlay
-  /// directory.
+  /// directory. Where the file cannot be written whole, none is left.
   ///
   /// The file is UTF-8: one pattern of mkisofs a line (see hide_pattern.h), in the order of the
   /// deletions, duplicates included, no line feed after the last; empty where nothing was deleted.
   void willUnmount() override;
+
+  /// Whether `willUnmount` could do all that: without it, deleted items would come back in a
+  /// session that is burned now. Read after the unmount.
+  bool hideListIsWhole() const { return hideListIsWhole_; }
 
  private:
   std::string overlayPath(std::string_view volumePath) const;
@@ -125,8 +129,9 @@ class BurnFSDelegate final : public GMUserFileSystemDelegate {
   void makeOverlayParent(const std::string& volumePath);
   void widenPermissions(const std::string& overlayItem);
   bool copyUp(const std::string& source, const std::string& destination);
+  void restoreOverlayDirectory();
   std::string makePlaceholder(const std::string& volumePath);
-  void writeHideListFile(const std::string& text);
+  bool writeHideListFile(const std::string& text);
   void postSizeChanged();
 
   std::string tmpDirPath;
@@ -136,6 +141,7 @@ class BurnFSDelegate final : public GMUserFileSystemDelegate {
   // Where a directory of the overlay shadows a link of the disc: what the link leads to is not in
   // it.
   std::unordered_set<std::string> shadowedLinks_;
+  bool hideListIsWhole_ = true;
   int64_t totalbytes = 0;
   int64_t usedbytes = 0;
   std::atomic<int64_t> localusedbytes_ = 0;  // Written on the file system's thread only.

@@ -1,5 +1,7 @@
 // SPDX-License-Identifier: GPL-2.0-or-later
 // Creation, moving and removal of items.
+#include <sys/stat.h>
+
 #include <cerrno>
 #include <cstdio>
 
@@ -20,12 +22,19 @@ std::string parentOf(const std::string& path) {
 }  // namespace
 
 void BurnFSDelegate::makeOverlayParent(const std::string& volumePath) {
+  restoreOverlayDirectory();
   fm.createDirectory(parentOf(overlayPath(volumePath)), {});
+}
+
+// Where the overlay directory has vanished, the new one is its owner's alone, too.
+void BurnFSDelegate::restoreOverlayDirectory() {
+  mkdir(tmpDirPath.c_str(), S_IRWXU);
 }
 
 bool BurnFSDelegate::createDirectoryAtPath(const std::string& path,
                                            const AttributeChanges& attributes, PosixError* error) {
   hideArray.remove(path);
+  restoreOverlayDirectory();
   const bool made = fm.createDirectory(overlayPath(path), attributes, error);
   cutOffDiscLink(path);
   return made;

@@ -3,6 +3,8 @@
 #include <fcntl.h>
 #include <unistd.h>
 
+#include <cerrno>
+
 #include "overlayfs/burn_fs_delegate.h"
 #include "overlayfs/hide_pattern.h"
 #include "overlayfs/local_file_handle.h"
@@ -23,7 +25,7 @@ void BurnFSDelegate::willUnmount() {
     if (!text.empty()) text += '\n';
     text += hidePattern(makePlaceholder(deleted));
   }
-  writeHideListFile(text);
+  if (!writeHideListFile(text)) hideListIsWhole_ = false;
   for (const std::string_view name : kHousekeeping) fm.removeItem(overlayPath(name));
 }
 
@@ -32,20 +34,30 @@ std::string BurnFSDelegate::makePlaceholder(const std::string& volumePath) {
   fm.removeItem(placeholder);
   makeOverlayParent(volumePath);
   const int descriptor = fm.createFile(placeholder, {});
-  if (descriptor >= 0) close(descriptor);
+  if (descriptor >= 0) {
+    close(descriptor);
+  } else if (errno != ENOTDIR) {
+    // Below an item that was deleted as a whole there is nothing to be hidden.
+    hideListIsWhole_ = false;
+  }
   return placeholder;
 }
 
-void BurnFSDelegate::writeHideListFile(const std::string& text) {
+bool BurnFSDelegate::writeHideListFile(const std::string& text) {
   // The folder is everybody's: a link or another user's file at this name is not written to.
   constexpr int kFlags = O_WRONLY | O_CREAT | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC;
-  const int descriptor = open(paths::hideListFile(tmpDirPath).c_str(), kFlags, S_IRUSR | S_IWUSR);
-  if (descriptor < 0) return;
+  const std::string path = paths::hideListFile(tmpDirPath);
+  const int descriptor = open(path.c_str(), kFlags, S_IRUSR | S_IWUSR);
+  if (descriptor < 0) return false;
   const LocalFileHandle file(descriptor, LocalFileHandle::Access::ReadWrite);
   struct stat status = {};
   const bool isOwn = fstat(descriptor, &status) == 0 && S_ISREG(status.st_mode) &&
                      status.st_uid == geteuid() && status.st_nlink == 1;
-  if (isOwn && ftruncate(descriptor, 0) == 0) file.write(text.data(), text.size(), 0, nullptr);
+  if (!isOwn || ftruncate(descriptor, 0) != 0) return false;
+  if (file.write(text.data(), text.size(), 0, nullptr)) return true;
+  // A part of the list would hide a part of what was deleted.
+  unlink(path.c_str());
+  return false;
 }
 
 }  // namespace kelvane
