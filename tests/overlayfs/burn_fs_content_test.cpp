@@ -1,7 +1,11 @@
 // SPDX-License-Identifier: GPL-2.0-or-later
+#include <fcntl.h>
+#include <sys/resource.h>
 #include <unistd.h>
 
 #include <cerrno>
+#include <csignal>
+#include <thread>
 
 #include "overlayfs/delegate_fixture.h"
 
@@ -255,6 +259,93 @@ TEST_F(BurnFSContent, CreatingADeletedDiscFileMakesItVisibleAgainFromTheOverlay)
   ASSERT_TRUE(attributes.has_value());
   EXPECT_EQ(attributes->origin, ItemOrigin::Writable);
   EXPECT_EQ(attributes->status->st_size, 3);
+}
+
+TEST_F(BurnFSContent, TheOpenModeIsIgnored) {
+  trees.addDiscFile("/disc", "disc");
+  makeDelegate();
+  create("/overlay", "text");
+  for (const int mode : {O_RDONLY, O_WRONLY, O_RDWR, O_WRONLY | O_TRUNC}) {
+    std::unique_ptr<UserData> file;
+    ASSERT_TRUE(delegate->openFileAtPath("/overlay", mode, &file, nullptr));
+    EXPECT_TRUE(file->isWritable());
+    ASSERT_TRUE(delegate->openFileAtPath("/disc", mode, &file, nullptr));
+    EXPECT_FALSE(file->isWritable());
+  }
+  EXPECT_EQ(contentOf(overlay("/overlay")), "text");
+  EXPECT_FALSE(exists(overlay("/disc")));
+}
+
+TEST_F(BurnFSContent, WithoutADiscWhatTheOverlayLacksCannotBeOpened) {
+  makeDelegateOver(std::nullopt, {700, 0});
+  std::unique_ptr<UserData> file;
+  EXPECT_FALSE(delegate->openFileAtPath("/gone", 0, &file, nullptr));
+  EXPECT_THAT(log, ElementsAre("Error! Openfile did not find file! /gone"));
+}
+
+TEST_F(BurnFSContent, AWriteIsAnnouncedWhenItHasBeenCountedAndOnTheSameThread) {
+  makeDelegate();
+  create("/file");
+  int64_t counted = -1;
+  std::thread::id thread;
+  NotificationCenter::defaultCenter().addObserver(this, kKelvaneFSSizeChanged, delegate.get(),
+                                                  [&](const Notification&) {
+                                                    counted = delegate->localusedbytes();
+                                                    thread = std::this_thread::get_id();
+                                                  });
+  write("/file", open("/file").get(), "12345", 0);
+  EXPECT_EQ(counted, 5);
+  EXPECT_EQ(thread, std::this_thread::get_id());
+  ASSERT_TRUE(delegate->removeItemAtPath("/file", nullptr));
+  EXPECT_EQ(counted, 0);
+}
+
+TEST_F(BurnFSContent, AWriteThatFailsIsNeitherCountedNorAnnounced) {
+  makeDelegate();
+  create("/file");
+  const auto file = open("/file");
+  const auto oldHandler = std::signal(SIGXFSZ, SIG_IGN);
+  rlimit old = {};
+  ASSERT_EQ(getrlimit(RLIMIT_FSIZE, &old), 0);
+  rlimit none = old;
+  none.rlim_cur = 0;
+  ASSERT_EQ(setrlimit(RLIMIT_FSIZE, &none), 0);
+  PosixError error;
+  EXPECT_EQ(write("/file", file.get(), "text", 0, &error), 0);
+  setrlimit(RLIMIT_FSIZE, &old);
+  std::signal(SIGXFSZ, oldHandler);
+  EXPECT_EQ(error.code, EFBIG);
+  EXPECT_EQ(delegate->localusedbytes(), 0);
+  EXPECT_EQ(sizeChanges, 0);
+}
+
+TEST_F(BurnFSContent, ACreationThatFailsHasShownThePathAndMadeTheParent) {
+  trees.addDiscDirectory("/gone");
+  makeDelegate();
+  ASSERT_TRUE(delegate->removeItemAtPath("/gone", nullptr));
+  mkdir(overlay("/gone").c_str(), 0755);
+  std::unique_ptr<UserData> file;
+  PosixError error;
+  EXPECT_FALSE(delegate->createFileAtPath("/gone", {}, &file, &error));
+  EXPECT_FALSE(error.isSet());
+  EXPECT_TRUE(isVisible("/gone"));
+  EXPECT_FALSE(delegate->createFileAtPath("/new/" + std::string(256, 'n'), {}, &file, &error));
+  EXPECT_FALSE(error.isSet());
+  EXPECT_TRUE(exists(overlay("/new")));
+  EXPECT_EQ(file, nullptr);
+}
+
+TEST_F(BurnFSContent, WithoutSpaceEverythingButCreatingAndWritingFilesStillWorks) {
+  trees.addDiscFile("/docs/file", "disc");
+  makeDelegateWithFree(4095);
+  EXPECT_TRUE(delegate->createDirectoryAtPath("/directory", {}, nullptr));
+  EXPECT_TRUE(delegate->createSymbolicLinkAtPath("/link", "target", nullptr));
+  EXPECT_TRUE(delegate->moveItemAtPath("/docs", "/directory/docs", nullptr));
+  EXPECT_EQ(contentOf(overlay("/directory/docs/file")), "disc");
+  EXPECT_EQ(sizeChanges, 0);
+  EXPECT_TRUE(delegate->removeItemAtPath("/filler", nullptr));
+  create("/file", "there is space again");
+  EXPECT_TRUE(isVisible("/file"));
 }
 
 }  // namespace

@@ -159,5 +159,26 @@ TEST_F(BurnFSLinks, AnItemThatOnlyTheDiscHasKeepsItsAttributes) {
   EXPECT_EQ(statusOf(trees.disc() + "/file").st_mode & 07777, 0444U);
 }
 
+TEST_F(BurnFSLinks, ALinkIsNeitherCountedNorAnnounced) {
+  makeDelegate();
+  ASSERT_TRUE(delegate->createSymbolicLinkAtPath("/link", "target", nullptr));
+  EXPECT_EQ(delegate->localusedbytes(), 0);
+  EXPECT_EQ(sizeChanges, 0);
+}
+
+TEST_F(BurnFSLinks, ADeletedLinkOfTheDiscCanStillBeRead) {
+  trees.addDiscLink("/link", std::string(trees.overlay().size(), '-') + "disc");
+  makeDelegate();
+  ASSERT_TRUE(delegate->removeItemAtPath("/link", nullptr));
+  EXPECT_EQ(read("/link"), "disc");
+}
+
+TEST_F(BurnFSLinks, AnOverlayItemThatIsNoLinkShadowsTheDiscsLink) {
+  trees.addDiscLink("/link", std::string(trees.overlay().size(), '-') + "disc");
+  makeDelegate();
+  create("/link", "a file");
+  EXPECT_FALSE(read("/link").has_value());
+}
+
 }  // namespace
 }  // namespace kelvane::tests

@@ -236,5 +236,71 @@ TEST_F(BurnFSLookup, ExtendedAttributesAreNotSupported) {
   for (const PosixError error : {list, value, set, removal}) EXPECT_EQ(error.code, ENOSYS);
 }
 
+TEST_F(BurnFSLookup, NothingIsCountedAndNothingHiddenToBeginWith) {
+  trees.addDiscFile("/file", "x");
+  makeDelegate();
+  EXPECT_EQ(delegate->localusedbytes(), 0);
+  EXPECT_TRUE(isVisible("/file"));
+}
+
+TEST_F(BurnFSLookup, EachOfTheCapacitiesMayBeMissing) {
+  makeDelegate({700, std::nullopt});
+  EXPECT_EQ(delegate->attributesOfFileSystemForPath("/", nullptr)->NSFileSystemSize, 734003200U);
+  EXPECT_EQ(delegate->attributesOfFileSystemForPath("/", nullptr)->NSFileSystemFreeSize,
+            734003200U);
+  makeDelegate({std::nullopt, 100});
+  EXPECT_EQ(delegate->attributesOfFileSystemForPath("/", nullptr)->NSFileSystemSize, 0U);
+  EXPECT_EQ(delegate->attributesOfFileSystemForPath("/", nullptr)->NSFileSystemFreeSize,
+            0ULL - (100ULL << 20));
+}
+
+TEST_F(BurnFSLookup, FractionsAreCutTowardZero) {
+  makeDelegate({-1.9, -0.9});
+  const auto capacity = delegate->attributesOfFileSystemForPath("/", nullptr);
+  EXPECT_EQ(capacity->NSFileSystemSize, 0ULL - (1ULL << 20));
+  EXPECT_EQ(capacity->NSFileSystemFreeSize, 0ULL - (1ULL << 20));
+}
+
+TEST_F(BurnFSLookup, ADeletedItemOfTheRootIsNotListed) {
+  trees.addDiscFile("/a", "x");
+  trees.addDiscFile("/b", "x");
+  makeDelegate();
+  ASSERT_TRUE(delegate->removeItemAtPath("/a", nullptr));
+  EXPECT_THAT(delegate->contentsOfDirectoryAtPath("/", nullptr), ElementsAre("b"));
+}
+
+TEST_F(BurnFSLookup, AnOverlayItemAtADeletedPathIsListedThoughItIsNotFound) {
+  trees.addDiscFile("/file", "x");
+  makeDelegate();
+  ASSERT_TRUE(delegate->removeItemAtPath("/file", nullptr));
+  ASSERT_TRUE(delegate->createSymbolicLinkAtPath("/file", "target", nullptr));
+  EXPECT_THAT(delegate->contentsOfDirectoryAtPath("/", nullptr), ElementsAre("file"));
+  EXPECT_FALSE(isVisible("/file"));
+}
+
+TEST_F(BurnFSLookup, TheListingOfAFileIsEmptyAndNoError) {
+  trees.addDiscFile("/disc", "x");
+  makeDelegate();
+  create("/overlay", "x");
+  for (const std::string path : {"/disc", "/overlay"}) {
+    PosixError error;
+    EXPECT_THAT(delegate->contentsOfDirectoryAtPath(path, &error), IsEmpty()) << path;
+    EXPECT_FALSE(error.isSet());
+  }
+}
+
+TEST_F(BurnFSLookup, TrashesExistsWithEmptyAttributesWhetherDeletedOrThere) {
+  trees.addDiscFile("/.Trashes/file", "x");
+  makeDelegate();
+  create("/.TrashesX", "text");
+  ASSERT_TRUE(delegate->removeItemAtPath("/.Trashes/file", nullptr));
+  ASSERT_TRUE(delegate->removeItemAtPath("/.Trashes", nullptr));
+  for (const std::string path : {"/.Trashes", "/.Trashes/file", "/.TrashesX"}) {
+    const auto attributes = delegate->attributesOfItemAtPath(path, nullptr, nullptr);
+    ASSERT_TRUE(attributes.has_value()) << path;
+    EXPECT_TRUE(attributes->isEmpty()) << path;
+  }
+}
+
 }  // namespace
 }  // namespace kelvane::tests

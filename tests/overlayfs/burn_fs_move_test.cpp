@@ -184,5 +184,73 @@ TEST_F(BurnFSMove, TheCopyOfAHiddenDiscItemIsMadeAllTheSame) {
   EXPECT_EQ(contentOf(overlay("/copy")), "disc");
 }
 
+TEST_F(BurnFSMove, TheParentIsMadeBeforeARenameThatFails) {
+  makeDelegate();
+  create("/directory/file");
+  EXPECT_TRUE(move("/directory", "/directory/new/below"));
+  EXPECT_EQ(error.code, EINVAL);
+  EXPECT_TRUE(exists(overlay("/directory/new")));
+  EXPECT_TRUE(isVisible("/directory/file"));
+}
+
+TEST_F(BurnFSMove, TheParentIsMadeBeforeACopyThatFails) {
+  trees.addDiscFile("/file", "disc");
+  makeDelegate();
+  EXPECT_FALSE(move("/file", "/new/" + std::string(256, 'n')));
+  EXPECT_FALSE(error.isSet());
+  EXPECT_TRUE(exists(overlay("/new")));
+  EXPECT_TRUE(isVisible("/file")) << "hidden only once it has been copied";
+  delegate->willUnmount();
+  EXPECT_EQ(contentOf(trees.hideListFile()), "");
+}
+
+TEST_F(BurnFSMove, ACopyToADeletedPathMakesItVisible) {
+  trees.addDiscFile("/file", "disc");
+  trees.addDiscFile("/gone", "gone");
+  makeDelegate();
+  delegate->removeItemAtPath("/gone", nullptr);
+  delegate->removeItemAtPath("/gone", nullptr);
+  ASSERT_TRUE(move("/file", "/gone"));
+  EXPECT_EQ(delegate->attributesOfItemAtPath("/gone", nullptr, nullptr)->status->st_size, 4);
+  delegate->willUnmount();
+  EXPECT_EQ(contentOf(trees.hideListFile()), overlay("/file"));
+}
+
+TEST_F(BurnFSMove, ARenamedOverlayItemIsNotPutOnTheHideList) {
+  trees.addDiscFile("/file", "disc");
+  makeDelegate();
+  create("/file", "new");
+  ASSERT_TRUE(move("/file", "/moved"));
+  delegate->willUnmount();
+  EXPECT_EQ(contentOf(trees.hideListFile()), "");
+}
+
+TEST_F(BurnFSMove, EveryCopyFromTheSamePathHidesItOnceMore) {
+  trees.addDiscFile("/file", "disc");
+  makeDelegate();
+  ASSERT_TRUE(move("/file", "/first"));
+  ASSERT_TRUE(move("/file", "/second"));
+  delegate->willUnmount();
+  EXPECT_EQ(contentOf(trees.hideListFile()), overlay("/file") + "\n" + overlay("/file"));
+}
+
+TEST_F(BurnFSMove, TheCopyOfADirectoryHasWhatWasDeletedInItToo) {
+  trees.addDiscFile("/docs/deleted", "x");
+  trees.addDiscFile("/docs/kept", "x");
+  makeDelegate();
+  ASSERT_TRUE(delegate->removeItemAtPath("/docs/deleted", nullptr));
+  ASSERT_TRUE(move("/docs", "/moved"));
+  EXPECT_THAT(namesIn(overlay("/moved")), ElementsAre("deleted", "kept"));
+}
+
+TEST_F(BurnFSMove, OnlyAPathThatBeginsWithTrashesDeletes) {
+  makeDelegate();
+  create("/file", "text");
+  ASSERT_TRUE(move("/file", "/sub/.Trashes"));
+  ASSERT_TRUE(move("/sub/.Trashes", "/.trashes"));
+  ASSERT_TRUE(move("/.trashes", "/.Trash"));
+  EXPECT_EQ(contentOf(overlay("/.Trash")), "text");
+}
+
 }  // namespace
 }  // namespace kelvane::tests

@@ -141,5 +141,51 @@ TEST_F(BurnFSUnmount, TheDelegatesEndDeletesNothing) {
   EXPECT_EQ(contentOf(overlay("/file")), "12345");
 }
 
+TEST_F(BurnFSUnmount, PlaceholdersOfHousekeepingAreTidiedAwayAndTheirLinesStay) {
+  trees.addDiscFile("/.TemporaryItems/a", "x");
+  trees.addDiscFile("/._.Trashes", "x");
+  makeDelegate();
+  removeAll({"/.TemporaryItems/a", "/._.Trashes"});
+  delegate->willUnmount();
+  EXPECT_EQ(hideList(), overlay("/.TemporaryItems/a") + "\n" + overlay("/._.Trashes"));
+  EXPECT_THAT(namesIn(trees.overlay()), IsEmpty());
+}
+
+TEST_F(BurnFSUnmount, HousekeepingBelowTheRootIsKept) {
+  makeDelegate();
+  create("/sub/.Trashes");
+  create("/.TrashesX");
+  delegate->willUnmount();
+  EXPECT_THAT(namesIn(trees.overlay()), ElementsAre(".TrashesX", "sub"));
+  EXPECT_TRUE(exists(overlay("/sub/.Trashes")));
+}
+
+TEST_F(BurnFSUnmount, WhatIsDeletedStaysHidden) {
+  trees.addDiscFile("/a", "x");
+  makeDelegate();
+  removeAll({"/a"});
+  delegate->willUnmount();
+  EXPECT_FALSE(isVisible("/a"));
+}
+
+TEST_F(BurnFSUnmount, AListThatCannotBeWrittenIsPassedOverInSilence) {
+  trees.addDiscFile("/a", "x");
+  makeDelegate();
+  create("/.Trashes/x");
+  removeAll({"/a"});
+  mkdir(trees.hideListFile().c_str(), 0700);
+  delegate->willUnmount();
+  EXPECT_THAT(namesIn(trees.overlay()), ElementsAre("a")) << "the other steps are taken";
+  EXPECT_THAT(log, IsEmpty());
+}
+
+TEST_F(BurnFSUnmount, APlaceholderThatCannotBeMadeIsPassedOverInSilence) {
+  trees.addDiscFile("/a/b", "x");
+  makeDelegate();
+  removeAll({"/a", "/a/b"});
+  delegate->willUnmount();
+  EXPECT_THAT(log, IsEmpty());
+}
+
 }  // namespace
 }  // namespace kelvane::tests
