@@ -29,6 +29,43 @@ TEST_F(MountedUnmount, TheHideListIsCompleteWhenTheUnmountIsAnnounced) {
   EXPECT_EQ(volume->unmountCount(), 1);
 }
 
+TEST_F(MountedUnmount, DeletedNamesOfAllKindsStandInTheHideListAsBytes) {
+  const std::vector<std::string> names = {"/Mu\u0308ller", "/\xc3\xff", "/two\nlines",
+                                          "/{a}",          "/ÄÖÜẞ",     "/a*b?c\\d"};
+  for (const std::string& name : names) trees.addDiscFile("/all kinds" + name, "x");
+  for (const std::string& name : names) {
+    ASSERT_EQ(unlink(at("/all kinds" + name).c_str()), 0) << name;
+  }
+  ASSERT_TRUE(volume->unmountAndWait());
+  std::string expected;
+  for (const char* pattern :
+       {"/M*ller", "/\xc3\xff", "/two\nlines", "/*a*", "/****", "/a*b?c\\d"}) {
+    if (!expected.empty()) expected += '\n';
+    expected += trees.overlay() + "/all kinds" + pattern;
+  }
+  EXPECT_EQ(contentOf(trees.hideListFile()), expected);
+  for (const std::string& name : names) {
+    EXPECT_EQ(statusOf(trees.overlay() + "/all kinds" + name).st_size, 0) << name;
+  }
+}
+
+TEST_F(MountedUnmount, NestedDeletionsLeaveOneEmptyFile) {
+  trees.addDiscFile("/one/sub/file", "x");
+  sh("rm one/sub/file && rmdir one/sub one");  // From below, as the kernel demands.
+  ASSERT_TRUE(volume->unmountAndWait());
+  const std::string one = trees.overlay() + "/one";
+  EXPECT_EQ(contentOf(trees.hideListFile()), one + "/sub/file\n" + one + "/sub\n" + one);
+  EXPECT_TRUE(S_ISREG(statusOf(one).st_mode));
+}
+
+TEST_F(MountedUnmount, ADirectoryMovedAwayIsHiddenWholeAndWhatWasDeletedInItBefore) {
+  sh("rm docs/a && mv docs moved && mkdir docs && echo new > docs/b && rm -r docs");
+  ASSERT_TRUE(volume->unmountAndWait());
+  EXPECT_TRUE(S_ISREG(statusOf(trees.overlay() + "/docs").st_mode));
+  EXPECT_TRUE(S_ISDIR(statusOf(trees.overlay() + "/moved").st_mode));
+  EXPECT_TRUE(namesIn(trees.overlay() + "/moved").empty());
+}
+
 TEST_F(MountedUnmount, WithoutChangesTheOverlayStaysEmpty) {
   sh("ls -lR . >/dev/null && cat docs/a");
   ASSERT_TRUE(volume->unmountAndWait());
