@@ -80,10 +80,10 @@ bool BurnFSDelegate::isCutOff(std::string_view volumePath) const {
 // Called for a path where the overlay has got an item.
 void BurnFSDelegate::cutOffDiscLink(const std::string& volumePath) {
   if (!mountPath.has_value()) return;
-  const auto onDisc = fm.attributesOfItem(discPath(volumePath));
-  if (!onDisc.has_value() || !S_ISLNK(onDisc->st_mode)) return;
   const auto inOverlay = fm.attributesOfItem(overlayPath(volumePath));
-  if (inOverlay.has_value() && S_ISDIR(inOverlay->st_mode)) shadowedLinks_.insert(volumePath);
+  if (!inOverlay.has_value() || !S_ISDIR(inOverlay->st_mode)) return;
+  const auto onDisc = fm.attributesOfItem(discPath(volumePath));
+  if (onDisc.has_value() && S_ISLNK(onDisc->st_mode)) shadowedLinks_.insert(volumePath);
 }
 
 int64_t BurnFSDelegate::freeOverlaySpace() const {

@@ -127,6 +127,9 @@ class BurnFSDelegate final : public GMUserFileSystemDelegate {
   int64_t freeOverlaySpace() const;
   bool hasSpace() const;
   void makeOverlayParent(const std::string& volumePath);
+  int createOverlayFile(const std::string& volumePath, const AttributeChanges& attributes);
+  bool renameInOverlay(const std::string& from, const std::string& to,
+                       const std::string& destination);
   void widenPermissions(const std::string& overlayItem);
   bool copyUp(const std::string& source, const std::string& destination);
   void restoreOverlayDirectory();

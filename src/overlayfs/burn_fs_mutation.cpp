@@ -22,13 +22,35 @@ std::string parentOf(const std::string& path) {
 }  // namespace
 
 void BurnFSDelegate::makeOverlayParent(const std::string& volumePath) {
+  const std::string parent = parentOf(overlayPath(volumePath));
+  if (fm.fileExists(parent)) return;
   restoreOverlayDirectory();
-  fm.createDirectory(parentOf(overlayPath(volumePath)), {});
+  fm.createDirectory(parent, {});
 }
 
 // Where the overlay directory has vanished, the new one is its owner's alone, too.
 void BurnFSDelegate::restoreOverlayDirectory() {
   mkdir(tmpDirPath.c_str(), S_IRWXU);
+}
+
+// Makes an empty file and the directories above it. These are mostly there: they are made only
+// where the file tells that they are not. -1, with errno set, where it fails.
+int BurnFSDelegate::createOverlayFile(const std::string& volumePath,
+                                      const AttributeChanges& attributes) {
+  const std::string path = overlayPath(volumePath);
+  const int descriptor = fm.createFile(path, attributes);
+  if (descriptor >= 0 || errno != ENOENT) return descriptor;
+  makeOverlayParent(volumePath);
+  return fm.createFile(path, attributes);
+}
+
+// The same for a rename. False, with errno set, where it fails.
+bool BurnFSDelegate::renameInOverlay(const std::string& from, const std::string& to,
+                                     const std::string& destination) {
+  if (std::rename(from.c_str(), to.c_str()) == 0) return true;
+  if (errno != ENOENT) return false;
+  makeOverlayParent(destination);
+  return std::rename(from.c_str(), to.c_str()) == 0;
 }
 
 bool BurnFSDelegate::createDirectoryAtPath(const std::string& path,
@@ -47,8 +69,7 @@ bool BurnFSDelegate::createFileAtPath(const std::string& path, const AttributeCh
     return false;
   }
   hideArray.remove(path);
-  makeOverlayParent(path);
-  const int descriptor = fm.createFile(overlayPath(path), attributes);
+  const int descriptor = createOverlayFile(path, attributes);
   if (descriptor < 0) return false;
   *userData = std::make_unique<LocalFileHandle>(descriptor, LocalFileHandle::Access::ReadWrite);
   return true;
@@ -63,8 +84,7 @@ bool BurnFSDelegate::moveItemAtPath(const std::string& source, const std::string
   const std::string from = overlayPath(source);
   const std::string to = overlayPath(destination);
   if (fm.fileExists(from)) {
-    makeOverlayParent(destination);
-    if (std::rename(from.c_str(), to.c_str()) != 0) {
+    if (!renameInOverlay(from, to, destination)) {
       setError(error, errno);
       return true;  // With the error set: what calls looks at it.
     }

@@ -32,8 +32,7 @@ void BurnFSDelegate::willUnmount() {
 std::string BurnFSDelegate::makePlaceholder(const std::string& volumePath) {
   std::string placeholder = overlayPath(volumePath);
   fm.removeItem(placeholder);
-  makeOverlayParent(volumePath);
-  const int descriptor = fm.createFile(placeholder, {});
+  const int descriptor = createOverlayFile(volumePath, {});
   if (descriptor >= 0) {
     close(descriptor);
   } else if (errno != ENOTDIR) {

@@ -88,8 +88,12 @@ bool LocalFileManager::fileExists(const std::string& path) const {
 
 std::vector<std::string> LocalFileManager::contentsOfDirectory(const std::string& path) const {
   std::vector<std::string> names;
+  const int before = errno;
   const std::unique_ptr<DIR, CloseDirectory> directory(opendir(path.c_str()));
-  if (directory == nullptr) return names;
+  if (directory == nullptr) {
+    if (errno == ENOENT || errno == ENOTDIR) errno = before;  // Nothing has failed.
+    return names;
+  }
   while (const dirent* entry = readdir(directory.get())) {
     if (!isDotOrDotDot(entry->d_name)) names.emplace_back(entry->d_name);
   }
@@ -119,9 +123,9 @@ int LocalFileManager::createFile(const std::string& path,
 }
 
 bool LocalFileManager::removeItem(const std::string& path) const {
+  if (unlink(path.c_str()) == 0) return true;
   struct stat status = {};
-  if (lstat(path.c_str(), &status) != 0) return false;
-  if (!S_ISDIR(status.st_mode)) return unlink(path.c_str()) == 0;
+  if (lstat(path.c_str(), &status) != 0 || !S_ISDIR(status.st_mode)) return false;
   // What lies in a directory without write permission can only be removed once it has it.
   if ((status.st_mode & S_IRWXU) != S_IRWXU) chmod(path.c_str(), status.st_mode | S_IRWXU);
   for (const std::string& name : contentsOfDirectory(path)) {

@@ -4,6 +4,7 @@
 #define FUSE_USE_VERSION 314
 #include <fuse_lowlevel.h>
 
+#include <cerrno>
 #include <memory>
 #include <optional>
 #include <set>
@@ -118,6 +119,7 @@ class Volume {
   std::optional<Item> itemAt(const std::string& path);
   std::optional<Item> namelessItemAt(const std::string& path);
   std::optional<Item> itemOf(Node* node);
+  std::optional<Item> itemAtUnlessKnownMissing(const std::string& path);
   int checkName(const Node* parent, std::string_view name) const;
   int checkFree(const Node* parent, const char* name);
   Node* nodeFor(Node* parent, std::string_view name, const Item& item);
@@ -125,6 +127,9 @@ class Volume {
   fuse_entry_param entryFor(Node* node, const Item& item);
   void replyEntry(fuse_req_t request, Node* parent, const char* name, const Item& item);
   void replyItemAt(fuse_req_t request, Node* parent, const char* name);
+
+  // What every request that makes an item says beforehand (volume_lookup.cpp).
+  void itemsMayAppear() { missingPath_.clear(); }
 
   // Changes of content that the kernel or an open file could miss (volume.cpp).
   void parentsBecameWritable(Node* parent);
@@ -154,6 +159,7 @@ class Volume {
   void takeNames(OpenDirectory* directory);
   size_t addEntry(fuse_req_t request, char* buffer, size_t size, OpenDirectory& directory,
                   size_t index);
+  int checkEmpty(const std::string& path);
   int removeDirectoryAt(const std::string& path);
 
   // Links (volume_links.cpp).
@@ -180,6 +186,7 @@ class Volume {
   double missingNameLifetime_;
   bool isInitialised_ = false;
   bool mayHideItems_ = false;  // Something was removed or moved: paths may be hidden.
+  std::string missingPath_;    // Looked up last in vain; nothing was made or moved since.
   uint64_t contentEpoch_ = 0;  // Counts events after which a read-only open file may be outdated.
   uint64_t lastNamelessInode_ = 0;
   uint64_t lastTemporaryName_ = 0;
@@ -189,9 +196,29 @@ class Volume {
   std::set<OpenDirectory*> openDirectories_;
 };
 
-/// The error number of a delegate operation: the one it has set, or `otherwise`.
+/// What went wrong below during the request that is being answered, as far as programs must hear of
+/// it: errno, which is 0 when a request begins, where it says that something broke or ran out. Many
+/// operations of the delegate cannot say so themselves, and what cannot be read is not missing.
+inline int failureBelow() {
+  switch (errno) {
+    case EIO:
+    case ENOSPC:
+    case EDQUOT:
+    case EMFILE:
+    case ENFILE:
+    case ENOMEM:
+      return errno;
+    default:
+      return 0;
+  }
+}
+
+/// The error number of a delegate operation that failed: the one it has set, that of a failure
+/// below, or `otherwise`.
 inline int numberOf(const PosixError& error, int otherwise) {
-  return error.isSet() ? error.code : otherwise;
+  if (error.isSet()) return error.code;
+  const int below = failureBelow();
+  return below != 0 ? below : otherwise;
 }
 
 }  // namespace kelvane::userfs

@@ -124,6 +124,7 @@ int Volume::shadowDirectory(const std::string& path, const Item& item, Attribute
   PosixError error;
   AttributeChanges present;
   present.NSFilePosixPermissions = item.status.st_mode & kPermissionBits;
+  itemsMayAppear();
   if (!delegate_->createDirectoryAtPath(path, present, &error)) return numberOf(error, EIO);
   // Who sets one of the times leaves the other as it was.
   if (!changes.NSFileModificationDate) changes.NSFileModificationDate = item.status.st_mtim;

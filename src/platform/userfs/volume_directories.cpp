@@ -66,6 +66,10 @@ size_t Volume::addEntry(fuse_req_t request, char* buffer, size_t size, OpenDirec
 void Volume::readdirplus(fuse_req_t request, size_t size, off_t offset, fuse_file_info* info) {
   OpenDirectory* const directory = directoryOf(info);
   if (offset == 0) takeNames(directory);
+  if (const int code = failureBelow()) {
+    fuse_reply_err(request, code);
+    return;
+  }
   std::vector<char> buffer(size);
   size_t used = 0;
   for (auto index = static_cast<size_t>(offset); index < directory->names.size() + kDots; ++index) {
@@ -91,6 +95,7 @@ void Volume::mkdir(fuse_req_t request, fuse_ino_t parentNumber, const char* name
     attributes.NSFilePosixPermissions = mode & 07777;
     PosixError error;
     const std::string path = nodes_.pathOf(parent, name);
+    itemsMayAppear();
     const bool made = delegate_->createDirectoryAtPath(path, attributes, &error);
     if (!made || error.isSet()) code = numberOf(error, EIO);
   }
@@ -102,12 +107,17 @@ void Volume::mkdir(fuse_req_t request, fuse_ino_t parentNumber, const char* name
   replyItemAt(request, parent, name);
 }
 
+// The delegate removes a directory with its contents: that must be an empty one. One that cannot be
+// read is none.
+int Volume::checkEmpty(const std::string& path) {
+  return delegate_->contentsOfDirectoryAtPath(path, nullptr).empty() ? failureBelow() : ENOTEMPTY;
+}
+
 int Volume::removeDirectoryAt(const std::string& path) {
   const auto item = itemAt(path);
   if (!item.has_value()) return ENOENT;
   if (!item->isDirectory()) return ENOTDIR;
-  // The delegate removes a directory with its contents: this must be an empty one.
-  if (!delegate_->contentsOfDirectoryAtPath(path, nullptr).empty()) return ENOTEMPTY;
+  if (const int code = checkEmpty(path)) return code;
   return removeAt(path);
 }
 

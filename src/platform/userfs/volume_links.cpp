@@ -8,6 +8,7 @@ namespace kelvane::userfs {
 
 // Makes a link that is seen, where no item is seen now.
 int Volume::createVisibleLink(const std::string& path, const std::string& text) {
+  itemsMayAppear();
   // Of the operations that make something, this one alone makes no directories above it.
   const std::string above = path.substr(0, path.rfind('/'));
   if (!above.empty()) delegate_->createDirectoryAtPath(above, {}, nullptr);

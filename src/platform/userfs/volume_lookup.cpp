@@ -86,6 +86,12 @@ std::optional<Item> Volume::itemOf(Node* node) {
   return std::nullopt;
 }
 
+// The kernel looks a name up before it asks for something new of that name. What it was told then
+// need not be found out again.
+std::optional<Item> Volume::itemAtUnlessKnownMissing(const std::string& path) {
+  return path == missingPath_ ? std::nullopt : itemAt(path);
+}
+
 int Volume::checkName(const Node* parent, std::string_view name) const {
   if (name.size() > NAME_MAX) return ENAMETOOLONG;
   if (!nodes_.isLinked(parent)) return ENOENT;
@@ -96,7 +102,7 @@ int Volume::checkName(const Node* parent, std::string_view name) const {
 // Whether an item can be made there.
 int Volume::checkFree(const Node* parent, const char* name) {
   if (const int code = checkName(parent, name)) return code;
-  return itemAt(nodes_.pathOf(parent, name)).has_value() ? EEXIST : 0;
+  return itemAtUnlessKnownMissing(nodes_.pathOf(parent, name)).has_value() ? EEXIST : 0;
 }
 
 Node* Volume::nodeFor(Node* parent, std::string_view name, const Item& item) {
@@ -157,10 +163,16 @@ void Volume::lookup(fuse_req_t request, fuse_ino_t parentNumber, const char* nam
     fuse_reply_err(request, code);
     return;
   }
-  if (const auto item = itemAt(nodes_.pathOf(parent, name))) {
+  std::string path = nodes_.pathOf(parent, name);
+  if (const auto item = itemAt(path)) {
     replyEntry(request, parent, name, *item);
     return;
   }
+  if (const int code = failureBelow()) {
+    fuse_reply_err(request, code);
+    return;
+  }
+  missingPath_ = std::move(path);
   if (Node* const gone = nodes_.find(parent, name)) nodes_.detach(gone);
   if (missingNameLifetime_ <= 0) {
     fuse_reply_err(request, ENOENT);
@@ -185,7 +197,7 @@ void Volume::getattr(fuse_req_t request, fuse_ino_t number) {
   const auto item = itemOf(node);
   if (!item.has_value()) {
     // For a name that another item has taken, the kernel looks again upon ESTALE.
-    fuse_reply_err(request, nodes_.isLinked(node) ? ENOENT : ESTALE);
+    fuse_reply_err(request, numberOf({}, nodes_.isLinked(node) ? ENOENT : ESTALE));
     return;
   }
   struct stat shown = {};

@@ -45,7 +45,7 @@ int Volume::openNode(Node* node, int flags, std::unique_ptr<UserData>* userData)
   if (!nodes_.isLinked(node)) return openReplaced(*node, flags, userData);
   const std::string path = nodes_.pathOf(node);
   const auto item = itemAt(path);
-  if (!item.has_value()) return ENOENT;
+  if (!item.has_value()) return numberOf({}, ENOENT);
   const bool truncates = (flags & O_TRUNC) != 0;
   if (item->isReadOnly() && truncates) return emptyReadOnlyFile(node, *item, userData);
   if (item->isReadOnly() && isForWriting(flags) && !mayReplaceContent(flags)) return EROFS;
@@ -99,6 +99,7 @@ int Volume::createAt(Node* parent, const std::string& path, mode_t permissions,
                      std::unique_ptr<UserData>* userData) {
   AttributeChanges attributes;
   attributes.NSFilePosixPermissions = permissions & 07777;
+  itemsMayAppear();
   PosixError error;
   if (!delegate_->createFileAtPath(path, attributes, userData, &error) || *userData == nullptr) {
     return numberOf(error, EIO);

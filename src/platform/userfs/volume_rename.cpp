@@ -27,9 +27,9 @@ void Volume::rename(fuse_req_t request, fuse_ino_t parent, const char* name, fus
 // What rename(2) refuses. Fills in what stands at either path.
 int Volume::checkMove(Move& move, unsigned flags) {
   const auto source = itemAt(move.from);
-  if (!source.has_value()) return ENOENT;
+  if (!source.has_value()) return numberOf({}, ENOENT);
   move.source = *source;
-  move.target = itemAt(move.to);
+  move.target = itemAtUnlessKnownMissing(move.to);
   if (move.to.starts_with(move.from + "/")) return EINVAL;
   if (!move.target.has_value()) return 0;
   if ((flags & RENAME_NOREPLACE) != 0) return EEXIST;
@@ -37,7 +37,7 @@ int Volume::checkMove(Move& move, unsigned flags) {
   if (move.from.starts_with(move.to + "/")) return ENOTEMPTY;
   if (!move.target->isDirectory()) return move.source.isDirectory() ? ENOTDIR : 0;
   if (!move.source.isDirectory()) return EISDIR;
-  return delegate_->contentsOfDirectoryAtPath(move.to, nullptr).empty() ? 0 : ENOTEMPTY;
+  return checkEmpty(move.to);
 }
 
 int Volume::carryOut(const Move& move) {
@@ -66,6 +66,7 @@ int Volume::carryOut(const Move& move) {
 }
 
 int Volume::moveAt(const std::string& from, const std::string& to) {
+  itemsMayAppear();
   PosixError error;
   const bool moved = delegate_->moveItemAtPath(from, to, &error);
   return moved && !error.isSet() ? 0 : numberOf(error, EIO);
