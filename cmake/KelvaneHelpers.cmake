@@ -18,6 +18,9 @@ if(KELVANE_SANITIZE)
   target_compile_options(kv_options INTERFACE
     -fsanitize=address,undefined -fno-sanitize-recover=all -fno-omit-frame-pointer)
   target_link_options(kv_options INTERFACE -fsanitize=address,undefined)
+elseif(KELVANE_SANITIZE_THREADS)
+  target_compile_options(kv_options INTERFACE -fsanitize=thread -fno-omit-frame-pointer)
+  target_link_options(kv_options INTERFACE -fsanitize=thread)
 endif()
 
 # kv_add_rooms(DIR room…): adds the rooms below DIR.

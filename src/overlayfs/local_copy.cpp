@@ -55,10 +55,10 @@ bool copyAny(const std::string& source, const std::string& destination);
 bool copyDirectory(const std::string& source, const struct stat& status,
                    const std::string& destination) {
   if (mkdir(destination.c_str(), 0700) != 0) return false;
-  const int readable = open(source.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
-  if (readable < 0) return false;  // An unreadable directory is no empty one.
-  close(readable);
-  for (const std::string& name : LocalFileManager().contentsOfDirectory(source)) {
+  errno = 0;
+  const std::vector<std::string> names = LocalFileManager().contentsOfDirectory(source);
+  if (errno != 0) return false;  // What cannot be read, or not to its end, is not empty.
+  for (const std::string& name : names) {
     if (!copyAny(paths::appendPathComponent(source, name),
                  paths::appendPathComponent(destination, name))) {
       return false;
@@ -84,7 +84,9 @@ bool copyAny(const std::string& source, const std::string& destination) {
 bool LocalFileManager::copyItem(const std::string& source, const std::string& destination) const {
   if (attributesOfItem(destination).has_value()) return false;
   if (copyAny(source, destination)) return true;
+  const int reason = errno;
   removeItem(destination);
+  errno = reason;
   return false;
 }
 

@@ -24,7 +24,8 @@ class LocalFileManager {
                                               PosixError* error = nullptr) const;
   /// Follows symbolic links: a link that leads nowhere does not exist.
   bool fileExists(const std::string& path) const;
-  /// The names in the order of the directory; empty where it cannot be read.
+  /// The names in the order of the directory; empty where it cannot be read. Leaves errno alone
+  /// where there is no directory.
   std::vector<std::string> contentsOfDirectory(const std::string& path) const;
   /// Makes the directory and those above it. True if it is there already; its attributes then stay.
   /// `attributes` are those of the last one.
@@ -36,7 +37,8 @@ class LocalFileManager {
   /// Removes an item, a directory with its contents. False where anything of it is left.
   bool removeItem(const std::string& path) const;
   /// Copies an item, a directory with its subtree, to a path where nothing is, with permissions and
-  /// times; a symbolic link as a link. Where it fails, nothing is left of the copy.
+  /// times; a symbolic link as a link. Where it fails, nothing is left of the copy, and errno says
+  /// why.
   bool copyItem(const std::string& source, const std::string& destination) const;
   /// Changes an item itself: a final symbolic link is not followed.
   bool setAttributes(const AttributeChanges& attributes, const std::string& path,

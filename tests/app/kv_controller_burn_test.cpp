@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: GPL-2.0-or-later
 #include <gmock/gmock.h>
+#include <unistd.h>
 
 #include <QSettings>
 #include <filesystem>
@@ -45,6 +46,26 @@ class KVControllerBurn : public ControllerFixture {
     EXPECT_FALSE(fs::exists(overlay_));
     EXPECT_FALSE(fs::exists(paths::hideListFile(overlay_)));
     EXPECT_FALSE(fs::exists(paths::hiddenMountFolder()));
+  }
+
+  static std::string contentOf(const std::string& path) {
+    std::ifstream file(path);
+    return {std::istreambuf_iterator<char>(file), {}};
+  }
+
+  /// The burn is refused before anything is written, the changes are kept at `kept`, and the user
+  /// is told why and where.
+  void expectRefusal(const std::string& why, const std::string& kept) {
+    device_.type = DRDeviceMediaTypeDVDPlusR;  // Goes the way of a CD.
+    controller_.burn();
+    ASSERT_EQ(window_.alerts.size(), 1u);
+    EXPECT_EQ(window_.alerts[0].messageKey, "CreateTrackAbortedWithError");
+    EXPECT_EQ(window_.alerts[0].informativeKey, "SessionNotPreparedLong");
+    EXPECT_THAT(window_.alerts[0].detail, testing::HasSubstr(why));
+    EXPECT_THAT(window_.alerts[0].detail, testing::HasSubstr("kept in " + kept + "."));
+    EXPECT_EQ(contentOf(kept + "/docs/a.txt"), "content");
+    EXPECT_EQ(controller_.currentDevice(), nullptr);
+    EXPECT_FALSE(controller_.burnInProgress());
   }
 
   std::string overlay_;
@@ -168,6 +189,71 @@ TEST_F(KVControllerBurn, AnImagingThatFailsIsReportedWithWhatTheProgramSaid) {
   EXPECT_FALSE(window_.has("burnMessage burningchangescd"));
   EXPECT_THAT(log_.lines(), Contains("devicename used:kv0"));
   expectIdle();
+}
+
+TEST_F(KVControllerBurn, ALinkAtTheImagesNameIsNotWrittenThroughAndTheChangesAreKept) {
+  const std::string victim = prefix_.path() + "/victim";
+  write(victim);
+  fs::create_symlink(victim, paths::burnImage(overlay_));
+  expectRefusal(paths::burnImage(overlay_) + " is somebody else's", overlay_ + ".kept");
+  EXPECT_EQ(contentOf(victim), "content");
+}
+
+TEST_F(KVControllerBurn, AnotherUsersFileAtTheImagesNameIsNotOverwritten) {
+  write(paths::burnImage(overlay_));
+  if (geteuid() != 0 || chown(paths::burnImage(overlay_).c_str(), 65534, 65534) != 0) {
+    GTEST_SKIP() << "only root can make another user's file";
+  }
+  expectRefusal(paths::burnImage(overlay_) + " is somebody else's", overlay_ + ".kept");
+  EXPECT_EQ(contentOf(paths::burnImage(overlay_)), "content");
+}
+
+TEST_F(KVControllerBurn, TheImageIsItsOwnersAloneFromTheBeginning) {
+  device_.type = DRDeviceMediaTypeDVDPlusR;
+  controller_.burn();  // Fails later on: there is no disc to be continued.
+  EXPECT_EQ(fs::status(paths::burnImage(overlay_)).permissions(),
+            fs::perms::owner_read | fs::perms::owner_write);
+}
+
+TEST_F(KVControllerBurn, ALinkAtTheHideListsNameIsNotReadAndTheChangesAreKept) {
+  fs::remove(paths::hideListFile(overlay_));
+  fs::create_symlink("/dev/null", paths::hideListFile(overlay_));
+  expectRefusal(paths::hideListFile(overlay_) + " is somebody else's", overlay_ + ".kept");
+}
+
+TEST_F(KVControllerBurn, WithoutTheHideListDeletedFilesWouldComeBackSoTheChangesAreKept) {
+  fs::remove(paths::hideListFile(overlay_));
+  expectRefusal("could not be written", overlay_ + ".kept");
+}
+
+TEST_F(KVControllerBurn, WhatWasKeptEarlierIsNotReplaced) {
+  fs::remove(paths::hideListFile(overlay_));
+  fs::create_directory(overlay_ + ".kept");
+  fs::create_symlink("/nowhere", overlay_ + ".kept-1");
+  expectRefusal("could not be written", overlay_ + ".kept-2");
+}
+
+TEST_F(KVControllerBurn, AnOverlayDirectoryThatWasReplacedByALinkIsNeitherBurnedNorEmptied) {
+  fs::rename(overlay_, prefix_.path() + "/victim");
+  fs::create_symlink(prefix_.path() + "/victim", overlay_);
+  controller_.burn();
+  ASSERT_EQ(window_.alerts.size(), 1u);
+  EXPECT_THAT(window_.alerts[0].detail, testing::HasSubstr(overlay_ + " is somebody else's"));
+  EXPECT_EQ(contentOf(prefix_.path() + "/victim/docs/a.txt"), "content");
+}
+
+TEST_F(KVControllerBurn, TheCleanUpsLeaveWhatIsSomebodyElses) {
+  const std::vector<std::string> names = {overlay_, overlay_ + "/docs/a.txt",
+                                          paths::hideListFile(overlay_),
+                                          paths::hiddenMountFolder()};
+  for (const std::string& name : names) {
+    if (geteuid() != 0 || chown(name.c_str(), 65534, 65534) != 0) {
+      GTEST_SKIP() << "only root can make another user's file";
+    }
+  }
+  controller_.commonBurnCleanup();
+  controller_.cleanupWithoutBurn();
+  for (const std::string& name : names) EXPECT_TRUE(fs::exists(name)) << name;
 }
 
 }  // namespace

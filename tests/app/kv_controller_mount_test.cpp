@@ -27,6 +27,31 @@ class KVControllerMount : public ControllerFixture {
     window_.mediaController().addObjects({record});
     window_.mediaController().setSelectionIndex(0);
   }
+
+  /// Another user's link at a name that an opening of the next minute would use. It must not be
+  /// followed, and the disc stays where it is.
+  void expectRefusalOfLinkAt(const std::function<std::string(const std::string&)>& nameFor) {
+    const std::string victim = prefix_.path() + "/victim";
+    fs::create_directory(victim);
+    std::ofstream(victim + "/file") << "precious";
+    constexpr int kSeconds = 60;
+    const int32_t now = paths::secondsSinceReferenceDate();
+    for (int32_t second = now; second < now + kSeconds; ++second) {
+      const std::string name = nameFor(paths::overlayDirectory(second));
+      if (!fs::is_symlink(name)) fs::create_symlink(victim, name);
+    }
+    listSample();
+    volumes_.addVisible(paths::volumesDirectory() + "/SAMPLE", "/dev/kv0s0");
+    controller_.mountBurnFS();
+    turnUntil([this] { return controller_.currentDevice() == nullptr; });
+    ASSERT_EQ(window_.alerts.size(), 1u);
+    EXPECT_EQ(window_.alerts[0].messageKey, "Unmountfailed");
+    EXPECT_THAT(window_.alerts[0].detail,
+                testing::HasSubstr(nameFor(controller_.tmpDirPath()) + " is somebody else's"));
+    EXPECT_THAT(volumes_.unmounted, IsEmpty()) << "the disc's own volume was touched";
+    EXPECT_EQ(std::distance(fs::directory_iterator(victim), fs::directory_iterator()), 1);
+    EXPECT_EQ(fs::file_size(victim + "/file"), 8u);
+  }
 };
 
 TEST_F(KVControllerMount, WithNothingSelectedAnOpenRequestIsRefusedWithABeep) {
@@ -85,6 +110,22 @@ TEST_F(KVControllerMount, ADiscThatCannotBeRemountedFailsToOpen) {
   EXPECT_THAT(log_.lines(), Contains("Remounting of disk with content failed! kelvanefs not "
                                      "mounted. Showing error."));
   EXPECT_TRUE(window_.has("alert Unmountfailed Unmountfailedlong"));
+}
+
+TEST_F(KVControllerMount, ALinkAtTheOverlayDirectorysNameIsNotFollowed) {
+  expectRefusalOfLinkAt([](const std::string& overlay) { return overlay; });
+}
+
+TEST_F(KVControllerMount, ALinkAtTheHideListsNameIsNotFollowed) {
+  expectRefusalOfLinkAt([](const std::string& overlay) { return paths::hideListFile(overlay); });
+}
+
+TEST_F(KVControllerMount, ALinkAtTheImagesNameIsNotFollowed) {
+  expectRefusalOfLinkAt([](const std::string& overlay) { return paths::burnImage(overlay); });
+}
+
+TEST_F(KVControllerMount, ALinkAtTheNameOfTheHiddenMountsFolderIsNotFollowed) {
+  expectRefusalOfLinkAt([](const std::string&) { return paths::hiddenMountFolder(); });
 }
 
 TEST_F(KVControllerMount, ShowDiskRevealsTheVolume) {

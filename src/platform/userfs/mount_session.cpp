@@ -106,6 +106,7 @@ bool MountSession::serveOne() {
   const int length = fuse_session_receive_buf(session_, &request_);
   if (length == -EINTR || length == -EAGAIN) return true;
   if (length <= 0) return false;
+  errno = 0;  // From here on it tells what fails below (see failureBelow).
   fuse_session_process_buf(session_, &request_);
   return fuse_session_exited(session_) == 0;
 }
