@@ -144,6 +144,7 @@ TEST_F(MountedAttributes, WhatTheVolumeCannotHoldIsRefusedCleanly) {
   char value[8];
   EXPECT_EQ(errnoOf(static_cast<int>(getxattr(at("/new").c_str(), "user.d", value, 8))),
             EOPNOTSUPP);
+  EXPECT_EQ(errnoOf(static_cast<int>(listxattr(at("/new").c_str(), value, 8))), EOPNOTSUPP);
   EXPECT_EQ(errnoOf(removexattr(at("/new").c_str(), "user.dummy")), EOPNOTSUPP);
 }
 
@@ -195,6 +196,25 @@ TEST_F(MountedAttributes, TrashesIsAnEmptyDirectoryThatIsNotListed) {
   EXPECT_TRUE(S_ISDIR(statusOf(at("/.Trashes/501")).st_mode));
   EXPECT_FALSE(exists(at("/.Trashes/501/x")));
   EXPECT_EQ(sh("ls -A"), "docs\nfile\nlink\nshort\n");
+}
+
+TEST_F(MountedAttributes, WhateverBeginsWithTrashesIsThereToo) {
+  mount();
+  EXPECT_TRUE(S_ISDIR(statusOf(at("/.TrashesX")).st_mode));
+  EXPECT_EQ(errnoOf(mkdir(at("/.TrashesX").c_str(), 0755)), EEXIST);
+  EXPECT_FALSE(exists(at("/.trashes")));
+  EXPECT_FALSE(exists(at("/docs/.Trashes")));
+}
+
+TEST_F(MountedAttributes, TheDiscsNamesAreListedInTheDiscsOrderAndNewOnesBehind) {
+  for (const char* name : {"/zeta", "/Alpha", "/mid", "/beta"}) trees.addDiscFile(name, "x");
+  mount();
+  const std::string order = runShell("ls -AU '" + trees.disc() + "'").output;
+  EXPECT_EQ(sh("ls -AU"), order);
+  sh(": > aaa; cp zeta copy && cat copy > zeta");
+  const std::string listed = sh("ls -AU");
+  EXPECT_EQ(listed.substr(0, order.size()), order) << "what is in both trees keeps its place";
+  EXPECT_EQ(listed.size(), order.size() + std::string("aaa\ncopy\n").size());
 }
 
 }  // namespace
