@@ -126,7 +126,7 @@ class BurnFSDelegate final : public GMUserFileSystemDelegate {
   void cutOffDiscLink(const std::string& volumePath);
   int64_t freeOverlaySpace() const;
   bool hasSpace() const;
-  void makeOverlayParent(const std::string& volumePath);
+  bool makeOverlayParent(const std::string& volumePath);
   int createOverlayFile(const std::string& volumePath, const AttributeChanges& attributes);
   bool renameInOverlay(const std::string& from, const std::string& to,
                        const std::string& destination);

@@ -21,11 +21,12 @@ std::string parentOf(const std::string& path) {
 
 }  // namespace
 
-void BurnFSDelegate::makeOverlayParent(const std::string& volumePath) {
+// False, with errno set, where the directories are not there then.
+bool BurnFSDelegate::makeOverlayParent(const std::string& volumePath) {
   const std::string parent = parentOf(overlayPath(volumePath));
-  if (fm.fileExists(parent)) return;
+  if (fm.fileExists(parent)) return true;
   restoreOverlayDirectory();
-  fm.createDirectory(parent, {});
+  return fm.createDirectory(parent, {});
 }
 
 // Where the overlay directory has vanished, the new one is its owner's alone, too.
@@ -40,8 +41,7 @@ int BurnFSDelegate::createOverlayFile(const std::string& volumePath,
   const std::string path = overlayPath(volumePath);
   const int descriptor = fm.createFile(path, attributes);
   if (descriptor >= 0 || errno != ENOENT) return descriptor;
-  makeOverlayParent(volumePath);
-  return fm.createFile(path, attributes);
+  return makeOverlayParent(volumePath) ? fm.createFile(path, attributes) : -1;
 }
 
 // The same for a rename. False, with errno set, where it fails.
@@ -49,8 +49,7 @@ bool BurnFSDelegate::renameInOverlay(const std::string& from, const std::string&
                                      const std::string& destination) {
   if (std::rename(from.c_str(), to.c_str()) == 0) return true;
   if (errno != ENOENT) return false;
-  makeOverlayParent(destination);
-  return std::rename(from.c_str(), to.c_str()) == 0;
+  return makeOverlayParent(destination) && std::rename(from.c_str(), to.c_str()) == 0;
 }
 
 bool BurnFSDelegate::createDirectoryAtPath(const std::string& path,
@@ -97,8 +96,8 @@ bool BurnFSDelegate::moveItemAtPath(const std::string& source, const std::string
 }
 
 bool BurnFSDelegate::copyUp(const std::string& source, const std::string& destination) {
-  makeOverlayParent(destination);
   const std::string copy = overlayPath(destination);
+  if (!makeOverlayParent(destination)) return false;
   if (!fm.copyItem(discPath(source), copy)) return false;
   removeItemAtPath(source, nullptr);
   hideArray.remove(destination);

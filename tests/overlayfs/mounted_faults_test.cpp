@@ -67,6 +67,7 @@ TEST_F(MountedOnLittleSpace, WhoMakesAFileIsToldAndNothingIsMade) {
   EXPECT_EQ(errnoOf(open(at("/new").c_str(), O_WRONLY | O_CREAT, 0644)), ENOSPC);
   EXPECT_EQ(errnoOf(mkdir(at("/made").c_str(), 0755)), ENOSPC);
   EXPECT_EQ(errnoOf(mknod(at("/node").c_str(), S_IFREG | 0644, 0)), ENOSPC);
+  EXPECT_EQ(errnoOf(open(at("/docs/new").c_str(), O_WRONLY | O_CREAT, 0644)), ENOSPC);
   EXPECT_EQ(errnoOf(open(at("/small").c_str(), O_WRONLY | O_TRUNC)), ENOSPC);
   EXPECT_EQ(contentOf(at("/small")), "small");
   for (const std::string name : {"/new", "/made", "/node"}) EXPECT_FALSE(exists(at(name))) << name;
