@@ -21,6 +21,9 @@ constexpr std::string_view kClosingBracket[] = {"]"};
 constexpr Forms kCharacters[] = {kAUmlaut,      kOUmlaut,      kUUmlaut,        kSharpS,
                                  kOpeningBrace, kClosingBrace, kOpeningBracket, kClosingBracket};
 
+// Bytes of which each form has one; most names have none of them.
+constexpr std::string_view kMarks = "{}[]\xc3\xcc\xe1";
+
 // The length of the form that stands at the beginning of `text`; 0 where none does.
 size_t lengthOfFormAt(std::string_view text, Forms forms) {
   for (const std::string_view form : forms) {
@@ -44,6 +47,7 @@ std::string withReplaced(std::string_view text, Forms forms) {
 
 std::string hidePattern(std::string_view placeholderPath) {
   std::string pattern(placeholderPath);
+  if (pattern.find_first_of(kMarks) == std::string::npos) return pattern;
   for (const Forms forms : kCharacters) pattern = withReplaced(pattern, forms);
   return pattern;
 }
