@@ -5,6 +5,7 @@
 #include <sys/stat.h>
 
 #include "helpers/image_composer.h"
+#include "helpers/isovolume/directory_loader.h"
 #include "helpers/isovolume/iso_volume.h"
 #include "helpers/isovolume/memory_block_source.h"
 
@@ -128,6 +129,44 @@ TEST(HostileVolume, OverlappingDirectoriesCostNoMoreThanTheDisc) {
   const auto volume = openVolume(source);
   EXPECT_LT(countBelow(*volume, kRootNode), 3u * kBlocks);
   EXPECT_LT(source.blocksRead(), 3u * kBlocks);
+}
+
+TEST(HostileVolume, DirectoriesEndWhereTheTableIsFull) {
+  std::vector<RecordSpec> records;
+  for (int index = 0; index < 1000; ++index) {
+    records.push_back({.identifier = "FILE" + std::to_string(index) + ".;1"});
+  }
+  CountingSource source(composeVolume(60, Extension::none, records));
+  isovolume::NodeTable nodes({.entries = 200, .textBytes = 1 << 20});
+  isovolume::DirectoryLoader loader(source, nodes);
+  nodes.append(loader.rootNode(kComposedRoot, 60 * 2048));
+  EXPECT_TRUE(loader.load(kRootNode).anyRead);
+  EXPECT_TRUE(nodes.isFull());
+  EXPECT_LT(nodes.size(), 200u + 2048 / 34) << "one sector more at most";
+  EXPECT_FALSE(loader.load(kRootNode).anyRead) << "nothing further is read";
+}
+
+TEST(HostileVolume, SectionsOfOneFileFillTheTableToo) {
+  const std::vector<RecordSpec> sections(
+      1000, {.identifier = "A.;1", .extent = 50, .length = 1, .flags = kContinuedFlag});
+  CountingSource source(composeVolume(60, Extension::none, sections));
+  isovolume::NodeTable nodes({.entries = 200, .textBytes = 1 << 20});
+  isovolume::DirectoryLoader loader(source, nodes);
+  nodes.append(loader.rootNode(kComposedRoot, 60 * 2048));
+  loader.load(kRootNode);
+  EXPECT_EQ(nodes.size(), 2u);
+  EXPECT_LT(nodes[1].size, 200u + 2048 / 34);
+}
+
+TEST(HostileVolume, NamesFillTheTableToo) {
+  CountingSource source(composeVolume(60, Extension::none, {{.identifier = "FILE.;1"}}));
+  isovolume::NodeTable nodes({.entries = 1 << 20, .textBytes = 1});
+  isovolume::DirectoryLoader loader(source, nodes);
+  nodes.append(loader.rootNode(kComposedRoot, 2048));
+  EXPECT_FALSE(nodes.isFull());
+  EXPECT_TRUE(loader.load(kRootNode).anyRead);
+  EXPECT_TRUE(nodes.isFull()) << "names are stored in pieces larger than that";
+  EXPECT_FALSE(loader.load(kRootNode).anyRead);
 }
 
 TEST(HostileVolume, DepthIsBounded) {

@@ -82,7 +82,8 @@ DirectoryLoader::Result DirectoryLoader::load(NodeId directory) {
   unsigned emptySectors = 0;
   std::uint64_t singly = 0;  // sectors to be read one by one, to find out which of them is bad
   bool another = false;
-  for (std::uint64_t done = 0; done < count && !another && emptySectors < kMostEmptySectors;) {
+  for (std::uint64_t done = 0;
+       done < count && !another && emptySectors < kMostEmptySectors && !nodes_.isFull();) {
     const std::uint64_t atOnce = singly > 0 ? 1 : std::min(kSectorsAtOnce, count - done);
     const auto bytes = std::span(sectors_).first(atOnce * kBlockSize);
     const bool readable = source_.readBlocks(extent + done, bytes);
@@ -90,7 +91,7 @@ DirectoryLoader::Result DirectoryLoader::load(NodeId directory) {
       singly = atOnce;
       continue;
     }
-    for (std::uint64_t sector = 0; sector < atOnce && !another; ++sector) {
+    for (std::uint64_t sector = 0; sector < atOnce && !another && !nodes_.isFull(); ++sector) {
       const Bytes content = Bytes(bytes).subspan(sector * kBlockSize, kBlockSize);
       const bool found = readable && loadSector(content, done + sector == 0, &state, &another) > 0;
       emptySectors = found ? 0 : emptySectors + 1;

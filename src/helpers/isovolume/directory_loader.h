@@ -18,7 +18,8 @@ namespace kelvane::isovolume {
 /// (ECMA-119, 6.8.1). A record that is no record ends its sector, an unreadable sector is passed
 /// over, and a long run of sectors with nothing in them, or the beginning of another directory,
 /// ends the directory, whatever length it claims. All directories together may take as many sectors
-/// as the source has, so a hostile disc costs no more than an honest full one.
+/// as the source has, so a hostile disc costs no more than an honest full one; where the node table
+/// is full, directories end as well.
 class DirectoryLoader {
  public:
   /// What became of a directory.

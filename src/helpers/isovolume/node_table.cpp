@@ -31,6 +31,7 @@ void NodeTable::addSection(Node* file, const Section& section) {
     sections_.push_back({first});
   }
   sections_[file->sections].push_back(section);
+  ++furtherSections_;
   file->size += section.length;
 }
 

@@ -49,6 +49,23 @@ struct Node {
 /// The nodes, their names and the like, in chunks that never move.
 class NodeTable {
  public:
+  /// When a table is full. Twice as many entries as a DVD of two layers has blocks, and what stays
+  /// far below the two gigabytes that the serving process may use (see isomount's sandbox).
+  struct Limits {
+    NodeId entries = 8'000'000;  ///< nodes and further sections of files
+    std::size_t textBytes = std::size_t{512} << 20;
+  };
+
+  NodeTable() = default;
+  explicit NodeTable(Limits limits) : limits_(limits) {}
+
+  /// Whether the limits are reached. Nothing is refused then; whoever reads directories stops
+  /// before the next sector, so that a disc made to fill the memory does not.
+  [[nodiscard]] bool isFull() const {
+    return size_ + furtherSections_ >= limits_.entries ||
+           texts_.size() * kTextChunk >= limits_.textBytes;
+  }
+
   NodeId append(const Node& node);
   [[nodiscard]] NodeId size() const { return size_; }
 
@@ -77,8 +94,10 @@ class NodeTable {
   static constexpr NodeId kNodesPerChunk = 1024;
   static constexpr std::size_t kTextChunk = 16 * kLargestText;
 
+  Limits limits_;
   std::vector<std::unique_ptr<Node[]>> chunks_;
   NodeId size_ = 0;
+  NodeId furtherSections_ = 0;
   std::vector<std::unique_ptr<char[]>> texts_;
   std::size_t textUsed_ = 0;  ///< of the last chunk
   std::vector<std::vector<Section>> sections_;
