@@ -12,6 +12,8 @@
 #include <string_view>
 #include <utility>
 
+#include "platform/userfs/mount_point.h"
+
 namespace kelvane::tests {
 namespace {
 
@@ -62,7 +64,7 @@ int closeFile(const char* /*path*/, fuse_file_info* info) {
 }  // namespace
 
 FaultyTree::FaultyTree(std::string source, const std::string& mountPoint)
-    : source_(std::move(source)) {
+    : source_(std::move(source)), mountPoint_(mountPoint) {
   fuse_operations operations = {};
   operations.getattr = getAttributes;
   operations.readdir = listDirectory;
@@ -79,8 +81,10 @@ FaultyTree::FaultyTree(std::string source, const std::string& mountPoint)
 }
 
 FaultyTree::~FaultyTree() {
-  if (isMounted_) fuse_unmount(fuse_);
+  // The loop ends as the mount goes; its descriptor is closed only then.
+  if (isMounted_) userfs::unmountPath(mountPoint_, userfs::UnmountMode::Lazily);
   if (thread_.joinable()) thread_.join();
+  if (isMounted_) fuse_unmount(fuse_);
   if (fuse_ != nullptr) fuse_destroy(fuse_);
 }
 

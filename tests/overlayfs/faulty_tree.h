@@ -27,6 +27,7 @@ class FaultyTree {
 
  private:
   std::string source_;
+  std::string mountPoint_;
   fuse* fuse_ = nullptr;
   bool isMounted_ = false;
   std::thread thread_;
