@@ -135,9 +135,10 @@ def bench_read(options, root):
     if options.passthrough:
         mounts["pass-through"] = [options.passthrough, "-f", "-s", "-o", f"source={folder},cache=always,timeout=86400"]
     times = {}
-    for _ in range(options.rounds):
+    for turn in range(options.rounds):
         times.setdefault("plain", []).append(read_through(folder / "big"))
-        for name, command in mounts.items():
+        order = list(mounts.items())
+        for name, command in order if turn % 2 == 0 else reversed(order):
             with Mount(command, root / "mount") as mount:
                 times.setdefault(name, []).append(read_through(mount.mount_point / "big"))
                 times.setdefault(name + " again", []).append(read_through(mount.mount_point / "big"))
