@@ -117,6 +117,35 @@ TEST_F(BurnFSUnmount, ALinkAtTheListsNameIsNotWrittenThrough) {
   EXPECT_EQ(contentOf(trees.root() + "/precious"), "precious");
 }
 
+TEST_F(BurnFSUnmount, AListWithASecondNameIsNotWrittenAndThatIsSaid) {
+  makeDelegate();
+  EXPECT_TRUE(delegate->hideListIsWhole());
+  writeFile(trees.root() + "/precious", "precious");
+  ASSERT_EQ(link((trees.root() + "/precious").c_str(), trees.hideListFile().c_str()), 0);
+  delegate->willUnmount();
+  EXPECT_FALSE(delegate->hideListIsWhole());
+  EXPECT_EQ(contentOf(trees.root() + "/precious"), "precious");
+}
+
+TEST_F(BurnFSUnmount, AnotherUsersFileAtTheListsNameIsNotOverwritten) {
+  makeDelegate();
+  writeFile(trees.hideListFile(), "precious");
+  if (geteuid() != 0 || chown(trees.hideListFile().c_str(), 65534, 65534) != 0) {
+    GTEST_SKIP() << "only root can make another user's file";
+  }
+  delegate->willUnmount();
+  EXPECT_FALSE(delegate->hideListIsWhole());
+  EXPECT_EQ(contentOf(trees.hideListFile()), "precious");
+}
+
+TEST_F(BurnFSUnmount, TheListIsItsOwnersAlone) {
+  makeDelegate();
+  const mode_t before = umask(0);
+  delegate->willUnmount();
+  umask(before);
+  EXPECT_EQ(statusOf(trees.hideListFile()).st_mode & 07777, 0600U);
+}
+
 TEST_F(BurnFSUnmount, NamesThatAreNoUtf8AndLineFeedsAreWrittenAsTheyAre) {
   trees.addDiscFile("/\xff[\xfe", "x");
   trees.addDiscFile("/two\nlines", "x");

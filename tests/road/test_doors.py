@@ -1,0 +1,59 @@
+# SPDX-License-Identifier: GPL-2.0-or-later
+"""Names in the folder of temporary files that others can foresee: what stands there is no door to anything."""
+
+import os
+import shutil
+import unittest
+
+from road import RoadTest, sha256_of
+
+BURN_FAILED = 4
+
+
+class Doors(RoadTest):
+    def setUp(self):
+        super().setUp()
+        source = os.path.join(self.folder, "source")
+        os.mkdir(source)
+        for name in ("a.txt", "b.txt"):
+            with open(os.path.join(source, name), "w", encoding="utf-8") as file:
+                file.write(name)
+        self.disc = self.make_disc(source=source, label="SAMPLE")
+        self.before = sha256_of(os.path.join(self.disc, "sectors"))
+        self.victim = os.path.join(self.folder, "victim")
+        with open(self.victim, "w", encoding="utf-8") as file:
+            file.write("precious")
+        self.temporary = os.path.join(self.prefix, "tmp")
+
+    def check_refusal(self, planted):
+        """Plants a link while the disc is open, at a name formed from $n, the overlay directory's."""
+        outcome = self.batch(self.disc, "sh", "-ec",
+                             f'echo new > new.txt; rm a.txt; cd "{self.temporary}"; n=$(ls | grep "^[0-9]*$"); '
+                             f'ln -s "{self.victim}" "{planted}"', status=BURN_FAILED)
+        self.assertEqual(outcome["state"], "burn-failed")
+        self.assertIn("is somebody else's", outcome["error"])
+        kept = outcome["error"].rsplit("kept in ", 1)[1].rstrip(".")
+        self.assertEqual(sorted(os.listdir(kept)), ["a.txt", "new.txt"])
+        with open(self.victim, encoding="utf-8") as file:
+            self.assertEqual(file.read(), "precious")
+        self.assertEqual(sha256_of(os.path.join(self.disc, "sectors")), self.before)
+        shutil.rmtree(kept)
+        for name in os.listdir(self.temporary):
+            self.assertTrue(os.path.islink(os.path.join(self.temporary, name)), name)
+            os.remove(os.path.join(self.temporary, name))
+
+    def test_a_link_at_the_images_name_stops_the_burn_and_the_changes_are_kept(self):
+        self.check_refusal("$n.iso")
+
+    def test_a_link_at_the_hide_lists_name_stops_the_burn_and_the_changes_are_kept(self):
+        self.check_refusal(".$n.hide")
+
+    def test_what_is_new_can_be_read_by_its_owner_alone(self):
+        outcome = self.batch(self.disc, "sh", "-ec",
+                             f'umask 0; echo new > new.txt; rm a.txt; stat -c "%a %F" "{self.temporary}"/[0-9]*',
+                             options=("--discard",))
+        self.assertIn("700 directory", outcome["lines"])
+
+
+if __name__ == "__main__":
+    unittest.main()
