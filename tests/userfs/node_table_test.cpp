@@ -14,7 +14,7 @@ using userfs::NodeTable;
 class NodeTableTest : public testing::Test {
  protected:
   Node* add(Node* parent, const std::string& name) {
-    Node* const node = table.findOrMake(parent, name);
+    Node* const node = table.make(parent, name);
     table.retain(node);
     return node;
   }

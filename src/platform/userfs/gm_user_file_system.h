@@ -65,7 +65,7 @@ enum class UnmountResult {
 /// | space exhausted as the delegate sees it | its number (ENOSPC) |
 /// | statfs | the delegate's numbers in units of 2048 bytes; a deficit shows as 0 free |
 /// | open, or a change of attributes, of a writable item that is refused | EACCES, EPERM |
-/// | something breaks or runs out below | EIO, ENOSPC, EDQUOT, EMFILE, ENFILE, ENOMEM as errno has it |
+/// | something breaks or runs out below | EIO, ENOSPC, EMFILE and the like, as errno has it |
 /// | any other failure | EIO |
 ///
 /// An item whose attributes the delegate leaves empty is a directory of mode 0777 if it lies in the

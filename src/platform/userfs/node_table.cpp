@@ -39,8 +39,7 @@ Node* NodeTable::find(const Node* parent, std::string_view name) const {
   return found == named_.end() ? nullptr : *found;
 }
 
-Node* NodeTable::findOrMake(Node* parent, std::string_view name) {
-  if (Node* known = find(parent, name)) return known;
+Node* NodeTable::make(Node* parent, std::string_view name) {
   auto* node = new Node;
   node->parent = parent;
   node->name = name;

@@ -45,9 +45,9 @@ class NodeTable {
 
   /// Null where there is none.
   Node* find(const Node* parent, std::string_view name) const;
-  /// The node of that name, made if there is none. A new one is kept only from the next `retain` or
-  /// open file on; see `dropIfUnused`.
-  Node* findOrMake(Node* parent, std::string_view name);
+  /// A new node, where there is none of that name. It is kept only from the next `retain` or open
+  /// file on; see `dropIfUnused`.
+  Node* make(Node* parent, std::string_view name);
 
   void retain(Node* node) { ++node->lookupCount; }
   /// The kernel forgets the node `count` times. The node may be gone afterwards.

@@ -121,6 +121,7 @@ class Volume {
   std::optional<Item> itemOf(Node* node);
   std::optional<Item> itemAtUnlessKnownMissing(const std::string& path);
   int checkName(const Node* parent, std::string_view name) const;
+  static bool isTooLong(const std::string& path);
   int checkFree(const Node* parent, const char* name);
   Node* nodeFor(Node* parent, std::string_view name, const Item& item);
   void show(Node* node, const Item& item, struct stat* shown);
@@ -157,8 +158,9 @@ class Volume {
 
   // Directories (volume_directories.cpp).
   void takeNames(OpenDirectory* directory);
+  size_t addDot(fuse_req_t request, char* buffer, size_t size, size_t index);
   size_t addEntry(fuse_req_t request, char* buffer, size_t size, OpenDirectory& directory,
-                  size_t index);
+                  const std::string& path, size_t index);
   int checkEmpty(const std::string& path);
   int removeDirectoryAt(const std::string& path);
 
@@ -201,6 +203,7 @@ class Volume {
 /// operations of the delegate cannot say so themselves, and what cannot be read is not missing.
 inline int failureBelow() {
   switch (errno) {
+    case EACCES:
     case EIO:
     case ENOSPC:
     case EDQUOT:

@@ -38,27 +38,32 @@ void Volume::takeNames(OpenDirectory* directory) {
   directory->names = delegate_->contentsOfDirectoryAtPath(nodes_.pathOf(directory->node), nullptr);
 }
 
-// Adds the entry of that index with all that a lookup would say, and as which it counts. Returns
-// its length, or more than `size` where it does not fit; 0 where there is no such item any more.
-size_t Volume::addEntry(fuse_req_t request, char* buffer, size_t size, OpenDirectory& directory,
-                        size_t index) {
-  const auto next = static_cast<off_t>(index + 1);
+// Adds "." or "..". Returns its length, or more than `size` where it does not fit.
+size_t Volume::addDot(fuse_req_t request, char* buffer, size_t size, size_t index) {
   fuse_entry_param entry = {};
-  if (index < kDots) {
-    entry.attr.st_ino = kUnknownInode;
-    entry.attr.st_mode = S_IFDIR;
-    return fuse_add_direntry_plus(request, buffer, size, index == 0 ? "." : "..", &entry, next);
-  }
+  entry.attr.st_ino = kUnknownInode;
+  entry.attr.st_mode = S_IFDIR;
+  return fuse_add_direntry_plus(request, buffer, size, index == 0 ? "." : "..", &entry,
+                                static_cast<off_t>(index + 1));
+}
+
+// Adds the entry of that index with all that a lookup would say, and as which it counts. `path` is
+// the directory's, with a slash at its end. Returns like `addDot`; 0 where there is no such item
+// any more.
+size_t Volume::addEntry(fuse_req_t request, char* buffer, size_t size, OpenDirectory& directory,
+                        const std::string& path, size_t index) {
   const std::string& name = directory.names[index - kDots];
   const size_t needed = fuse_add_direntry_plus(request, nullptr, 0, name.c_str(), nullptr, 0);
   if (needed > size) return needed;
-  if (checkName(directory.node, name) != 0) return 0;
-  const auto item = itemAt(nodes_.pathOf(directory.node, name));
+  const std::string itemPath = path + name;
+  if (isTooLong(itemPath)) return 0;
+  const auto item = itemAt(itemPath);
   if (!item.has_value()) return 0;
   Node* const node = nodeFor(directory.node, name, *item);
-  entry = entryFor(node, *item);
+  const fuse_entry_param entry = entryFor(node, *item);
   nodes_.retain(node);
-  return fuse_add_direntry_plus(request, buffer, size, name.c_str(), &entry, next);
+  return fuse_add_direntry_plus(request, buffer, size, name.c_str(), &entry,
+                                static_cast<off_t>(index + 1));
 }
 
 // The only way in which the kernel reads directories here: programs that list one mostly ask for
@@ -70,10 +75,15 @@ void Volume::readdirplus(fuse_req_t request, size_t size, off_t offset, fuse_fil
     fuse_reply_err(request, code);
     return;
   }
+  const std::string path = nodes_.pathOf(directory->node, "");
+  const size_t end = nodes_.isLinked(directory->node) ? directory->names.size() + kDots : kDots;
   std::vector<char> buffer(size);
   size_t used = 0;
-  for (auto index = static_cast<size_t>(offset); index < directory->names.size() + kDots; ++index) {
-    const size_t length = addEntry(request, buffer.data() + used, size - used, *directory, index);
+  for (auto index = static_cast<size_t>(offset); index < end; ++index) {
+    char* const place = buffer.data() + used;
+    const size_t length = index < kDots
+                              ? addDot(request, place, size - used, index)
+                              : addEntry(request, place, size - used, *directory, path, index);
     if (length > size - used) break;
     used += length;
   }

@@ -95,8 +95,11 @@ std::optional<Item> Volume::itemAtUnlessKnownMissing(const std::string& path) {
 int Volume::checkName(const Node* parent, std::string_view name) const {
   if (name.size() > NAME_MAX) return ENAMETOOLONG;
   if (!nodes_.isLinked(parent)) return ENOENT;
-  if (nodes_.pathOf(parent, name).size() > kLongestPath) return ENAMETOOLONG;
-  return 0;
+  return isTooLong(nodes_.pathOf(parent, name)) ? ENAMETOOLONG : 0;
+}
+
+bool Volume::isTooLong(const std::string& path) {
+  return path.size() > kLongestPath || path.size() - path.rfind('/') - 1 > NAME_MAX;
 }
 
 // Whether an item can be made there.
@@ -113,7 +116,7 @@ Node* Volume::nodeFor(Node* parent, std::string_view name, const Item& item) {
     nodes_.detach(node);
     node = nullptr;
   }
-  if (node == nullptr) node = nodes_.findOrMake(parent, name);
+  if (node == nullptr) node = nodes_.make(parent, name);
   node->type = type;
   return node;
 }
