@@ -40,12 +40,18 @@ constexpr std::size_t kLongestName = 255;
 constexpr std::size_t kLongestPath = 1024;
 constexpr std::string_view kOverlayName = "812";
 
-/// A folder for one process, removed at its end. In memory where that is possible.
+/// Where temporary folders are made: in memory where that is possible, unless told otherwise.
+std::string temporaryBase() {
+  const char* const told = std::getenv("TMPDIR");
+  if (told != nullptr) return told;
+  return access("/dev/shm", W_OK) == 0 ? "/dev/shm" : "/tmp";
+}
+
+/// A folder for one process, removed at its end.
 class Room {
  public:
   Room() {
-    const char* const base = access("/dev/shm", W_OK) == 0 ? "/dev/shm" : "/tmp";
-    std::string name = std::string(base) + "/kelvanefs-fuzz-XXXXXX";
+    std::string name = temporaryBase() + "/kelvanefs-fuzz-XXXXXX";
     FUZZ_CHECK(mkdtemp(name.data()) != nullptr);
     path_ = name;
     setenv("KELVANEFS_PREFIX", path_.c_str(), 1);
