@@ -252,5 +252,18 @@ TEST_F(BurnFSMove, OnlyAPathThatBeginsWithTrashesDeletes) {
   EXPECT_EQ(contentOf(overlay("/.Trash")), "text");
 }
 
+TEST_F(BurnFSMove, ALinkOfTheDiscIsCopiedAsALinkWhereItLeadsSomewhere) {
+  trees.addDiscFile("/target", "x");
+  trees.addDiscLink("/link", "target");
+  trees.addDiscLink("/broken", "no such target");
+  makeDelegate();
+  ASSERT_TRUE(move("/link", "/moved"));
+  EXPECT_TRUE(S_ISLNK(statusOf(overlay("/moved")).st_mode));
+  EXPECT_FALSE(isVisible("/link"));
+  EXPECT_FALSE(move("/broken", "/other"));
+  EXPECT_FALSE(error.isSet());
+  EXPECT_TRUE(isVisible("/broken"));
+}
+
 }  // namespace
 }  // namespace kelvane::tests
