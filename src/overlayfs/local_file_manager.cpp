@@ -28,6 +28,11 @@ bool failed(PosixError* error) {
   return false;
 }
 
+// Where nothing is, nothing has failed: errno keeps what an operation before has left in it.
+bool isNothingThere(int code) {
+  return code == ENOENT || code == ENOTDIR;
+}
+
 bool isDirectory(const std::string& path) {
   struct stat status = {};
   return stat(path.c_str(), &status) == 0 && S_ISDIR(status.st_mode);
@@ -76,8 +81,10 @@ bool setTimes(const AttributeChanges& attributes, const std::string& path) {
 std::optional<struct stat> LocalFileManager::attributesOfItem(const std::string& path,
                                                               PosixError* error) const {
   struct stat status = {};
+  const int before = errno;
   if (lstat(path.c_str(), &status) == 0) return status;
   setError(error, errno);
+  if (isNothingThere(errno)) errno = before;
   return std::nullopt;
 }
 
@@ -91,7 +98,7 @@ std::vector<std::string> LocalFileManager::contentsOfDirectory(const std::string
   const int before = errno;
   const std::unique_ptr<DIR, CloseDirectory> directory(opendir(path.c_str()));
   if (directory == nullptr) {
-    if (errno == ENOENT || errno == ENOTDIR) errno = before;  // Nothing has failed.
+    if (isNothingThere(errno)) errno = before;
     return names;
   }
   while (const dirent* entry = readdir(directory.get())) {

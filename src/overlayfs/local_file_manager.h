@@ -19,7 +19,8 @@ namespace kelvane {
 /// it is given. No state.
 class LocalFileManager {
  public:
-  /// Of the item itself: a final symbolic link is not followed.
+  /// Of the item itself: a final symbolic link is not followed. Leaves errno alone where there is
+  /// none.
   std::optional<struct stat> attributesOfItem(const std::string& path,
                                               PosixError* error = nullptr) const;
   /// Follows symbolic links: a link that leads nowhere does not exist.

@@ -200,6 +200,30 @@ TEST_F(MountedWithFewDescriptors, ADirectoryThatCannotBeListedIsNotTakenForAnEmp
   EXPECT_EQ(sh("ls -A . docs"), ".:\ndocs\nown\n\ndocs:\nfile\n");
 }
 
+class MountedWithoutPermission : public MountedOverlay {
+ protected:
+  void SetUp() override {
+    MountedOverlay::SetUp();
+    if (IsSkipped()) return;
+    if (geteuid() == 0) GTEST_SKIP() << "permissions do not stop root";
+    mount();
+    sh("mkdir closed && echo x > closed/file && chmod 0 closed");
+  }
+};
+
+TEST_F(MountedWithoutPermission, AClosedDirectoryIsNotTakenForAnEmptyOne) {
+  EXPECT_NE(shFails("ls closed").find("Permission denied"), std::string::npos);
+  EXPECT_EQ(errnoOf(rmdir(at("/closed").c_str())), EACCES);
+  ASSERT_EQ(mkdir(at("/other").c_str(), 0755), 0);
+  EXPECT_EQ(errnoOf(rename(at("/other").c_str(), at("/closed").c_str())), EACCES);
+  EXPECT_EQ(sh("chmod 755 closed && cat closed/file"), "x\n");
+}
+
+TEST_F(MountedWithoutPermission, WhatStandsInAClosedDirectoryIsNotMissing) {
+  EXPECT_EQ(errnoOf(open(at("/closed/file").c_str(), O_RDONLY)), EACCES);
+  EXPECT_EQ(errnoOf(open(at("/closed/new").c_str(), O_WRONLY | O_CREAT, 0644)), EACCES);
+}
+
 class MountedOnVanishedFolder : public MountedOverlay {
  protected:
   void SetUp() override {

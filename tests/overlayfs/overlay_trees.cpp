@@ -50,6 +50,7 @@ OverlayTrees::~OverlayTrees() {
 
 void OverlayTrees::addDiscFile(const std::string& path, std::string_view content,
                                mode_t mode) const {
+  chmod(disc().c_str(), 0755);  // It may have been sealed.
   fs::create_directories(fs::path(disc() + path).parent_path());
   writeFile(disc() + path, content);
   chmod((disc() + path).c_str(), mode);

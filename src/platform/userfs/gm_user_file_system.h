@@ -46,7 +46,7 @@ enum class UnmountResult {
 /// | create, mkdir, symlink where something stands | EEXIST |
 /// | open with O_TRUNC, truncation to 0, of a read-only file | becomes the creation of a new file |
 /// | open for reading and writing, or for appending, of a read-only file | EROFS, at the open |
-/// | write to a read-only file that was opened for writing alone | EROFS, until it is truncated to 0 |
+/// | write to a read-only file opened for writing alone | EROFS, until it is truncated to 0 |
 /// | truncation to another length of a read-only file | EROFS |
 /// | chmod, chown, times of a read-only file or link | EROFS; success where nothing would change |
 /// | chmod, chown, times of a read-only directory | a new directory that shadows only these |
