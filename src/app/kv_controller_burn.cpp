@@ -75,6 +75,7 @@ void KVController::burn() {
 }
 
 void KVController::removeAppleDoubleFiles() {
+  if (directoryState(tmpDirPath_) != PathState::Own) return;
   std::vector<fs::path> companions;
   std::error_code failure;
   for (fs::recursive_directory_iterator entry(tmpDirPath_, failure), end; !failure && entry != end;
@@ -164,7 +165,8 @@ void KVController::burnDVD() {
   alert.buttonKeys = {"OK"};
   alert.messageKey = "DVDBurnError";
   alert.informativeKey = "DVDBurnErrorLong";
-  alert.detail = "This version cannot write to DVDs yet. Your changes are kept in " + kept + ".";
+  alert.detail = "This version cannot write to DVDs yet.";
+  if (!kept.empty()) alert.detail += " Your changes are kept in " + kept + ".";
   window_.beginAlertSheet(alert, nullptr);
   commonBurnCleanup();
 }

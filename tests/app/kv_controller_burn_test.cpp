@@ -236,7 +236,10 @@ TEST_F(KVControllerBurn, WhatWasKeptEarlierIsNotReplaced) {
 TEST_F(KVControllerBurn, AnOverlayDirectoryThatWasReplacedByALinkIsNeitherBurnedNorEmptied) {
   fs::rename(overlay_, prefix_.path() + "/victim");
   fs::create_symlink(prefix_.path() + "/victim", overlay_);
+  UserDefaults::standard().setBool(true, "noappledoublefiles");
+  write(prefix_.path() + "/victim/._companion");
   controller_.burn();
+  EXPECT_TRUE(fs::exists(prefix_.path() + "/victim/._companion"));
   ASSERT_EQ(window_.alerts.size(), 1u);
   EXPECT_THAT(window_.alerts[0].detail, testing::HasSubstr(overlay_ + " is somebody else's"));
   EXPECT_EQ(contentOf(prefix_.path() + "/victim/docs/a.txt"), "content");
