@@ -206,6 +206,17 @@ TEST_F(MountedRename, AFileReplacesALink) {
   expectFile("/link2", "disc two, longer");
 }
 
+TEST_F(MountedRename, ADiscLinkOverAnOverlayFileLeavesNothingBeside) {
+  chmod(trees.disc().c_str(), 0755);
+  trees.addDiscLink("/leading", "disc1");
+  chmod(trees.disc().c_str(), 0555);
+  put("/new", "new");
+  ASSERT_EQ(errnoOfRename("/leading", "/new"), 0);
+  EXPECT_TRUE(S_ISLNK(statusOf(at("/new")).st_mode));
+  EXPECT_FALSE(exists(at("/leading")));
+  expectNoTemporaryNames();
+}
+
 TEST_F(MountedRename, ALinkAtADeletedPathIsSeen) {
   sh("rm disc1 && ln -s disc2 disc1");
   EXPECT_EQ(sh("readlink disc1; cat disc1"), "disc2\ndisc two, longer");

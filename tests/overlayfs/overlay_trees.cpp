@@ -25,7 +25,7 @@ void makeRemovable(const fs::path& folder) {
   std::error_code failure;
   fs::permissions(folder, fs::perms::owner_all, fs::perm_options::add, failure);
   for (const auto& entry : fs::directory_iterator(folder, failure)) {
-    if (entry.is_directory() && !entry.is_symlink()) makeRemovable(entry.path());
+    if (!entry.is_symlink() && entry.is_directory()) makeRemovable(entry.path());
   }
 }
 

@@ -76,6 +76,9 @@ int Volume::moveOver(const Move& move) {
   const bool copiesOntoWritable =
       move.source.isReadOnly() && move.target.has_value() && !move.target->isReadOnly();
   if (!copiesOntoWritable) return moveAt(move.from, move.to);
+  // The copy of a link would stay beside: the delegate finds it only if it leads somewhere in the
+  // writable tree. The caller makes it anew.
+  if (move.source.isLink()) return EIO;
   // The delegate does not copy onto a writable item, but moves one writable item over another.
   const std::string beside = temporaryPathBeside(move.to);
   if (const int code = moveAt(move.from, beside)) return code;
