@@ -248,6 +248,23 @@ TEST_F(MountedRename, AnOpenFileFollowsItsItemThroughAMoveFromTheDisc) {
   close(reader);
 }
 
+TEST_F(MountedRename, AnOpenFileFollowsItsEmptiedItemThroughItsRemoval) {
+  const int reader = open(at("/disc1").c_str(), O_RDONLY);
+  ASSERT_GE(reader, 0);
+  sh("printf new > disc1 && rm disc1");
+  char buffer[64] = {};
+  EXPECT_EQ(pread(reader, buffer, sizeof(buffer), 0), 3);
+  EXPECT_STREQ(buffer, "new");
+  close(reader);
+}
+
+TEST_F(MountedRename, TheDirectoriesAboveOneWhoseModeChangesShowTheirNewModesAtOnce) {
+  EXPECT_EQ(statusOf(at("/docs")).st_mode & 07777, 0777U);
+  ASSERT_EQ(chmod(at("/docs/sub").c_str(), 0711), 0);
+  EXPECT_EQ(statusOf(at("/docs")).st_mode & 07777,
+            statusOf(trees.overlay() + "/docs").st_mode & 07777);
+}
+
 TEST_F(MountedRename, AFileThatIsReplacedWhileOpenCanStillBeReadAndWritten) {
   put("/old", "old content");
   put("/new", "new");

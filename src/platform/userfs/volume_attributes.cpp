@@ -109,7 +109,11 @@ int Volume::setReadOnlyItemAttributes(Node* node, const Item& item, AttributeCha
   const std::string path = nodes_.pathOf(node);
   changes = differencesFrom(item.status, changes);
   if (isEmpty(changes)) return 0;
-  if (item.isDirectory()) return shadowDirectory(path, item, changes);
+  if (item.isDirectory()) {
+    const int code = shadowDirectory(path, item, changes);
+    parentsBecameWritable(node->parent);
+    return code;
+  }
   if (!changes.NSFileSize.has_value() || *changes.NSFileSize != 0) return EROFS;
   std::unique_ptr<UserData> userData;
   if (const int code = emptyReadOnlyFile(node, item, &userData)) return code;

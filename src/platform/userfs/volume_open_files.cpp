@@ -112,8 +112,11 @@ int Volume::createAt(Node* parent, const std::string& path, mode_t permissions,
 // files that are open on it follow.
 int Volume::emptyReadOnlyFile(Node* node, const Item& item, std::unique_ptr<UserData>* userData) {
   const int code = createAt(node->parent, nodes_.pathOf(node), item.status.st_mode, userData);
-  if (code == 0) contentMayHaveMoved();
-  return code;
+  if (code != 0) return code;
+  contentMayHaveMoved();
+  // At once: the item may lose its name before these are used again.
+  for (OpenFile* file = node->openFiles; file != nullptr; file = file->next) refresh(file);
+  return 0;
 }
 
 OpenFile* Volume::makeOpenFile(Node* node, std::unique_ptr<UserData> userData) {

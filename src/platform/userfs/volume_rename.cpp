@@ -62,6 +62,10 @@ int Volume::carryOut(const Move& move) {
     contentMayHaveMoved();
   }
   settleNodes(move);
+  // At once: the copy may lose its name before the files that are open on it are used again.
+  if (move.source.isReadOnly()) {
+    for (OpenFile* file : openFiles_) refresh(file);
+  }
   return 0;
 }
 
