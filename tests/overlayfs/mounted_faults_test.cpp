@@ -124,13 +124,13 @@ TEST_F(MountedOnLittleSpace, WherePlaceholdersCannotBeMadeTheDelegateSaysSo) {
 class MountedWithFewDescriptors : public MountedOverlay {
  protected:
   void SetUp() override {
+    getrlimit(RLIMIT_NOFILE, &usual_);
     MountedOverlay::SetUp();
     if (IsSkipped()) return;
     trees.addDiscFile("/docs/file", "disc");
     mount();
     before_ = openDescriptors();
     sh("echo own > own");
-    getrlimit(RLIMIT_NOFILE, &usual_);
   }
   void TearDown() override { setrlimit(RLIMIT_NOFILE, &usual_); }
   /// The volume may open some twenty files from now on.
