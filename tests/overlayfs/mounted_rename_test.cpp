@@ -248,6 +248,11 @@ TEST_F(MountedRename, AnOpenFileFollowsItsItemThroughAMoveFromTheDisc) {
   close(reader);
 }
 
+TEST_F(MountedRename, WhatStaysBehindBelowAMovedMergedDirectoryIsNotListedThere) {
+  sh("echo new > docs/sub/new && ls -R docs >/dev/null && mv docs moved");
+  EXPECT_EQ(sh("ls moved/sub"), "new\n");
+}
+
 TEST_F(MountedRename, AnOpenFileFollowsItsEmptiedItemThroughItsRemoval) {
   const int reader = open(at("/disc1").c_str(), O_RDONLY);
   ASSERT_GE(reader, 0);

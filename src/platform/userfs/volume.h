@@ -177,6 +177,7 @@ class Volume {
   int setLinkTargetAside(const Move& move, std::string* aside, std::string* asideText);
   void putLinkTargetBack(const Move& move, const std::string& aside, const std::string& asideText);
   void settleNodes(const Move& move);
+  void forgetListingsBelow(const Node* directory);
   std::string temporaryPathBeside(const std::string& path);
   std::unordered_set<std::string> itemsBelow(const std::string& directory);
   void settleMovedTree(const std::string& directory, const std::string& below,

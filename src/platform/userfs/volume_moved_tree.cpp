@@ -49,6 +49,18 @@ void Volume::settleMovedTree(const std::string& directory, const std::string& be
   }
 }
 
+// Of the merged directories below one that was moved, what stands beneath stayed behind.
+void Volume::forgetListingsBelow(const Node* directory) {
+  if (!nodes_.isLinked(directory)) return;
+  for (const std::string& name :
+       delegate_->contentsOfDirectoryAtPath(nodes_.pathOf(directory), nullptr)) {
+    const Node* const node = nodes_.find(directory, name);
+    if (node == nullptr || !S_ISDIR(node->type)) continue;
+    caches_.forgetListing(nodes_.numberOf(node));
+    forgetListingsBelow(node);
+  }
+}
+
 // Brings the nodes, and what the kernel remembers, to the new state.
 void Volume::settleNodes(const Move& move) {
   parentsBecameWritable(move.newParent);
@@ -68,6 +80,7 @@ void Volume::settleNodes(const Move& move) {
     nodes_.detach(node);
   }
   if (move.source.isDirectory()) caches_.forgetListing(nodes_.numberOf(node));
+  if (move.source.isDirectory() && !move.source.isReadOnly()) forgetListingsBelow(node);
   if (move.source.isDirectory() || !item.has_value()) {
     caches_.forgetNamesBelow(nodes_.numberOf(move.newParent), move.newName);
   }
