@@ -133,6 +133,7 @@ class BurnFSDelegate final : public GMUserFileSystemDelegate {
   void widenPermissions(const std::string& overlayItem);
   bool copyUp(const std::string& source, const std::string& destination);
   void restoreOverlayDirectory();
+  bool isBehindOverlayLink(std::string_view volumePath) const;
   std::string makePlaceholder(const std::string& volumePath);
   bool writeHideListFile(const std::string& text);
   void postSizeChanged();

@@ -29,8 +29,21 @@ void BurnFSDelegate::willUnmount() {
   for (const std::string_view name : kHousekeeping) fm.removeItem(overlayPath(name));
 }
 
+// Whether one of the directories above the item has become a link in the overlay.
+bool BurnFSDelegate::isBehindOverlayLink(std::string_view volumePath) const {
+  for (size_t slash = volumePath.rfind('/'); slash != 0 && slash != std::string_view::npos;
+       slash = volumePath.rfind('/', slash - 1)) {
+    const auto status = fm.attributesOfItem(overlayPath(volumePath.substr(0, slash)));
+    if (status.has_value() && S_ISLNK(status->st_mode)) return true;
+  }
+  return false;
+}
+
 std::string BurnFSDelegate::makePlaceholder(const std::string& volumePath) {
   std::string placeholder = overlayPath(volumePath);
+  // The link stands in the new session in the place of the directory, so that nothing of that is to
+  // be seen. What the link leads to is the user's.
+  if (isBehindOverlayLink(volumePath)) return placeholder;
   fm.removeItem(placeholder);
   const int descriptor = createOverlayFile(volumePath, {});
   if (descriptor >= 0) {

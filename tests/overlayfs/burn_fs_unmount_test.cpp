@@ -54,6 +54,21 @@ TEST_F(BurnFSUnmount, ThePlaceholderBearsTheNameAndThePatternTheWildcards) {
   EXPECT_TRUE(exists(overlay("/Mu\u0308ller[1].txt")));
 }
 
+// The placeholder of "/docs/a" would lie in the folder to which the link leads.
+TEST_F(BurnFSUnmount, NothingBehindALinkIsTouchedThatStandsInTheDirectorysPlace) {
+  trees.addDiscFile("/docs/deep/a", "old");
+  makeDelegate();
+  removeAll({"/docs/deep/a", "/docs/deep", "/docs"});
+  create("/other/deep/a", "new");
+  ASSERT_TRUE(delegate->createSymbolicLinkAtPath("/docs", "/other", nullptr));
+  ASSERT_TRUE(delegate->createDirectoryAtPath("/docs", {}, nullptr));  // Shows it again.
+  delegate->willUnmount();
+  EXPECT_EQ(contentOf(overlay("/other/deep/a")), "new");
+  EXPECT_TRUE(S_ISLNK(statusOf(overlay("/docs")).st_mode));
+  EXPECT_EQ(hideList(), overlay("/docs/deep/a") + "\n" + overlay("/docs/deep"));
+  EXPECT_TRUE(delegate->hideListIsWhole());
+}
+
 TEST_F(BurnFSUnmount, ADeletedDirectoryBecomesAnEmptyFile) {
   trees.addDiscFile("/docs/a", "x");
   makeDelegate();

@@ -224,6 +224,15 @@ TEST_F(MountedRename, ALinkAtADeletedPathIsSeen) {
   EXPECT_EQ(contentOf(trees.hideListFile()), "");
 }
 
+// Such a link leads nowhere in the writable tree, and the disc has a file of its name.
+TEST_F(MountedRename, ALinkInThePlaceOfADiscFileIsMovedAndNotThatFile) {
+  ASSERT_EQ(unlink(at("/disc1").c_str()), 0);
+  ASSERT_EQ(symlink("elsewhere", at("/disc1").c_str()), 0);
+  ASSERT_EQ(errnoOfRename("/disc1", "/moved"), 0);
+  EXPECT_EQ(sh("readlink moved"), "elsewhere\n");
+  EXPECT_FALSE(exists(at("/disc1")));
+}
+
 TEST_F(MountedRename, ALinkInADirectoryOfTheDisc) {
   sh("ln -s ../../disc1 docs/sub/link && cat docs/sub/link");
   EXPECT_EQ(statusOf(at("/docs/sub/link")).st_size, 11);

@@ -171,6 +171,7 @@ class Volume {
   // Renaming (volume_rename.cpp) and what follows it (volume_moved_tree.cpp).
   int checkMove(Move& move, unsigned flags);
   int carryOut(const Move& move);
+  bool isMisjudgedLink(const Move& move);
   int moveAt(const std::string& from, const std::string& to);
   int moveOver(const Move& move);
   int makeLinkAnew(const Move& move);

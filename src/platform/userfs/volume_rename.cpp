@@ -8,6 +8,12 @@
 #include "platform/userfs/volume.h"
 
 namespace kelvane::userfs {
+namespace {
+
+// To move an item there is to delete it: that is left to the delegate.
+constexpr char kTrash[] = "/.Trashes";
+
+}  // namespace
 
 void Volume::rename(fuse_req_t request, fuse_ino_t parent, const char* name, fuse_ino_t newParent,
                     const char* newName, unsigned flags) {
@@ -47,7 +53,7 @@ int Volume::carryOut(const Move& move) {
   if (copiesTree) visible = itemsBelow(move.from);
 
   OpenFile* const keeper = keepReplaced(move);
-  int code = moveOver(move);
+  int code = isMisjudgedLink(move) ? EIO : moveOver(move);
   // The delegate finds a link only if it leads somewhere, and most of its links do not.
   if (code != 0 && move.source.isLink()) code = makeLinkAnew(move);
   if (code != 0) {
@@ -67,6 +73,24 @@ int Volume::carryOut(const Move& move) {
     for (OpenFile* file : openFiles_) refresh(file);
   }
   return 0;
+}
+
+// Whether the delegate would move another item. It looks for the source in the writable tree by
+// following links: where that leads nowhere, it takes what stands beneath at the same path.
+bool Volume::isMisjudgedLink(const Move& move) {
+  constexpr int kMostLinks = 40;
+  if (!move.source.isLink() || move.source.isReadOnly() || move.to.starts_with(kTrash))
+    return false;
+  std::string path = move.from;
+  for (int links = 0; links < kMostLinks; ++links) {
+    const auto text = delegate_->destinationOfSymbolicLinkAtPath(path, nullptr);
+    if (!text.has_value() || !text->starts_with('/')) return true;
+    const auto item = itemAt(*text);
+    if (!item.has_value() || item->isReadOnly()) return true;
+    if (!item->isLink()) return false;
+    path = *text;
+  }
+  return true;
 }
 
 int Volume::moveAt(const std::string& from, const std::string& to) {
