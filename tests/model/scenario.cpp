@@ -139,14 +139,19 @@ static bool preventsBurning(const Step& step, const Tree& disc, const VolumeMode
   return source != tree.end() && source->second.type == 'd';
 }
 
+// A model that needs no volume beside it: every directory has the size of a small one.
+static VolumeModel modelAlone(const Tree& disc, int64_t freeMegabytes) {
+  return {disc,
+          {"/overlay", (kUsedMegabytes + freeMegabytes) * kMegabyte, kUsedMegabytes * kMegabyte,
+           [](const std::string&) { return 4096; }}};
+}
+
 Scenario makeScenario(uint64_t seed, size_t stepCount) {
   StepGenerator generator(seed);
   Scenario scenario;
   scenario.disc = generator.disc();
   if (generator.below(4) == 0) scenario.freeMegabytes = 1;
-  VolumeModel model(scenario.disc,
-                    {"/overlay", (kUsedMegabytes + scenario.freeMegabytes) * kMegabyte,
-                     kUsedMegabytes * kMegabyte, [](const std::string&) { return 4096; }});
+  VolumeModel model = modelAlone(scenario.disc, scenario.freeMegabytes);
   while (scenario.steps.size() < stepCount) {
     Step step = generator.next(model);
     step.comparesTree = scenario.steps.size() % kStepsBetweenTrees == kStepsBetweenTrees - 1;
@@ -155,6 +160,12 @@ Scenario makeScenario(uint64_t seed, size_t stepCount) {
     if (model.apply(step).isDefined) scenario.steps.push_back(step);
   }
   return scenario;
+}
+
+bool endsInASession(const Scenario& scenario) {
+  VolumeModel model = modelAlone(scenario.disc, scenario.freeMegabytes);
+  for (const Step& step : scenario.steps) model.apply(step);
+  return model.canBeBurned();
 }
 
 std::optional<Failure> runScenario(const Scenario& scenario) {

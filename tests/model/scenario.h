@@ -29,6 +29,9 @@ Scenario makeScenario(uint64_t seed, size_t stepCount);
 /// the end the session that mkisofs builds, as xorriso reads it. Empty where all agree.
 std::optional<Failure> runScenario(const Scenario& scenario);
 
+/// Whether `runScenario` gets as far as building the session: see VolumeModel::canBeBurned.
+bool endsInASession(const Scenario& scenario);
+
 /// A shorter scenario that fails too: steps and disc items are left out as long as it does.
 Scenario shrink(Scenario scenario, Failure* failure);
 

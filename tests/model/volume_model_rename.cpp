@@ -47,8 +47,6 @@ Outcome VolumeModel::rename(const Step& step) {
   if (const int code = checkRename(step, source.found, target.found)) return Outcome::failure(code);
   if (step.path == step.other) return {};
   const bool isLink = source.found.item->type == 'l';
-  // A link over an item of the disc: not settled yet, see docs/limits.md.
-  if (isLink && !source.found.isOnDisc && discHas(step.path)) return Outcome::undefined();
   if (isLink) {
     moveLink(step.path, step.other, source.found);
   } else if (source.found.isOnDisc) {
