@@ -65,7 +65,7 @@ TEST_P(VolumeModelTest, RandomStepsDoWhatTheRulesSayAndTheSessionHoldsTheirResul
     if (HasFailure()) return;
   }
   std::cout << sessions_ << " of " << volumes << " sessions built and compared" << std::endl;
-  if (volumes >= kVolumesATest) EXPECT_GT(sessions_, 0U);
+  EXPECT_TRUE(sessions_ > 0 || volumes < kVolumesATest);
 }
 
 INSTANTIATE_TEST_SUITE_P(FreshSeeds, VolumeModelTest, testing::Range(0U, 10U));
