@@ -167,6 +167,7 @@ class Volume {
   // Links (volume_links.cpp).
   int createVisibleLink(const std::string& path, const std::string& text);
   int removeAt(const std::string& path);
+  int unlinkAt(const std::string& path, const Node* known);
 
   // Renaming (volume_rename.cpp) and what follows it (volume_moved_tree.cpp).
   int checkMove(Move& move, unsigned flags);
@@ -217,6 +218,9 @@ inline int failureBelow() {
       return 0;
   }
 }
+
+/// To move an item there is to delete it, as the delegate sees it.
+inline constexpr char kTrash[] = "/.Trashes";
 
 /// The error number of a delegate operation that failed: the one it has set, that of a failure
 /// below, or `otherwise`.

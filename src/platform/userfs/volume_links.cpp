@@ -57,19 +57,22 @@ int Volume::removeAt(const std::string& path) {
   return removed && !error.isSet() ? 0 : numberOf(error, EIO);
 }
 
+// `known` is what the kernel knows of that path, which need not be found out again; may be null.
+int Volume::unlinkAt(const std::string& path, const Node* known) {
+  mode_t type = known == nullptr ? 0 : known->type;
+  if (type == 0) {
+    const auto item = itemAt(path);
+    if (!item.has_value()) return numberOf({}, ENOENT);
+    type = item->status.st_mode & S_IFMT;
+  }
+  return type == S_IFDIR ? EISDIR : removeAt(path);
+}
+
 void Volume::unlink(fuse_req_t request, fuse_ino_t parentNumber, const char* name) {
   Node* const parent = nodes_.nodeOf(parentNumber);
-  int code = checkName(parent, name);
-  if (code == 0) {
-    const std::string path = nodes_.pathOf(parent, name);
-    const auto item = itemAt(path);
-    if (!item.has_value()) {
-      code = ENOENT;
-    } else {
-      code = item->isDirectory() ? EISDIR : removeAt(path);
-    }
-  }
   Node* const node = nodes_.find(parent, name);
+  int code = checkName(parent, name);
+  if (code == 0) code = unlinkAt(nodes_.pathOf(parent, name), node);
   if (code == 0 && node != nullptr) nodes_.detach(node);
   fuse_reply_err(request, code);
 }

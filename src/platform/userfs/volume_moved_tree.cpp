@@ -67,8 +67,8 @@ void Volume::settleNodes(const Move& move) {
   Node* const node = nodes_.find(move.parent, move.name);
   if (node == nullptr) return;
   nodes_.retain(node);
-  const auto item = itemAt(move.to);
-  if (item.has_value()) {
+  const bool wasRemoved = move.to.starts_with(kTrash) && !itemAt(move.to).has_value();
+  if (!wasRemoved) {
     nodes_.move(node, move.newParent, move.newName);
     // What stands beneath becomes visible again at the old path and has this number.
     const bool hasNumberFromBeneath = (node->inodeNumber & 1U) != 0 && !move.source.isReadOnly();
@@ -81,7 +81,7 @@ void Volume::settleNodes(const Move& move) {
   }
   if (move.source.isDirectory()) caches_.forgetListing(nodes_.numberOf(node));
   if (move.source.isDirectory() && !move.source.isReadOnly()) forgetListingsBelow(node);
-  if (move.source.isDirectory() || !item.has_value()) {
+  if (move.source.isDirectory() || wasRemoved) {
     caches_.forgetNamesBelow(nodes_.numberOf(move.newParent), move.newName);
   }
   nodes_.forget(node, 1);

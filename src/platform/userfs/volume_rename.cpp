@@ -8,13 +8,6 @@
 #include "platform/userfs/volume.h"
 
 namespace kelvane::userfs {
-namespace {
-
-// To move an item there is to delete it: that is left to the delegate.
-constexpr char kTrash[] = "/.Trashes";
-
-}  // namespace
-
 void Volume::rename(fuse_req_t request, fuse_ino_t parent, const char* name, fuse_ino_t newParent,
                     const char* newName, unsigned flags) {
   Move move{nodes_.nodeOf(parent), name, nodes_.nodeOf(newParent), newName, {}, {}, {}, {}};
