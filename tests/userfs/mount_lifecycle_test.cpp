@@ -11,6 +11,7 @@
 
 #include <cerrno>
 #include <future>
+#include <thread>
 
 #include "platform/userfs/gm_user_file_system.h"
 #include "platform/userfs/mount_point.h"
@@ -142,6 +143,28 @@ TEST_F(MountLifecycle, ABusyVolumeCanBeTakenAway) {
   EXPECT_EQ(delegate.willUnmountCalls, 1);
   EXPECT_EQ(delegate.openFiles, 0);
   close(file);
+}
+
+TEST_F(MountLifecycle, AVolumeIsTakenAwayWhileAProgramKeepsAsking) {
+  mount();
+  const int root = open(mountPoint.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
+  ASSERT_GE(root, 0);
+  std::promise<void> hasAsked;
+  std::thread program([root, &hasAsked] {
+    // Another name each time: what is missing may be remembered by the kernel.
+    for (int i = 0;; ++i) {
+      const int missing = openat(root, std::to_string(i).c_str(), O_RDONLY | O_CLOEXEC);
+      if (missing >= 0) close(missing);
+      if (missing >= 0 || errno != ENOENT) return;
+      if (i == 100) hasAsked.set_value();
+    }
+  });
+  hasAsked.get_future().wait();
+  EXPECT_EQ(fileSystem->unmountLazily(), UnmountResult::Started);
+  EXPECT_TRUE(watcher->waitFor(kGMUserFileSystemDidUnmount));
+  program.join();  // It ends because its requests are no longer answered.
+  EXPECT_EQ(delegate.willUnmountCalls, 1);
+  close(root);
 }
 
 TEST_F(MountLifecycle, UnmountingWithoutAMountSaysSo) {

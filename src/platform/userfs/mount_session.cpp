@@ -7,8 +7,10 @@
 #include <unistd.h>
 
 #include <cerrno>
+#include <chrono>
 #include <cstdlib>
 #include <cstring>
+#include <thread>
 #include <utility>
 
 #include "platform/foundation/placeholders.h"
@@ -17,6 +19,13 @@
 
 namespace kelvane::userfs {
 namespace {
+
+// How long to look for a next request before going to sleep. On a single processor that would only
+// keep away the program that makes it.
+std::chrono::microseconds attention() {
+  constexpr std::chrono::microseconds kAttention{50};
+  return std::thread::hardware_concurrency() > 1 ? kAttention : std::chrono::microseconds::zero();
+}
 
 // An argument list in the form that libfuse takes apart.
 class ArgumentList {
@@ -43,7 +52,10 @@ std::string reasonOf(int code, const FuseLogCapture& log) {
 }  // namespace
 
 MountSession::MountSession(Volume* volume, std::string mountPoint)
-    : volume_(volume), mountPoint_(std::move(mountPoint)), stopSignal_(eventfd(0, EFD_CLOEXEC)) {}
+    : volume_(volume),
+      mountPoint_(std::move(mountPoint)),
+      stopSignal_(eventfd(0, EFD_CLOEXEC)),
+      attention_(attention()) {}
 
 std::unique_ptr<MountSession> MountSession::mount(Volume* volume, const MountOptions& options,
                                                   const std::string& mountPoint,
@@ -63,6 +75,8 @@ std::unique_ptr<MountSession> MountSession::mount(Volume* volume, const MountOpt
     return nullptr;
   }
   mounted->isMounted_ = true;
+  const int descriptor = fuse_session_fd(mounted->session_);
+  fcntl(descriptor, F_SETFL, fcntl(descriptor, F_GETFL) | O_NONBLOCK);
   volume->caches().start(mounted->session_);
   return mounted;
 }
@@ -87,6 +101,7 @@ void MountSession::serve(const std::function<void()>& whenReady) {
 }
 
 void MountSession::stop() {
+  isStopping_ = true;
   const uint64_t one = 1;
   while (write(stopSignal_, &one, sizeof(one)) < 0 && errno == EINTR) {
   }
@@ -101,9 +116,20 @@ bool MountSession::waitForRequest() const {
   return waiting[1].revents == 0;
 }
 
+// The next request's length, 0 or less where there is none. A program mostly asks for one thing
+// after the other: to look for the next request a few times costs less than to be woken up for it.
+int MountSession::receive() {
+  const auto start = std::chrono::steady_clock::now();
+  do {
+    const int length = fuse_session_receive_buf(session_, &request_);
+    if (length != -EAGAIN || isStopping_) return length;
+  } while (std::chrono::steady_clock::now() - start < attention_);
+  return waitForRequest() ? fuse_session_receive_buf(session_, &request_) : 0;
+}
+
 bool MountSession::serveOne() {
-  if (!waitForRequest()) return false;
-  const int length = fuse_session_receive_buf(session_, &request_);
+  const int length = receive();
+  if (isStopping_) return false;
   if (length == -EINTR || length == -EAGAIN) return true;
   if (length <= 0) return false;
   errno = 0;  // From here on it tells what fails below (see failureBelow).

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: GPL-2.0-or-later
 #pragma once
 
+#include <atomic>
+#include <chrono>
 #include <functional>
 #include <memory>
 #include <string>
@@ -34,6 +36,7 @@ class MountSession {
  private:
   MountSession(Volume* volume, std::string mountPoint);
   bool waitForRequest() const;
+  int receive();
   bool serveOne();
 
   Volume* volume_;
@@ -41,6 +44,8 @@ class MountSession {
   fuse_session* session_ = nullptr;
   bool isMounted_ = false;
   int stopSignal_ = -1;  // An eventfd; readable once `serve` has to return.
+  std::atomic<bool> isStopping_ = false;
+  std::chrono::microseconds attention_;
   fuse_buf request_ = {};
 };
 
