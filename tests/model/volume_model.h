@@ -54,7 +54,8 @@ class VolumeModel {
   /// The lines of the hide-list file, sorted.
   std::multiset<std::string> hidePatterns() const;
   /// Whether mkisofs can continue the disc with this overlay: it takes what stands on the disc at
-  /// the path of a new directory for a directory (see docs/limits.md).
+  /// the path of a new directory for a directory, and fails where a pattern hides a directory above
+  /// one that only the disc has (see docs/limits.md).
   bool canBeBurned() const;
 
   std::vector<std::string> visiblePaths() const;
@@ -111,6 +112,9 @@ class VolumeModel {
   std::string shownText(const std::string& stored) const;
   void addVisible(const std::string& directory, Tree* tree) const;
   bool isMatched(const std::string& path) const;
+  bool holdsPlaceholder(const std::string& directory) const;
+  bool isMatchedDirectory(const std::string& path) const;
+  bool losesItsParent(const std::string& discDirectory) const;
 
   Tree pristine_;
   Setting setting_;

@@ -70,18 +70,38 @@ Tree VolumeModel::sessionTree() const {
     const bool hasPlace = above.empty() || (tree.contains(above) && tree.at(above).type == 'd');
     if (hasPlace && !isMatched(path)) tree[path] = Entry{'f', {}, 0, {}};
   }
-  // A placeholder has the directories above it made in the overlay directory.
-  const auto isInOverlay = [this](const std::string& path) {
-    return overlay_.contains(path) ||
-           std::any_of(hidden_.begin(), hidden_.end(),
-                       [&](const std::string& hidden) { return hidden.starts_with(path + "/"); });
-  };
   std::vector<std::string> matched;
   for (const auto& [path, entry] : tree) {
-    if (isInOverlay(path) && isMatched(path)) matched.push_back(path);
+    const bool isWritten = overlay_.contains(path) || holdsPlaceholder(path);
+    if (isWritten && isMatched(path)) matched.push_back(path);
   }
   for (const std::string& path : matched) erase(&tree, path);
   return tree;
+}
+
+// A placeholder has the directories above it made in the overlay directory.
+bool VolumeModel::holdsPlaceholder(const std::string& directory) const {
+  return std::any_of(hidden_.begin(), hidden_.end(), [&](const std::string& hidden) {
+    return hidden.starts_with(directory + "/");
+  });
+}
+
+bool VolumeModel::isMatchedDirectory(const std::string& path) const {
+  const auto item = overlay_.find(path);
+  const bool isDirectory =
+      item != overlay_.end() ? item->second->type == 'd' : holdsPlaceholder(path);
+  return isDirectory && isMatched(path);
+}
+
+// A directory that only the disc has, below one that is written anew and hidden by a pattern.
+bool VolumeModel::losesItsParent(const std::string& discDirectory) const {
+  if (overlay_.contains(discDirectory) || isHidden(discDirectory)) return false;
+  if (holdsPlaceholder(discDirectory)) return false;
+  std::string above = discDirectory.substr(0, discDirectory.rfind('/'));
+  for (; !above.empty(); above.resize(above.rfind('/'))) {
+    if (isMatchedDirectory(above)) return true;
+  }
+  return false;
 }
 
 bool VolumeModel::canBeBurned() const {
@@ -89,7 +109,9 @@ bool VolumeModel::canBeBurned() const {
     const auto old = pristine_.find(path);
     if (item->type == 'd' && old != pristine_.end() && old->second.type != 'd') return false;
   }
-  return true;
+  return std::none_of(pristine_.begin(), pristine_.end(), [this](const auto& pair) {
+    return pair.second.type == 'd' && losesItsParent(pair.first);
+  });
 }
 
 }  // namespace kelvane::model
