@@ -113,7 +113,6 @@ class VolumeModel {
   void addVisible(const std::string& directory, Tree* tree) const;
   bool isMatched(const std::string& path) const;
   bool holdsPlaceholder(const std::string& directory) const;
-  bool isMatchedDirectory(const std::string& path) const;
   bool losesItsParent(const std::string& discDirectory) const;
 
   Tree pristine_;

@@ -86,22 +86,17 @@ bool VolumeModel::holdsPlaceholder(const std::string& directory) const {
   });
 }
 
-bool VolumeModel::isMatchedDirectory(const std::string& path) const {
-  const auto item = overlay_.find(path);
-  const bool isDirectory =
-      item != overlay_.end() ? item->second->type == 'd' : holdsPlaceholder(path);
-  return isDirectory && isMatched(path);
-}
-
-// A directory that only the disc has, below one that is written anew and hidden by a pattern.
+// Whether a pattern hides a directory that is written anew, above one that only the disc has.
 bool VolumeModel::losesItsParent(const std::string& discDirectory) const {
-  if (overlay_.contains(discDirectory) || isHidden(discDirectory)) return false;
-  if (holdsPlaceholder(discDirectory)) return false;
-  std::string above = discDirectory.substr(0, discDirectory.rfind('/'));
-  for (; !above.empty(); above.resize(above.rfind('/'))) {
-    if (isMatchedDirectory(above)) return true;
+  if (overlay_.contains(discDirectory) || holdsPlaceholder(discDirectory)) return false;
+  bool isLost = false;
+  for (std::string path = discDirectory; !path.empty(); path.resize(path.rfind('/'))) {
+    const auto item = overlay_.find(path);
+    const bool isInOverlay = item != overlay_.end();
+    if (isHidden(path) || (isInOverlay && item->second->type != 'd')) return false;
+    isLost = isLost || ((isInOverlay || holdsPlaceholder(path)) && isMatched(path));
   }
-  return false;
+  return isLost;
 }
 
 bool VolumeModel::canBeBurned() const {
