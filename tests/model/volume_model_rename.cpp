@@ -111,7 +111,8 @@ bool VolumeModel::leadsSomewhereOnDisc(const std::string& link) const {
   return neighbour->second.type != 'l' || leadsSomewhereOnDisc(neighbour->first);
 }
 
-// Whether there is something in the overlay at the path, links followed.
+// Whether there is something in the overlay at the path, links followed. At the end of the path
+// only such a link counts as shows where it leads: not the root's, nor one that came from the disc.
 bool VolumeModel::leadsSomewhereInOverlay(const std::string& path, int depth) const {
   if (path.empty() || path == "/") return true;
   if (depth == 0) return false;
@@ -123,10 +124,11 @@ bool VolumeModel::leadsSomewhereInOverlay(const std::string& path, int depth) co
     if (found->second->type == 'l') {
       const std::string& text = found->second->content;
       const std::string& prefix = setting_.overlayDirectory;
-      if (text == prefix) return leadsSomewhereInOverlay(rest, depth - 1);
       if (text.starts_with(prefix + "/")) {
         return leadsSomewhereInOverlay(text.substr(prefix.size()) + rest, depth - 1);
       }
+      if (rest.empty()) return false;
+      if (text == prefix) return leadsSomewhereInOverlay(rest, depth - 1);
       if (text.starts_with("/")) return false;
       const std::string neighbour = above.substr(0, above.rfind('/') + 1) + text;
       return leadsSomewhereInOverlay(neighbour + rest, depth - 1);

@@ -233,6 +233,17 @@ TEST_F(MountedRename, ALinkInThePlaceOfADiscFileIsMovedAndNotThatFile) {
   EXPECT_FALSE(exists(at("/disc1")));
 }
 
+// The disc's links are stored without the overlay directory's path, so this one shows no text.
+TEST_F(MountedRename, ALinkOfTheDiscThatStandsOverADiscFileIsMovedAndNotThatFile) {
+  chmod(trees.disc().c_str(), 0755);
+  trees.addDiscLink("/leading", "disc1");
+  chmod(trees.disc().c_str(), 0555);
+  ASSERT_EQ(errnoOfRename("/leading", "/docs/a"), 0);
+  ASSERT_EQ(errnoOfRename("/docs/a", "/moved"), 0);
+  EXPECT_TRUE(S_ISLNK(statusOf(at("/moved")).st_mode));
+  EXPECT_FALSE(exists(at("/docs/a")));
+}
+
 TEST_F(MountedRename, ALinkInADirectoryOfTheDisc) {
   sh("ln -s ../../disc1 docs/sub/link && cat docs/sub/link");
   EXPECT_EQ(statusOf(at("/docs/sub/link")).st_size, 11);

@@ -77,7 +77,7 @@ bool Volume::isMisjudgedLink(const Move& move) {
   std::string path = move.from;
   for (int links = 0; links < kMostLinks; ++links) {
     const auto text = delegate_->destinationOfSymbolicLinkAtPath(path, nullptr);
-    if (text == "") return false;  // The root itself.
+    // An empty text is either the root's or what is left of one that is too short to be read.
     if (!text.has_value() || !text->starts_with('/')) return true;
     const auto item = itemAt(*text);
     if (!item.has_value() || item->isReadOnly()) return true;
