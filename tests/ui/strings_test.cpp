@@ -9,6 +9,7 @@
 #include <QTranslator>
 #include <QXmlStreamReader>
 #include <map>
+#include <set>
 
 #include "platform/foundation/bundle.h"
 
@@ -143,8 +144,10 @@ TEST(StringsOfBothLanguages, HaveTheSameKeysAndPlaceholders) {
 }
 
 TEST(StringsOfBothLanguages, EveryLongTextHasItsShortOne) {
+  // These explain the message of another key.
+  const std::set<std::string> others = {"DVDBurnErrorAllocLong", "SessionNotPreparedLong"};
   for (const auto& [key, text] : textsOf("en")) {
-    if (!key.ends_with("Long") || key == "DVDBurnErrorAllocLong") continue;
+    if (!key.ends_with("Long") || others.contains(key)) continue;
     EXPECT_TRUE(textsOf("en").contains(key.substr(0, key.size() - 4))) << key;
   }
 }
