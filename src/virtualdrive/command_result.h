@@ -13,6 +13,8 @@ struct CommandResult {
   Sense sense;
   /// Bytes put into the data of the answer, or taken from the data that was sent.
   std::size_t transferred = 0;
+  /// There is no drive any more that could answer.
+  bool gone = false;
 
   bool good() const { return sense.good(); }
 };

@@ -4,9 +4,11 @@
 #include <algorithm>
 #include <array>
 #include <random>
+#include <thread>
 
 #include "virtualdrive/commands/command.h"
 #include "virtualdrive/commands/drive_facts.h"
+#include "virtualdrive/faults/fault_injector.h"
 #include "virtualdrive/state/disc_folder.h"
 #include "virtualdrive/state/tray.h"
 
@@ -54,6 +56,10 @@ std::optional<VirtualDrive> VirtualDrive::open(const std::filesystem::path& disc
   const auto folder = std::filesystem::absolute(disc, failure);
   VirtualDrive drive(failure ? disc : folder);
   if (!drive.inspect(error)) return std::nullopt;
+  if (auto problem = FaultInjector::problem(drive.folder_); !problem.empty()) {
+    *error = std::move(problem);
+    return std::nullopt;
+  }
   return drive;
 }
 
@@ -64,21 +70,43 @@ CommandResult VirtualDrive::execute(std::span<const std::uint8_t> commandBlock,
   std::array<std::uint8_t, kBlockBytes> block{};
   std::ranges::copy(commandBlock, block.begin());
 
+  std::chrono::nanoseconds duration{0};
+  const CommandResult result = executeLocked(block, dataIn, dataOut, &duration);
+  // Without the lock: others may ask the drive meanwhile.
+  if (duration.count() > 0) std::this_thread::sleep_for(duration);
+  return result;
+}
+
+CommandResult VirtualDrive::executeLocked(std::span<const std::uint8_t> block,
+                                          std::span<std::uint8_t> dataIn,
+                                          std::span<const std::uint8_t> dataOut,
+                                          std::chrono::nanoseconds* duration) const {
   const SignalsBlocked blocked;
   std::string error;
   auto folder = DiscFolder::lock(folder_, &error);
-  if (!folder) return {kDescriptionDamaged, 0};
+  if (!folder) return {kDescriptionDamaged, 0, !isThere()};
   Command command{block, dataIn, dataOut, *folder, MediumRules::of(folder->disc.medium)};
-  const auto result = carryOut(command);
-  if (command.driveChanged && !folder->storeDrive()) return {kDescriptionDamaged, 0};
-  return result;
+  FaultInjector faults(*folder);
+  const bool wasOpen = folder->drive.trayOpen;
+  auto result = faults.before(command);
+  if (!result) {
+    result = carryOut(command);
+    faults.after(command);
+  }
+  faults.noteTray(wasOpen);
+  *duration = faults.timeFor(command, *result);
+  const bool stored = (!command.driveChanged || folder->storeDrive()) && faults.store();
+  return stored || result->gone ? *result : CommandResult{kDescriptionDamaged, 0};
 }
 
 bool VirtualDrive::insertDisc(std::string* error) const {
   const SignalsBlocked blocked;
   auto folder = DiscFolder::lock(folder_, error);
   if (!folder) return false;
-  if (!loadTray(folder->drive) || folder->storeDrive()) return true;
+  if (!loadTray(folder->drive)) return true;
+  FaultInjector faults(*folder);
+  faults.noteTray(true);
+  if (folder->storeDrive() && faults.store()) return true;
   *error = "The disc's state cannot be written.";
   return false;
 }
@@ -105,6 +133,18 @@ bool VirtualDrive::mediaLoaded() const {
   std::string error;
   const auto folder = DiscFolder::lock(folder_, &error);
   return folder && !folder->drive.trayOpen;
+}
+
+bool VirtualDrive::isThere() const {
+  std::error_code ignored;
+  return std::filesystem::exists(folder_ / "disc.json", ignored);
+}
+
+bool VirtualDrive::refusesExclusiveAccess() const {
+  const SignalsBlocked blocked;
+  std::string error;
+  auto folder = DiscFolder::lock(folder_, &error);
+  return folder && FaultInjector(*folder).refusesExclusiveAccess();
 }
 
 std::optional<DiscState> VirtualDrive::inspect(std::string* error) const {

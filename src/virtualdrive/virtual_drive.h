@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-2.0-or-later
 #pragma once
 
+#include <chrono>
 #include <cstdint>
 #include <filesystem>
 #include <optional>
@@ -52,7 +53,8 @@ class VirtualDrive {
 
   /// Carries out a command block of MMC-5 (6 to 16 bytes). At most dataIn.size() bytes are
   /// answered; a command that sends data needs all of it in dataOut. A folder that has become
-  /// unreadable answers 4/44/00.
+  /// unreadable answers 4/44/00. Where a file `faults` lies in the folder, goes wrong what it says
+  /// (see faults/fault_script.h).
   CommandResult execute(std::span<const std::uint8_t> commandBlock, std::span<std::uint8_t> dataIn,
                         std::span<const std::uint8_t> dataOut) const;
 
@@ -64,6 +66,11 @@ class VirtualDrive {
   /// Whether the tray is closed. False also where the state cannot be read.
   bool mediaLoaded() const;
 
+  /// Whether the folder holds a disc, however damaged. False once a fault has taken the drive away.
+  bool isThere() const;
+  /// Whether nobody gets the drive for himself, because of a fault.
+  bool refusesExclusiveAccess() const;
+
   /// What is on the disc now. Works with the tray open too.
   std::optional<DiscState> inspect(std::string* error) const;
 
@@ -72,6 +79,10 @@ class VirtualDrive {
 
  private:
   explicit VirtualDrive(std::filesystem::path folder) : folder_(std::move(folder)) {}
+  /// `duration` is how long the data takes in real time, which is the caller's to wait for.
+  CommandResult executeLocked(std::span<const std::uint8_t> block, std::span<std::uint8_t> dataIn,
+                              std::span<const std::uint8_t> dataOut,
+                              std::chrono::nanoseconds* duration) const;
 
   std::filesystem::path folder_;
 };

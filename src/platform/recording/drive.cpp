@@ -67,7 +67,7 @@ DRDeviceStatus Drive::status() const {
 
 bool Drive::acquireExclusiveAccess() {
   const std::lock_guard guard(mutex_);
-  if (!exclusiveAccess_) {
+  if (!exclusiveAccess_ && !transport_->refusesExclusiveAccess()) {
     exclusiveAccess_ = FileLock::acquire(identity_.exclusiveLockPath, kLockPatience);
   }
   return exclusiveAccess_.has_value();

@@ -51,6 +51,10 @@ class Transport {
   /// Sends a command block that hands `data` to the drive.
   virtual Answer write(std::span<const uint8_t> commandBlock, std::span<const uint8_t> data,
                        std::chrono::milliseconds timeLimit) = 0;
+
+  /// Whether the drive lets nobody have it alone, whatever the locks say. Real drives have no such
+  /// will.
+  virtual bool refusesExclusiveAccess() const { return false; }
 };
 
 }  // namespace kelvane::mmc

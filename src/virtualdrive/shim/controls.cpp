@@ -102,6 +102,7 @@ class DriveClaim {
   int take(const ShownDrive& shown, short type) {
     const std::lock_guard guard(mutex_);
     const StepAside aside;
+    if (shown.drive().refusesExclusiveAccess()) return -EAGAIN;
     if (descriptor_ < 0) descriptor_ = ::open(shown.lockPath().c_str(), O_RDWR | O_CLOEXEC);
     if (descriptor_ < 0) return -errno;
     struct flock lock {};

@@ -17,6 +17,14 @@ namespace kelvane::virtualdrive::shim {
 
 int openDrive(const ShownDrive& shown, int flags) {
   const StepAside aside;
+  if (!shown.drive().isThere()) {
+    errno = ENXIO;
+    return -1;
+  }
+  if ((flags & O_EXCL) != 0 && shown.drive().refusesExclusiveAccess()) {
+    errno = EBUSY;
+    return -1;
+  }
   if ((flags & O_NONBLOCK) == 0 && !shown.drive().mediaLoaded()) {
     errno = ENOMEDIUM;
     return -1;

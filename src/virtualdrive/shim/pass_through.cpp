@@ -47,6 +47,7 @@ int passThrough(const ShownDrive& shown, void* argument) {
   const std::span<const std::uint8_t> dataOut(data, sends ? length : 0);
 
   const auto result = shown.drive().execute({header->cmdp, header->cmd_len}, dataIn, dataOut);
+  if (result.gone) return -ENODEV;
   header->status = header->masked_status = header->msg_status = 0;
   header->host_status = header->driver_status = 0;
   header->sb_len_wr = 0;

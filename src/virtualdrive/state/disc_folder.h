@@ -53,6 +53,7 @@ class DiscFolder {
   DiscState disc;
   DriveState drive;
   SectorFile& sectors() { return *sectors_; }
+  const std::filesystem::path& path() const { return folder_; }
 
  private:
   DiscFolder(std::filesystem::path folder, FileDescriptor lock)

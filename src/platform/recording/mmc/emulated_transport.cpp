@@ -2,21 +2,16 @@
 #include "platform/recording/mmc/emulated_transport.h"
 
 #include <cerrno>
-#include <filesystem>
-#include <system_error>
 
 namespace kelvane::mmc {
 namespace {
 
-Answer answerFrom(const virtualdrive::VirtualDrive& drive,
-                  const virtualdrive::CommandResult& result) {
+Answer answerFrom(const virtualdrive::CommandResult& result) {
   Answer answer;
   answer.transferred = result.transferred;
   answer.sense = Sense{result.sense.key, result.sense.code, result.sense.qualifier};
   answer.status = result.good() ? Status::Good : Status::CheckCondition;
-  std::error_code failure;
-  const bool unplugged = !result.good() && !std::filesystem::exists(drive.folder(), failure);
-  if (unplugged) {
+  if (result.gone) {
     answer.status = Status::Unreachable;
     answer.errorNumber = ENODEV;
   }
@@ -27,12 +22,12 @@ Answer answerFrom(const virtualdrive::VirtualDrive& drive,
 
 Answer EmulatedTransport::read(std::span<const uint8_t> commandBlock, std::span<uint8_t> data,
                                std::chrono::milliseconds) {
-  return answerFrom(drive_, drive_.execute(commandBlock, data, {}));
+  return answerFrom(drive_.execute(commandBlock, data, {}));
 }
 
 Answer EmulatedTransport::write(std::span<const uint8_t> commandBlock,
                                 std::span<const uint8_t> data, std::chrono::milliseconds) {
-  return answerFrom(drive_, drive_.execute(commandBlock, {}, data));
+  return answerFrom(drive_.execute(commandBlock, {}, data));
 }
 
 }  // namespace kelvane::mmc

@@ -17,6 +17,7 @@ class EmulatedTransport : public Transport {
               std::chrono::milliseconds timeLimit) override;
   Answer write(std::span<const uint8_t> commandBlock, std::span<const uint8_t> data,
                std::chrono::milliseconds timeLimit) override;
+  bool refusesExclusiveAccess() const override { return drive_.refusesExclusiveAccess(); }
 
  private:
   virtualdrive::VirtualDrive drive_;
