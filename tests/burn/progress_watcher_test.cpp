@@ -9,6 +9,7 @@
 #include <fstream>
 #include <memory>
 
+#include "burn/noted_bar.h"
 #include "recording/event_loop.h"
 #include "recording/temporary_folder.h"
 
@@ -17,18 +18,6 @@ namespace {
 
 using ::testing::ElementsAre;
 using ::testing::IsEmpty;
-
-// A bar that notes what is done to it.
-class NotedBar : public ProgressIndicator {
- public:
-  void setIndeterminate(bool indeterminate) override { isIndeterminate = indeterminate; }
-  void setDoubleValue(double value) override { values.push_back(value); }
-  void startAnimation() override {}
-  void stopAnimation() override {}
-
-  bool isIndeterminate = true;
-  std::vector<double> values;
-};
 
 class ProgressWatcherTest : public ::testing::Test {
  protected:
@@ -40,7 +29,7 @@ class ProgressWatcherTest : public ::testing::Test {
   testing::EventLoop loop;
   testing::TemporaryFolder folder;
   const std::string path = folder.file("image.iso");
-  NotedBar bar;
+  testing::NotedBar bar;
   ProgressWatcher watcher;
 };
 
@@ -129,7 +118,7 @@ TEST_F(ProgressWatcherTest, WatchesAnotherFileWithoutForgettingTheFraction) {
 TEST_F(ProgressWatcherTest, StopsWhenItIsTold) {
   watcher.startWatching(path, 1000.0, &bar);
   ProgressWatcher other;
-  NotedBar otherBar;
+  testing::NotedBar otherBar;
   watcher.stopWatching();
   other.startWatching(path, 1000.0, &otherBar);
   setSize(300);
