@@ -91,11 +91,35 @@ DRBurnStatus BurnerFixture::burn(DRDevice* device, const std::string& image) {
 }
 
 DRBurnStatus BurnerFixture::waitForEnd(DRBurn& burn) {
-  EXPECT_TRUE(loop.runUntil([&burn] {
-    const std::string state = burn.status().DRStatusStateKey;
-    return state == DRStatusStateDone || state == DRStatusStateFailed;
-  }));
+  EXPECT_TRUE(loop.runUntil([&burn] { return isFinal(burn.status()); }));
   return burn.status();
+}
+
+DREraseStatus BurnerFixture::waitForEnd(DRErase& erase) {
+  EXPECT_TRUE(loop.runUntil([&erase] { return isFinal(erase.status()); }));
+  return erase.status();
+}
+
+void BurnerFixture::leaveASessionUnfinished(DRDevice* device) {
+  constexpr uint8_t kBlocks = 16;
+  const auto address = static_cast<uint32_t>(nextAddress(device));
+  const std::vector<uint8_t> write{0x2A,
+                                   0,
+                                   static_cast<uint8_t>(address >> 24),
+                                   static_cast<uint8_t>(address >> 16),
+                                   static_cast<uint8_t>(address >> 8),
+                                   static_cast<uint8_t>(address),
+                                   0,
+                                   0,
+                                   kBlocks,
+                                   0};
+  const std::vector<uint8_t> data(kBlocks * kBlockBytes, 0x77);
+  ASSERT_TRUE(open(*device->emulatedDisc()).execute(write, {}, data).good());
+}
+
+std::string BurnerFixture::stateOf(const DRDevice* device) {
+  return contentOf(*device->emulatedDisc() + "/disc.json") +
+         contentOf(*device->emulatedDisc() + "/sectors");
 }
 
 std::string BurnerFixture::errorOf(const DRBurnStatus& status) {

@@ -9,6 +9,7 @@
 
 #include "platform/recording/dr_burn.h"
 #include "platform/recording/dr_device.h"
+#include "platform/recording/dr_erase.h"
 #include "platform/recording/drive_registry.h"
 #include "recording/event_loop.h"
 #include "recording/temporary_folder.h"
@@ -41,6 +42,11 @@ class BurnerFixture : public ::testing::Test {
   /// Burns the image and gives the last status.
   DRBurnStatus burn(DRDevice* device, const std::string& image);
   DRBurnStatus waitForEnd(DRBurn& burn);
+  DREraseStatus waitForEnd(DRErase& erase);
+  /// Writes the beginning of a session and leaves it at that, as a recorder does that is killed.
+  void leaveASessionUnfinished(DRDevice* device);
+  /// All that the disc's folder says of it and holds.
+  std::string stateOf(const DRDevice* device);
 
   /// Why the burn failed.
   static std::string errorOf(const DRBurnStatus& status);

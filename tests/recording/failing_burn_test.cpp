@@ -32,29 +32,6 @@ class FailingBurnTest : public testing::BurnerFixture {
     EXPECT_FALSE(device->mediaIsBusy());
     return errorOf(status);
   }
-
-  std::string stateOf(const DRDevice* device) {
-    return contentOf(*device->emulatedDisc() + "/disc.json") +
-           contentOf(*device->emulatedDisc() + "/sectors");
-  }
-
-  // Writes the beginning of a session and leaves it at that, as a recorder does that is killed.
-  void leaveASessionUnfinished(DRDevice* device) {
-    constexpr uint8_t kBlocks = 16;
-    const auto address = static_cast<uint32_t>(nextAddress(device));
-    const std::vector<uint8_t> write{0x2A,
-                                     0,
-                                     static_cast<uint8_t>(address >> 24),
-                                     static_cast<uint8_t>(address >> 16),
-                                     static_cast<uint8_t>(address >> 8),
-                                     static_cast<uint8_t>(address),
-                                     0,
-                                     0,
-                                     kBlocks,
-                                     0};
-    const std::vector<uint8_t> data(kBlocks * kBlock, 0x77);
-    ASSERT_TRUE(open(*device->emulatedDisc()).execute(write, {}, data).good());
-  }
 };
 
 TEST_F(FailingBurnTest, ASessionThatDoesNotFitIsNotBegun) {

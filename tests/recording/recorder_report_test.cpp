@@ -18,6 +18,10 @@ TEST(RecorderReport, IsReadInEachOfItsKinds) {
   EXPECT_EQ(writing->kind, Kind::Writing);
   EXPECT_EQ(writing->writtenBlocks, 12);
   EXPECT_EQ(writing->totalBlocks, 300);
+  const auto erasing = parseRecorderReport(R"({"state":"erasing","erased":900,"parts":65536})");
+  EXPECT_EQ(erasing->kind, Kind::Erasing);
+  EXPECT_EQ(erasing->erasedParts, 900);
+  EXPECT_EQ(erasing->totalParts, 65536);
   const auto done = parseRecorderReport(R"({"state":"done","address":11702,"total":300})");
   EXPECT_EQ(done->kind, Kind::Done);
   EXPECT_EQ(done->startAddress, 11702);

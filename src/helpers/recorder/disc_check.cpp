@@ -24,17 +24,6 @@ constexpr int64_t kBlockBytes = 2048;
 // A CD track lasts four seconds at least; a shorter one is filled up.
 constexpr int64_t kShortestTrackBlocks = 300;
 
-burn::burn_disc_status settledStatus(burn::burn_drive* drive) {
-  constexpr std::chrono::milliseconds kPause{100};
-  constexpr int kMostPauses = 600;
-  burn::burn_disc_status status = burn::burn_disc_get_status(drive);
-  for (int pause = 0; status == burn::BURN_DISC_UNREADY && pause < kMostPauses; ++pause) {
-    std::this_thread::sleep_for(kPause);
-    status = burn::burn_disc_get_status(drive);
-  }
-  return status;
-}
-
 }  // namespace
 
 std::string whyImageCannotBeWritten(const std::string& path, int64_t& bytes) {
@@ -58,8 +47,18 @@ std::string whySessionCannotBegin(mmc::Transport& transport) {
          "read, but nothing can be added.";
 }
 
+void waitUntilDiscIsKnown(burn::burn_drive* drive) {
+  constexpr std::chrono::milliseconds kPause{100};
+  constexpr int kMostPauses = 600;
+  for (int pause = 0; pause < kMostPauses; ++pause) {
+    if (burn::burn_disc_get_status(drive) != burn::BURN_DISC_UNREADY) return;
+    std::this_thread::sleep_for(kPause);
+  }
+}
+
 std::string whyDiscCannotBeWritten(burn::burn_drive* drive) {
-  switch (settledStatus(drive)) {
+  waitUntilDiscIsKnown(drive);
+  switch (burn::burn_disc_get_status(drive)) {
     case burn::BURN_DISC_BLANK:
     case burn::BURN_DISC_APPENDABLE:
       return {};

@@ -22,6 +22,9 @@ std::string whyImageCannotBeWritten(const std::string& path, int64_t& bytes);
 /// where readers look for it. libburn does not tell, so this is asked before the drive is grabbed.
 std::string whySessionCannotBegin(mmc::Transport& transport);
 
+/// Waits, for a minute at most, until the drive has found out what disc is in it.
+void waitUntilDiscIsKnown(burn::burn_drive* drive);
+
 /// Looks at the disc in the drive: a sentence where it is missing or closed; else empty.
 std::string whyDiscCannotBeWritten(burn::burn_drive* drive);
 

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: GPL-2.0-or-later
 //
-// recorder: writes one image to the disc in one drive, and reports on standard output (reporter.h).
-// Exit status 0: the session is on the disc. 1: it is not. 2: wrong arguments.
+// recorder: writes one image to the disc in one drive, or erases that disc, and reports on standard
+// output (reporter.h). Exit status 0: it is done. 1: it is not. 2: wrong arguments.
 //
 // A recording cannot be taken back, so nothing that ends the application may end it: the program
 // leaves its starter's session and takes no notice of the signals that are sent to whole sessions.
@@ -12,13 +12,13 @@
 #include <CLI/CLI.hpp>
 #include <csignal>
 
+#include "helpers/recorder/erase_job.h"
 #include "helpers/recorder/recording_job.h"
 #include "helpers/recorder/reporter.h"
 
 namespace {
 
-using kelvane::recorder::RecordingJob;
-using kelvane::recorder::RecordingOrder;
+using namespace kelvane::recorder;
 
 void outliveTheApplication() {
   // Fails where the starter has given us a session already.
@@ -28,9 +28,12 @@ void outliveTheApplication() {
   }
 }
 
-void declareOptions(CLI::App& arguments, RecordingOrder& order) {
+void declareOptions(CLI::App& arguments, RecordingOrder& order, bool& erases) {
   arguments.add_option("--device", order.devicePath, "The drive's device node")->required();
-  arguments.add_option("--image", order.imagePath, "The file to be written")->required();
+  CLI::Option_group* task = arguments.add_option_group("task", "One of these");
+  task->add_option("--image", order.imagePath, "The file to be written");
+  task->add_flag("--erase", erases, "Erase the disc, which must be rewritable");
+  task->require_option(1);
   arguments.add_option("--lock", order.lockPath, "A file to be locked meanwhile");
   arguments.add_option("--speed", order.speed, "Kilobytes (1000 bytes) a second")
       ->check(CLI::PositiveNumber);
@@ -40,12 +43,21 @@ void declareOptions(CLI::App& arguments, RecordingOrder& order) {
       "Do not let the drive pause when data is late");
 }
 
+JobOutcome carryOut(const RecordingOrder& order, bool erases) {
+  Reporter reporter;
+  if (erases) {
+    return EraseJob({.devicePath = order.devicePath, .lockPath = order.lockPath}, reporter).run();
+  }
+  return RecordingJob(order, reporter).run();
+}
+
 }  // namespace
 
 int main(int argc, char** argv) {
   RecordingOrder order;
-  CLI::App arguments("Writes an image to a disc as a new session.", "recorder");
-  declareOptions(arguments, order);
+  bool erases = false;
+  CLI::App arguments("Writes an image to a disc as a new session, or erases the disc.", "recorder");
+  declareOptions(arguments, order, erases);
   constexpr int kWrongArguments = 2;
   try {
     arguments.parse(argc, argv);
@@ -53,7 +65,5 @@ int main(int argc, char** argv) {
     return arguments.exit(error) == 0 ? 0 : kWrongArguments;
   }
   outliveTheApplication();
-  kelvane::recorder::Reporter reporter;
-  const RecordingJob::Outcome outcome = RecordingJob(order, reporter).run();
-  return outcome == RecordingJob::Outcome::Done ? 0 : 1;
+  return carryOut(order, erases) == JobOutcome::Done ? 0 : 1;
 }

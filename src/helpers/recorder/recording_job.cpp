@@ -17,7 +17,7 @@
 #include "helpers/recorder/disc_check.h"
 #include "helpers/recorder/grabbed_drive.h"
 #include "helpers/recorder/image_source.h"
-#include "platform/recording/file_lock.h"
+#include "helpers/recorder/recording_lock.h"
 #include "platform/recording/mmc/sg_io_transport.h"
 
 namespace kelvane::recorder {
@@ -25,8 +25,6 @@ namespace {
 
 constexpr int64_t kBlockBytes = 2048;
 constexpr std::chrono::milliseconds kLookInterval{50};
-// Whoever looks whether the drive is busy holds the lock for a moment.
-constexpr std::chrono::milliseconds kLockPatience{3000};
 
 struct OptionsRelease {
   void operator()(burn::burn_write_opts* options) const { burn::burn_write_opts_free(options); }
@@ -89,15 +87,15 @@ void setSpeed(burn::burn_drive* drive, std::optional<double> kilobytesASecond) {
 RecordingJob::RecordingJob(RecordingOrder order, Reporter& reporter)
     : order_(std::move(order)), reporter_(reporter) {}
 
-RecordingJob::Outcome RecordingJob::run() {
+JobOutcome RecordingJob::run() {
   reporter_.preparing();
   const std::string problem = record();
   if (problem.empty()) {
     reporter_.done(startAddress_, blocks_);
-    return Outcome::Done;
+    return JobOutcome::Done;
   }
   reporter_.failed(problem);
-  return Outcome::Failed;
+  return JobOutcome::Failed;
 }
 
 // Empty where the session is on the disc, else why it is not. So do the functions below.
@@ -106,10 +104,8 @@ std::string RecordingJob::record() {
   if (!problem.empty()) return problem;
   blocks_ = (imageBytes_ + kBlockBytes - 1) / kBlockBytes;
   std::optional<FileLock> lock;
-  if (!order_.lockPath.empty()) {
-    lock = FileLock::acquire(order_.lockPath, kLockPatience);
-    if (!lock) return "Another recording is running on this drive.";
-  }
+  problem = lockForRecording(order_.lockPath, lock);
+  if (!problem.empty()) return problem;
   mmc::SgIoTransport transport(order_.devicePath);
   problem = whySessionCannotBegin(transport);
   if (!problem.empty()) return problem;

@@ -6,6 +6,7 @@
 #include <string>
 
 #include "helpers/recorder/drive_messages.h"
+#include "helpers/recorder/job_outcome.h"
 #include "helpers/recorder/reporter.h"
 
 namespace burn {
@@ -33,12 +34,10 @@ struct RecordingOrder {
 /// Nothing is written unless the image is there, the disc can take a session, and the session fits.
 class RecordingJob {
  public:
-  enum class Outcome { Done, Failed };
-
   RecordingJob(RecordingOrder order, Reporter& reporter);
 
   /// Does all of it. The last thing it reports is that it is done or has failed.
-  Outcome run();
+  JobOutcome run();
 
  private:
   std::string record();

@@ -42,6 +42,10 @@ void Reporter::closing() {
   send({{"state", "closing"}}, kNoPatience);
 }
 
+void Reporter::erasing(int64_t erasedParts, int64_t totalParts) {
+  send({{"state", "erasing"}, {"erased", erasedParts}, {"parts", totalParts}}, kNoPatience);
+}
+
 void Reporter::finishing() {
   send({{"state", "finishing"}}, kNoPatience);
 }
@@ -49,6 +53,10 @@ void Reporter::finishing() {
 void Reporter::done(int64_t startAddress, int64_t totalBlocks) {
   send({{"state", "done"}, {"address", startAddress}, {"total", totalBlocks}},
        kLastMessagePatience);
+}
+
+void Reporter::erased() {
+  send({{"state", "done"}}, kLastMessagePatience);
 }
 
 void Reporter::failed(const std::string& error) {

@@ -9,21 +9,6 @@
 #include "platform/recording/recorder_run.h"
 
 namespace kelvane {
-namespace {
-
-bool isFinal(const DRBurnStatus& status) {
-  return status.DRStatusStateKey == DRStatusStateDone ||
-         status.DRStatusStateKey == DRStatusStateFailed;
-}
-
-DRBurnStatus failure(const std::string& why) {
-  DRBurnStatus status;
-  status.DRStatusStateKey = DRStatusStateFailed;
-  status.DRErrorStatusKey = DRErrorStatus{why};
-  return status;
-}
-
-}  // namespace
 
 std::unique_ptr<DRBurn> DRBurn::burnForDevice(DRDevice* device) {
   return std::unique_ptr<DRBurn>(new DRBurn(device));
@@ -51,12 +36,12 @@ void DRBurn::setVerifyDisc(bool verify) {
 void DRBurn::writeLayout(std::unique_ptr<DRTrack> track) {
   if (track_) return;
   track_ = std::move(track);
-  if (verify_) return report(failure("Verifying a written disc is not available."));
+  if (verify_) return report(failedStatus("Verifying a written disc is not available."));
   if (device_ == nullptr || device_->drive() == nullptr) {
-    return report(failure("There is no drive to write with."));
+    return report(failedStatus("There is no drive to write with."));
   }
   const DriveIdentity& drive = device_->drive()->identity();
-  if (!drive.programProblem.empty()) return report(failure(drive.programProblem));
+  if (!drive.programProblem.empty()) return report(failedStatus(drive.programProblem));
   const RecorderOrder order{.imagePath = track_->producer().sourcePath(),
                             .appendable = appendable_,
                             .underrunProtection = properties_.DRBurnUnderrunProtectionKey != 0,
@@ -67,7 +52,7 @@ void DRBurn::writeLayout(std::unique_ptr<DRTrack> track) {
   const std::string problem = run->start();
   if (!problem.empty()) {
     device_->endRecording();
-    return report(failure(problem));
+    return report(failedStatus(problem));
   }
   run_ = std::move(run);
   DRBurnStatus preparing;

@@ -14,10 +14,12 @@ namespace kelvane {
 inline constexpr char DRDeviceStatusChangedNotification[] = "DRDeviceStatusChangedNotification";
 /// A burn has come further. The object is the DRBurn, the user information its DRBurnStatus.
 inline constexpr char DRBurnStatusChangedNotification[] = "DRBurnStatusChangedNotification";
+/// An erase has come further. The object is the DRErase, the user information its DREraseStatus.
+inline constexpr char DREraseStatusChangedNotification[] = "DREraseStatusChangedNotification";
 
-/// Delivers what drives and burns report, on the main thread, from its event loop: never within the
-/// call that caused it. Notifications arrive in the order in which they were posted. Observers are
-/// added and removed on the main thread; post from any.
+/// Delivers what drives, burns and erases report, on the main thread, from its event loop: never
+/// within the call that caused it. Notifications arrive in the order in which they were posted.
+/// Observers are added and removed on the main thread; post from any.
 class DRNotificationCenter {
  public:
   using Handler = std::function<void(const Notification&)>;

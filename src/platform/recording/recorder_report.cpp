@@ -12,10 +12,11 @@ namespace {
 using Kind = RecorderReport::Kind;
 using nlohmann::json;
 
-constexpr std::array<std::pair<std::string_view, Kind>, 6> kKinds{{
+constexpr std::array<std::pair<std::string_view, Kind>, 7> kKinds{{
     {"preparing", Kind::Preparing},
     {"writing", Kind::Writing},
     {"closing", Kind::Closing},
+    {"erasing", Kind::Erasing},
     {"finishing", Kind::Finishing},
     {"done", Kind::Done},
     {"failed", Kind::Failed},
@@ -58,6 +59,8 @@ std::optional<RecorderReport> parseRecorderReport(std::string_view line) {
   RecorderReport report{.kind = *kind, .error = {}};
   const bool complete = readNumber(message, "written", report.writtenBlocks) &&
                         readNumber(message, "total", report.totalBlocks) &&
+                        readNumber(message, "erased", report.erasedParts) &&
+                        readNumber(message, "parts", report.totalParts) &&
                         readNumber(message, "address", report.startAddress) &&
                         readText(message, "error", report.error);
   if (!complete) return std::nullopt;

@@ -14,14 +14,18 @@ struct RecorderReport {
     Preparing,  ///< The drive is being opened and the disc looked at.
     Writing,    ///< `writtenBlocks` of `totalBlocks` have been given to the drive.
     Closing,    ///< The session is being closed.
+    Erasing,    ///< `erasedParts` of `totalParts` of an erase are done.
     Finishing,  ///< The drive is being released.
-    Done,       ///< The session is on the disc: `totalBlocks` from `startAddress`.
+    Done,       ///< The session is on the disc, `totalBlocks` from `startAddress`; or the disc is
+                ///< blank.
     Failed,     ///< It is not; `error` says why.
   };
 
   Kind kind = Kind::Preparing;
   int64_t writtenBlocks = 0;
   int64_t totalBlocks = 0;
+  int64_t erasedParts = 0;
+  int64_t totalParts = 0;
   int64_t startAddress = 0;
   std::string error;
 };

@@ -21,17 +21,9 @@ DRBurnStatus statusWith(const char* state, std::optional<double> fraction = std:
   return status;
 }
 
-DRBurnStatus failure(const std::string& why) {
-  DRBurnStatus status = statusWith(DRStatusStateFailed);
-  status.DRErrorStatusKey = DRErrorStatus{why};
-  return status;
-}
-
-double fractionWritten(const RecorderReport& report) {
-  if (report.totalBlocks <= 0) return 0.0;
-  const double fraction =
-      static_cast<double>(report.writtenBlocks) / static_cast<double>(report.totalBlocks);
-  return std::clamp(fraction, 0.0, 1.0);
+double fractionOf(int64_t done, int64_t total) {
+  if (total <= 0) return 0.0;
+  return std::clamp(static_cast<double>(done) / static_cast<double>(total), 0.0, 1.0);
 }
 
 DRBurnStatus statusFrom(const RecorderReport& report) {
@@ -39,7 +31,10 @@ DRBurnStatus statusFrom(const RecorderReport& report) {
     case RecorderReport::Kind::Preparing:
       break;
     case RecorderReport::Kind::Writing:
-      return statusWith(DRStatusStateTrackWrite, fractionWritten(report));
+      return statusWith(DRStatusStateTrackWrite,
+                        fractionOf(report.writtenBlocks, report.totalBlocks));
+    case RecorderReport::Kind::Erasing:
+      return statusWith(DRStatusStateErasing, fractionOf(report.erasedParts, report.totalParts));
     case RecorderReport::Kind::Closing:
       return statusWith(DRStatusStateSessionClose, 1.0);
     case RecorderReport::Kind::Finishing:
@@ -47,22 +42,28 @@ DRBurnStatus statusFrom(const RecorderReport& report) {
     case RecorderReport::Kind::Done:
       return statusWith(DRStatusStateDone, 1.0);
     case RecorderReport::Kind::Failed:
-      return failure(report.error.empty() ? "The recorder gave no reason." : report.error);
+      return failedStatus(report.error.empty() ? "The recorder gave no reason." : report.error);
   }
   return statusWith(DRStatusStatePreparing, 0.0);
 }
 
-std::vector<std::string> argumentsFor(const DriveIdentity& drive, const RecorderOrder& order) {
-  std::vector<std::string> arguments{"--device", drive.programPath, "--image", order.imagePath};
+std::vector<std::string> writingArguments(const RecorderOrder& order) {
+  std::vector<std::string> arguments{"--image", order.imagePath};
   if (order.appendable) arguments.push_back("--appendable");
   if (!order.underrunProtection) arguments.push_back("--no-underrun-protection");
   if (order.speed) {
     arguments.push_back("--speed");
     arguments.push_back(std::to_string(*order.speed));
   }
+  return arguments;
+}
+
+std::vector<std::string> argumentsFor(const DriveIdentity& drive, const RecorderOrder& order) {
+  std::vector<std::string> arguments{"--erase"};
+  if (order.task == RecorderOrder::Task::Write) arguments = writingArguments(order);
+  arguments.insert(arguments.end(), {"--device", drive.programPath});
   if (!drive.recordingLockPath.empty()) {
-    arguments.push_back("--lock");
-    arguments.push_back(drive.recordingLockPath);
+    arguments.insert(arguments.end(), {"--lock", drive.recordingLockPath});
   }
   return arguments;
 }
@@ -75,22 +76,11 @@ std::string lastLine(const std::string& text) {
   return text.substr(begin, end - begin + 1);
 }
 
-std::string describeEnd(int terminationStatus, const std::string& standardError) {
-  const bool signalled = terminationStatus > kSignalledByShellConvention;
-  std::string text = "The recorder ended without a result (";
-  text += signalled ? "signal " + std::to_string(terminationStatus - kSignalledByShellConvention)
-                    : "exit status " + std::to_string(terminationStatus);
-  text += "); the disc may hold an unfinished session.";
-  const std::string words = lastLine(standardError);
-  if (!words.empty()) text += " It said: " + words;
-  return text;
-}
-
 }  // namespace
 
 RecorderRun::RecorderRun(const DriveIdentity& drive, const RecorderOrder& order,
                          std::function<void(const DRBurnStatus&)> handler)
-    : handler_(std::move(handler)) {
+    : kind_(order.task), handler_(std::move(handler)) {
   const auto program = Bundle::mainBundle().pathForAuxiliaryExecutable(kRecorderName);
   task_.setLaunchPath(
       program.value_or(Bundle::mainBundle().auxiliaryFolder() + "/" + kRecorderName));
@@ -127,9 +117,24 @@ void RecorderRun::receive(const std::string& line) {
 
 void RecorderRun::finish() {
   if (!result_) {
-    result_ = failure(describeEnd(task_.terminationStatus(), task_.readStandardErrorToEnd()));
+    result_ = failedStatus(describeEnd());
   }
   handler_(*result_);
+}
+
+std::string RecorderRun::describeEnd() {
+  const int status = task_.terminationStatus();
+  const bool signalled = status > kSignalledByShellConvention;
+  const std::string cause = signalled
+                                ? "signal " + std::to_string(status - kSignalledByShellConvention)
+                                : "exit status " + std::to_string(status);
+  const char* consequence = kind_ == RecorderOrder::Task::Write
+                                ? "the disc may hold an unfinished session."
+                                : "the disc may be erased in part.";
+  std::string text = "The recorder ended without a result (" + cause + "); " + consequence;
+  const std::string words = lastLine(task_.readStandardErrorToEnd());
+  if (!words.empty()) text += " It said: " + words;
+  return text;
 }
 
 }  // namespace kelvane

@@ -13,13 +13,17 @@ namespace kelvane {
 
 struct DriveIdentity;
 
-/// What the recorder is to write.
+/// What the recorder is to do.
 struct RecorderOrder {
-  std::string imagePath;
+  enum class Task { Write, Erase };
+
+  Task task = Task::Write;
+  // The rest belongs to writing alone.
+  std::string imagePath = {};
   bool appendable = false;
   bool underrunProtection = true;
   /// Kilobytes (1000 bytes) a second; absent: as fast as possible.
-  std::optional<float> speed;
+  std::optional<float> speed = {};
 };
 
 /// One run of the recorder program: starts it, follows its messages, and tells how it ended.
@@ -43,7 +47,9 @@ class RecorderRun {
  private:
   void receive(const std::string& line);
   void finish();
+  std::string describeEnd();
 
+  const RecorderOrder::Task kind_;
   ChildTask task_;
   std::function<void(const DRBurnStatus&)> handler_;
   std::optional<DRBurnStatus> result_;

@@ -1,0 +1,123 @@
+// SPDX-License-Identifier: GPL-2.0-or-later
+#include "helpers/recorder/erase_job.h"
+
+#include <sys/types.h>
+
+#include <chrono>
+#include <ctime>
+#include <optional>
+#include <thread>
+#include <utility>
+#include <vector>
+
+#include <libburn/libburn.h>
+
+#include "helpers/recorder/disc_check.h"
+#include "helpers/recorder/grabbed_drive.h"
+#include "helpers/recorder/recording_lock.h"
+#include "platform/recording/mmc/sg_io_transport.h"
+
+namespace kelvane::recorder {
+namespace {
+
+constexpr int kBlockBytes = 2048;
+constexpr int kBlocksAtOnce = 16;
+constexpr std::chrono::milliseconds kLookInterval{50};
+
+// A drive that has just erased its disc looks at it anew, and is not ready meanwhile.
+bool discIsBlank(mmc::Transport& transport) {
+  constexpr std::chrono::milliseconds kPause{100};
+  constexpr int kMostPauses = 600;
+  MediaState state = readMediaState(transport);
+  for (int pause = 0; state.transitioning && pause < kMostPauses; ++pause) {
+    std::this_thread::sleep_for(kPause);
+    state = readMediaState(transport);
+  }
+  return state.blank;
+}
+
+}  // namespace
+
+EraseJob::EraseJob(EraseOrder order, Reporter& reporter)
+    : order_(std::move(order)), reporter_(reporter) {}
+
+JobOutcome EraseJob::run() {
+  reporter_.preparing();
+  const std::string problem = erase();
+  if (problem.empty()) {
+    reporter_.erased();
+    return JobOutcome::Done;
+  }
+  reporter_.failed(problem);
+  return JobOutcome::Failed;
+}
+
+// Empty where the disc is blank, else why it is not. So do the functions below.
+std::string EraseJob::erase() {
+  std::optional<FileLock> lock;
+  std::string problem = lockForRecording(order_.lockPath, lock);
+  if (!problem.empty()) return problem;
+  mmc::SgIoTransport transport(order_.devicePath);
+  const EraseMethod method = eraseMethodFor(transport, problem);
+  if (!problem.empty() || method == EraseMethod::None) return problem;
+  problem = eraseBy(method);
+  if (!problem.empty()) return problem;
+  reporter_.finishing();
+  if (discIsBlank(transport)) return {};
+  return withDriveWords("The drive has erased the disc, but does not call it blank.");
+}
+
+std::string EraseJob::eraseBy(EraseMethod method) {
+  const auto library = Libburn::start();
+  if (!library) return "The recording library could not be started.";
+  DriveMessages::startQueue();
+  const auto drive = GrabbedDrive::grab(order_.devicePath);
+  if (!drive) return withDriveWords("The drive " + order_.devicePath + " cannot be used.");
+  waitUntilDiscIsKnown(drive->get());
+  return method == EraseMethod::Blank ? blank(drive->get()) : overwriteBeginning(drive->get());
+}
+
+// libburn blanks only what it takes for full; what the disc is like was asked for already, and a
+// disc with an unfinished session is to be erased most of all.
+std::string EraseJob::blank(burn::burn_drive* drive) {
+  constexpr int kQuick = 1;
+  burn::burn_disc_pretend_full_uncond(drive);
+  burn::burn_disc_erase(drive, kQuick);
+  followBlanking(drive);
+  if (burn::burn_drive_wrote_well(drive) == 0) return withDriveWords("Erasing the disc failed.");
+  return {};
+}
+
+void EraseJob::followBlanking(burn::burn_drive* drive) {
+  int reported = -1;
+  burn::burn_progress progress{};
+  while (burn::burn_drive_get_status(drive, &progress) != burn::BURN_DRIVE_IDLE) {
+    messages_.collect();
+    if (progress.sectors > 0 && progress.sector != reported) {
+      reported = progress.sector;
+      reporter_.erasing(progress.sector, progress.sectors);
+    }
+    std::this_thread::sleep_for(kLookInterval);
+  }
+}
+
+std::string EraseJob::overwriteBeginning(burn::burn_drive* drive) {
+  enum { kLeaveInBuffer = 0, kFlushBuffer = 1 };
+  std::vector<char> zeros(size_t{kBlocksAtOnce} * kBlockBytes);
+  for (int block = 0; block < kVolumeDescriptionBlocks; block += kBlocksAtOnce) {
+    const bool last = block + kBlocksAtOnce == kVolumeDescriptionBlocks;
+    const int written = burn::burn_random_access_write(
+        drive, static_cast<off_t>(block) * kBlockBytes, zeros.data(),
+        static_cast<off_t>(zeros.size()), last ? kFlushBuffer : kLeaveInBuffer);
+    if (written <= 0) return withDriveWords("The beginning of the disc cannot be overwritten.");
+    reporter_.erasing(block + kBlocksAtOnce, kVolumeDescriptionBlocks);
+  }
+  return {};
+}
+
+std::string EraseJob::withDriveWords(const std::string& sentence) {
+  messages_.collect();
+  return messages_.worst().empty() ? sentence : sentence + " " + messages_.worst();
+}
+
+}  // namespace kelvane::recorder
