@@ -37,5 +37,14 @@ TEST(DeviceArgumentTest, AVolumeNamedLikeTheOptionHidesNoDrive) {
             (Words{"-V", "-M", "-M", "/discs/a.kvdisc/sectors"}));
 }
 
+TEST(DeviceArgumentTest, TheArgumentAfterAnyOfTheOptionsIsFound) {
+  Words words = {"-overburn", "-M", "/dev/rkv0", "-V", "-Z", "/tmp/812"};
+  EXPECT_EQ(findArgumentAfter({"-Z", "-M"}, words), &words[2]) << "the first to be met";
+  EXPECT_EQ(findArgumentAfter({"-Z"}, words), &words[5]);
+  EXPECT_EQ(findArgumentAfter({"-C"}, words), nullptr);
+  words = {"-overburn", "-Z"};
+  EXPECT_EQ(findArgumentAfter({"-Z", "-M"}, words), nullptr);
+}
+
 }  // namespace
 }  // namespace kelvane::launchers

@@ -16,4 +16,9 @@ namespace kelvane::launchers {
 void resolveDeviceAfter(std::string_view option, const std::vector<EmulatedDrive>& drives,
                         std::vector<std::string>& arguments);
 
+/// The argument that follows the first of `options` to be met; null where none of them has one. A
+/// pointer into `arguments`.
+std::string* findArgumentAfter(const std::vector<std::string_view>& options,
+                               std::vector<std::string>& arguments);
+
 }  // namespace kelvane::launchers

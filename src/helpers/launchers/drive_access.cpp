@@ -1,0 +1,72 @@
+// SPDX-License-Identifier: GPL-2.0-or-later
+#include "helpers/launchers/drive_access.h"
+
+#include <fcntl.h>
+#include <sys/file.h>
+#include <unistd.h>
+
+#include <chrono>
+#include <csignal>
+#include <cstdlib>
+#include <system_error>
+#include <thread>
+
+namespace kelvane::launchers {
+namespace {
+
+// Whoever only looks whether the lock is free holds it for a moment, so it is tried for a second.
+// The descriptor is closed neither here nor when the program takes over.
+bool lockForRecording(const std::string& path) {
+  constexpr int kTries = 50;
+  constexpr std::chrono::milliseconds kPause{20};
+  const int descriptor = open(path.c_str(), O_RDONLY);
+  if (descriptor < 0) return false;
+  for (int tries = 0; tries < kTries; ++tries) {
+    if (flock(descriptor, LOCK_EX | LOCK_NB) == 0) return true;
+    std::this_thread::sleep_for(kPause);
+  }
+  close(descriptor);
+  return false;
+}
+
+}  // namespace
+
+std::optional<DriveAccess> accessToDrive(std::string_view name,
+                                         const std::vector<EmulatedDrive>& drives,
+                                         const std::filesystem::path& libexec,
+                                         std::string* problem) {
+  const auto device = resolveDevice(name, drives);
+  if (!device) {
+    *problem = std::string(name) + " is not a drive.";
+    return std::nullopt;
+  }
+  DriveAccess access;
+  access.path = device->path;
+  if (device->kind == ResolvedDevice::Kind::LinuxDevice) return access;
+  access.path = virtualdrive::kDefaultShownDevice;
+  access.recordingLockPath = device->path;
+  auto environment =
+      virtualdrive::shimEnvironment(libexec, device->discFolder, access.path, problem);
+  if (!environment) return std::nullopt;
+  access.environment = *std::move(environment);
+  return access;
+}
+
+bool prepareToWrite(const DriveAccess& access, std::string* problem) {
+  if (!access.recordingLockPath.empty() && !lockForRecording(access.recordingLockPath)) {
+    *problem = "The disc in " + access.path + " is being written to, or its sectors are missing.";
+    return false;
+  }
+  for (const auto& [name, value] : access.environment) setenv(name.c_str(), value.c_str(), 1);
+  // A recording cannot be taken back. The program keeps what is ignored here.
+  setsid();
+  for (const int number : {SIGINT, SIGTERM, SIGHUP, SIGPIPE, SIGQUIT}) std::signal(number, SIG_IGN);
+  return true;
+}
+
+std::filesystem::path ownFolder() {
+  std::error_code failure;
+  return std::filesystem::read_symlink("/proc/self/exe", failure).parent_path();
+}
+
+}  // namespace kelvane::launchers
