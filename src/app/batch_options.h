@@ -31,9 +31,11 @@ struct BatchOutcome {
   /// "burned", "unchanged", "discarded", "command-failed", "interrupted", "not-opened",
   /// "burn-failed".
   std::string state;
-  std::optional<uint32_t> session;  ///< The number of the session that was burned, from 1.
-  std::optional<uint64_t> bytes;    ///< The size of that session's image.
-  std::string error;                ///< Why it failed; empty where it did not.
+  /// The number of the session that was burned, from 1; absent for a DVD, which mostly has one that
+  /// grows.
+  std::optional<uint32_t> session;
+  std::optional<uint64_t> bytes;  ///< The size of that session's image; absent for a DVD.
+  std::string error;              ///< Why it failed; empty where it did not.
   int exitStatus = 0;
 };
 

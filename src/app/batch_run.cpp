@@ -9,6 +9,7 @@
 #include <utility>
 
 #include "app/kv_controller.h"
+#include "burn/dvd_burn.h"
 #include "platform/foundation/child_task.h"
 #include "platform/foundation/main_thread.h"
 #include "platform/foundation/paths.h"
@@ -56,6 +57,14 @@ void BatchRun::start(KVController& controller) {
         const auto* reason = std::any_cast<std::string>(&notification.userInfo);
         performOnMainThread(
             [this, text = reason == nullptr ? std::string() : *reason] { mountFailed(text); });
+      });
+  NotificationCenter::defaultCenter().addObserver(
+      this, kKelvaneDidFinishDVD, nullptr, [this](const Notification& notification) {
+        const auto* burn = static_cast<const DVDBurn*>(notification.object);
+        const bool successful = burn->burnErrors().empty();
+        performOnMainThread([this, successful] {
+          if (successful) outcome_.state = "burned";
+        });
       });
   DRNotificationCenter::currentRunLoopCenter().addObserver(
       this, [this](const Notification& notification) { burnStatusChanged(notification); },
@@ -171,6 +180,7 @@ void BatchRun::beginBurnConfirmationSheet() {
 
 void BatchRun::setBurnMessage(const std::string& text) {
   say("%@", text);
+  if (text == localizedString("burningchangesdvd")) writingBeginsAt_ = 0.0;
   std::error_code failure;
   const std::string image = paths::burnImage(controller_->tmpDirPath());
   const uintmax_t size = std::filesystem::file_size(image, failure);
@@ -178,8 +188,11 @@ void BatchRun::setBurnMessage(const std::string& text) {
 }
 
 void BatchRun::setDoubleValue(double value) {
-  // The second half of the bar is the burn itself; a line every tenth of it is enough.
-  const int tenths = static_cast<int>((value - 1.0) * 10);
+  // Of a CD the second half of the bar is the burn itself, of a DVD all of it; a line every tenth
+  // of that is enough.
+  constexpr double kBarEnd = 2.0;
+  const double written = (value - writingBeginsAt_) / (kBarEnd - writingBeginsAt_);
+  const int tenths = static_cast<int>(written * 10);
   if (tenths <= announcedTenths_) return;
   announcedTenths_ = tenths;
   say("%i% written.", tenths * 10);
@@ -268,8 +281,10 @@ void BatchRun::end() {
   } else if (outcome_.state.empty()) {
     outcome_.state = "unchanged";
     say("Nothing has changed; nothing is burned.");
+  } else if (outcome_.state == "burned" && outcome_.session) {
+    say("Session %i has been burned.", *outcome_.session);
   } else if (outcome_.state == "burned") {
-    say("Session %i has been burned.", outcome_.session.value_or(0));
+    say("The changes have been burned.");
   }
   // What the clean-up still has to do on this thread comes first.
   performOnMainThread([] { QCoreApplication::quit(); });

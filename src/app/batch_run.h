@@ -68,6 +68,7 @@ class BatchRun final : public WindowlessOutlets {
   std::optional<int> interruptedBy_;
   std::string announcedUsers_;
   int announcedTenths_ = 0;
+  double writingBeginsAt_ = 1.0;  // On the burn progress bar, whose end is 2.
 };
 
 }  // namespace kelvane

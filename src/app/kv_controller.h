@@ -20,6 +20,7 @@ namespace kelvane {
 class BurnFSDelegate;
 class DRBurn;
 class DRDevice;
+class DVDBurn;
 class GMUserFileSystem;
 struct ScanOutcome;
 
@@ -134,15 +135,15 @@ class KVController : public WindowActions {
   void respondToUnexpectedMediaEject();
   void discSizeDidChange();
 
-  // Burning (kv_controller_burn.cpp, kv_controller_cd.cpp).
+  // Burning (kv_controller_burn.cpp, kv_controller_cd.cpp, kv_controller_dvd.cpp).
   void removeAppleDoubleFiles();
   void removeOverlayAndHideList();
   std::string keepChanges();
-  std::string whyImagingIsUnsafe(const std::string& sessionString) const;
-  void refuseImaging(const std::string& reason);
+  std::string whyOverlayIsUnsafe() const;
+  std::string whyHideListIsUnsafe() const;
+  void refuseBurn(const std::string& messageKey, const std::string& reason);
   void ejectMediaOfCurrentDevice();
   void giveUpCurrentDevice();
-  void burnDVD();
   void burnCD();
   std::string buildImage(const std::vector<std::string>& arguments);
   void waitUntilMediumHasSettled();
@@ -155,12 +156,18 @@ class KVController : public WindowActions {
   const ControllerServices& services_;
 
   bool allowMainWindowUnhide_ = false;
+  std::string whyImagingIsUnsafe(const std::string& sessionString) const;
   std::atomic<DRDevice*> currentDevice_ = nullptr;
   mutable std::mutex currentDeviceDictionaryMutex_;
   std::optional<DeviceRecord> currentDeviceDictionary_;  // Guarded by the mutex above.
   std::string burnImagePath_;
   std::string tmpDirPath_;
   bool hideListIsWhole_ = true;  // Written with `sizetoburn`.
+  void burnDVD();
+  bool prepareBlankDVD(DRDevice& device);
+  void startDVDBurn(DRDevice& device);
+  void burnDVDDidFinish(const Notification& notification);
+  void finishDVDBurn(const DVDBurn& burn);
   std::string openButtonCaption_;
   bool mediaIsMounted_ = false;
   bool burnInProgress_ = false;
@@ -176,3 +183,4 @@ class KVController : public WindowActions {
 };
 
 }  // namespace kelvane
+  std::unique_ptr<DVDBurn> myDVDBurn_;  // Owned here, used only to be deleted when it has ended.

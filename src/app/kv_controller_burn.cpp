@@ -10,6 +10,7 @@
 #include <utility>
 
 #include "app/kv_controller.h"
+#include "app/warning_alert.h"
 #include "platform/foundation/main_thread.h"
 #include "platform/foundation/own_files.h"
 #include "platform/foundation/paths.h"
@@ -26,6 +27,7 @@ namespace {
 namespace fs = std::filesystem;
 
 constexpr std::chrono::milliseconds kBarAnimationDelay{1600};
+constexpr char kForeignItem[] = "%@ is somebody else's, or not what KelvaneFS needs there.";
 
 void removeIgnoringFailure(const std::string& path) {
   std::error_code failure;
@@ -157,17 +159,31 @@ void KVController::commonBurnCleanup() {
   window_.replyToApplicationShouldTerminate(true);
 }
 
-void KVController::burnDVD() {
-  // Writing to DVDs is not built yet. The user's changes are not thrown away for that: they are
-  // moved to where no clean-up finds them.
+// The programs that build the session read under names that others can foresee. Empty where what
+// stands there is ours.
+std::string KVController::whyOverlayIsUnsafe() const {
+  if (directoryState(tmpDirPath_) == PathState::Own) return {};
+  return format(kForeignItem, tmpDirPath_);
+}
+
+std::string KVController::whyHideListIsUnsafe() const {
+  const std::string hideList = paths::hideListFile(tmpDirPath_);
+  const PathState state = plainFileState(hideList);
+  if (state == PathState::Foreign) return format(kForeignItem, hideList);
+  if (hideListIsWhole_ && state == PathState::Own) return {};
+  return format("The list of deleted files, %@, could not be written.", hideList);
+}
+
+// Ends the burn before it has begun. Unlike a failure of the programs, this is not due to the
+// changes, which are kept.
+void KVController::refuseBurn(const std::string& messageKey, const std::string& reason) {
+  window_.burnProgressIndicator().stopAnimation();
+  Alert alert = warningAlert(messageKey, {});
+  alert.informativeKey = "SessionNotPreparedLong";
   const std::string kept = keepChanges();
-  Alert alert;
-  alert.buttonKeys = {"OK"};
-  alert.messageKey = "DVDBurnError";
-  alert.informativeKey = "DVDBurnErrorLong";
-  alert.detail = "This version cannot write to DVDs yet.";
-  if (!kept.empty()) alert.detail += " Your changes are kept in " + kept + ".";
+  alert.detail = kept.empty() ? reason : format("%@ Your changes are kept in %@.", reason, kept);
   window_.beginAlertSheet(alert, nullptr);
+  ejectMediaOfCurrentDevice();
   commonBurnCleanup();
 }
 

@@ -5,6 +5,7 @@
 #include <utility>
 
 #include "app/kv_controller.h"
+#include "app/warning_alert.h"
 #include "burn/burn_properties.h"
 #include "burn/imaging_verdict.h"
 #include "burn/mkisofs_arguments.h"
@@ -27,16 +28,6 @@ namespace {
 constexpr std::chrono::milliseconds kSettlingPoll{100};
 constexpr char kImageBuilder[] = "mkisofs";
 
-Alert warningAlert(const std::string& messageKey, const std::string& detail) {
-  Alert alert;
-  alert.style = Alert::Style::Warning;
-  alert.buttonKeys = {"OK"};
-  alert.messageKey = messageKey;
-  alert.informativeKey = messageKey + "Long";
-  alert.detail = detail;
-  return alert;
-}
-
 }  // namespace
 
 void KVController::burnCD() {
@@ -52,7 +43,8 @@ void KVController::burnCD() {
   }
 
   if (const std::string reason = whyImagingIsUnsafe(*sessionString); !reason.empty()) {
-    refuseImaging(reason);
+    systemLog("CD imaging refused. %@", reason);
+    refuseBurn("CreateTrackAbortedWithError", reason);
     return;
   }
 
@@ -114,32 +106,15 @@ void KVController::startCDBurn() {
 // What mkisofs reads and writes lies under names that others can foresee. Empty where all of it is
 // ours; the image is then made, so that it stays ours.
 std::string KVController::whyImagingIsUnsafe(const std::string& sessionString) const {
-  constexpr char kForeign[] = "%@ is somebody else's, or not what KelvaneFS needs there.";
-  if (directoryState(tmpDirPath_) != PathState::Own) return format(kForeign, tmpDirPath_);
+  if (std::string reason = whyOverlayIsUnsafe(); !reason.empty()) return reason;
   if (sessionString != "0") {
-    const std::string hideList = paths::hideListFile(tmpDirPath_);
-    if (plainFileState(hideList) == PathState::Foreign) return format(kForeign, hideList);
-    if (!hideListIsWhole_ || plainFileState(hideList) == PathState::Free) {
-      return format("The list of deleted files, %@, could not be written.", hideList);
-    }
+    if (std::string reason = whyHideListIsUnsafe(); !reason.empty()) return reason;
   }
   if (makeOwnFile(burnImagePath_)) return {};
-  if (plainFileState(burnImagePath_) == PathState::Foreign) return format(kForeign, burnImagePath_);
+  if (plainFileState(burnImagePath_) == PathState::Foreign) {
+    return format("%@ is somebody else's, or not what KelvaneFS needs there.", burnImagePath_);
+  }
   return format("The image %@ cannot be made.", burnImagePath_);
-}
-
-// Ends the burn before it has begun. Unlike a failure of mkisofs, this is not due to the changes,
-// which are kept.
-void KVController::refuseImaging(const std::string& reason) {
-  systemLog("CD imaging refused. %@", reason);
-  window_.burnProgressIndicator().stopAnimation();
-  Alert alert = warningAlert("CreateTrackAbortedWithError", {});
-  alert.informativeKey = "SessionNotPreparedLong";
-  const std::string kept = keepChanges();
-  alert.detail = kept.empty() ? reason : format("%@ Your changes are kept in %@.", reason, kept);
-  window_.beginAlertSheet(alert, nullptr);
-  ejectMediaOfCurrentDevice();
-  commonBurnCleanup();
 }
 
 void KVController::imagingFailed(const std::string& errors) {

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-2.0-or-later
 // KVController: its construction and the way to the first scan.
 #include "app/kv_controller.h"
+#include "burn/dvd_burn.h"
 #include "overlayfs/burn_fs_delegate.h"
 #include "platform/foundation/bundle.h"
 #include "platform/foundation/strings_table.h"

@@ -64,6 +64,7 @@ class RecordingOutlets : public WindowlessOutlets {
 
   bool has(const std::string& call) const {
     return std::find(calls.begin(), calls.end(), call) != calls.end();
+  int32_t burnSpeedTag() override { return speedTag; }
   }
 
   std::vector<std::string> calls;
@@ -72,6 +73,7 @@ class RecordingOutlets : public WindowlessOutlets {
 
  protected:
   void setIndeterminate(bool indeterminate) override {
+  int32_t speedTag = 0;
     note(indeterminate ? "bar indeterminate" : "bar determinate");
   }
   void setDoubleValue(double value) override {
