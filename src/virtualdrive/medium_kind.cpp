@@ -11,11 +11,12 @@ struct NamedKind {
   std::string_view name;
 };
 
-constexpr std::array<NamedKind, 5> kKinds{{{MediumKind::CdR, "cd-r"},
+constexpr std::array<NamedKind, 6> kKinds{{{MediumKind::CdR, "cd-r"},
                                            {MediumKind::CdRw, "cd-rw"},
                                            {MediumKind::DvdR, "dvd-r"},
                                            {MediumKind::DvdRw, "dvd-rw"},
-                                           {MediumKind::DvdPlusRw, "dvd+rw"}}};
+                                           {MediumKind::DvdPlusRw, "dvd+rw"},
+                                           {MediumKind::DvdPlusR, "dvd+r"}}};
 
 }  // namespace
 
@@ -33,12 +34,17 @@ std::optional<MediumKind> mediumKindNamed(std::string_view name) {
   return std::nullopt;
 }
 
-bool isEmulated(MediumKind kind) {
-  return kind == MediumKind::CdR || kind == MediumKind::CdRw;
-}
-
-CapacityBounds capacityBounds(MediumKind) {
-  return {kDefaultCdCapacity, kShortestCdTrack, kMaximalCdCapacity};
+CapacityBounds capacityBounds(MediumKind kind) {
+  switch (kind) {
+    case MediumKind::DvdR:
+    case MediumKind::DvdRw:
+      return {kDvdMinusCapacity, kDvdBlockSectors, kDvdMinusCapacity};
+    case MediumKind::DvdPlusRw:
+    case MediumKind::DvdPlusR:
+      return {kDvdPlusCapacity, kDvdBlockSectors, kDvdPlusCapacity};
+    default:
+      return {kDefaultCdCapacity, kShortestCdTrack, kMaximalCdCapacity};
+  }
 }
 
 }  // namespace kelvane::virtualdrive

@@ -16,7 +16,11 @@ struct Msf {
 
 inline constexpr Lba kFramesBeforeLbaZero = 150;
 
+/// A time that is later than three bytes can tell, as addresses of a DVD may be, is the latest
+/// there is.
 constexpr Msf toMsf(Lba lba) {
+  constexpr Lba kLatest = 256 * 4500 - 1 - kFramesBeforeLbaZero;
+  if (lba > kLatest) return {255, 59, 74};
   const auto frames = lba + kFramesBeforeLbaZero;
   return {static_cast<std::uint8_t>(frames / 4500), static_cast<std::uint8_t>(frames / 75 % 60),
           static_cast<std::uint8_t>(frames % 75)};

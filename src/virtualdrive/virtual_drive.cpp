@@ -30,10 +30,6 @@ std::string newSerial() {
 bool VirtualDrive::create(const std::filesystem::path& disc, const NewDisc& what,
                           std::string* error) {
   const auto bounds = capacityBounds(what.medium);
-  if (!isEmulated(what.medium)) {
-    *error = "The medium " + std::string(nameOf(what.medium)) + " is not emulated yet.";
-    return false;
-  }
   if (what.capacitySectors < bounds.smallest || what.capacitySectors > bounds.largest) {
     *error = "A " + std::string(nameOf(what.medium)) + " holds " + std::to_string(bounds.smallest) +
              " to " + std::to_string(bounds.largest) + " sectors of 2048 bytes.";
@@ -44,8 +40,10 @@ bool VirtualDrive::create(const std::filesystem::path& disc, const NewDisc& what
   blank.capacity = what.capacitySectors;
   DriveState drive;
   drive.serial = newSerial();
-  drive.readSpeed = kReadSpeed;
-  drive.writeSpeed = kWriteSpeeds.front();
+  const auto speeds = speedsFor(what.medium);
+  drive.readSpeed = speeds.read;
+  drive.writeSpeed = speeds.write.front();
+  drive.writeParameters = WriteParameters::standard(what.medium);
   const SignalsBlocked blocked;
   return DiscFolder::create(disc, blank, drive, error);
 }
@@ -85,7 +83,7 @@ CommandResult VirtualDrive::executeLocked(std::span<const std::uint8_t> block,
   std::string error;
   auto folder = DiscFolder::lock(folder_, &error);
   if (!folder) return {kDescriptionDamaged, 0, !isThere()};
-  Command command{block, dataIn, dataOut, *folder, MediumRules::of(folder->disc.medium)};
+  Command command{block, dataIn, dataOut, *folder, MediumRules::of(folder->disc)};
   FaultInjector faults(*folder);
   const bool wasOpen = folder->drive.trayOpen;
   auto result = faults.before(command);
@@ -133,6 +131,15 @@ bool VirtualDrive::mediaLoaded() const {
   std::string error;
   const auto folder = DiscFolder::lock(folder_, &error);
   return folder && !folder->drive.trayOpen;
+}
+
+void VirtualDrive::takeNewsOfMedium() const {
+  const SignalsBlocked blocked;
+  std::string error;
+  auto folder = DiscFolder::lock(folder_, &error);
+  if (!folder || !folder->drive.unitAttention) return;
+  folder->drive.unitAttention = false;
+  folder->storeDrive();
 }
 
 bool VirtualDrive::isThere() const {

@@ -65,6 +65,9 @@ class VirtualDrive {
   bool ejectDisc(EjectManner manner, std::string* error) const;
   /// Whether the tray is closed. False also where the state cannot be read.
   bool mediaLoaded() const;
+  /// Takes the news that the medium may have changed (6/28/00), as a kernel does that opens the
+  /// drive, so that no program hears it.
+  void takeNewsOfMedium() const;
 
   /// Whether the folder holds a disc, however damaged. False once a fault has taken the drive away.
   bool isThere() const;

@@ -82,15 +82,17 @@ TEST_F(Identity, FeaturesCanBeAskedForOneByOneOrTheCurrentOnesOnly) {
   const auto one = ask({0x46, 2, 0, 0x2D, 0, 0, 0, 0, 64, 0});
   EXPECT_EQ(one.data.size(), 16U);
   EXPECT_EQ(one.u16(8), 0x002DU);
-  EXPECT_EQ(ask({0x46, 2, 0, 0x2F, 0, 0, 0, 0, 64, 0}).data.size(), 8U) << "no DVD writing here";
+  EXPECT_EQ(ask({0x46, 2, 0, 0x40, 0, 0, 0, 0, 64, 0}).data.size(), 8U) << "no BD reading here";
   EXPECT_EQ(features(1).count(0x0037), 0U) << "CD-RW writing is not current with a CD-R";
   EXPECT_EQ(features(0).count(0x0037), 1U);
+  EXPECT_EQ(features(1).count(0x002F), 0U) << "nor is DVD writing";
+  EXPECT_EQ(features(0).count(0x002F), 1U);
 }
 
 TEST_F(Identity, CommandsOfOtherDevicesAreRefused) {
   makeDisc(MediumKind::CdR);
-  // REPORT KEY, SEND KEY, ATA PASS-THROUGH, FORMAT UNIT, WRITE BUFFER, SEND DISC STRUCTURE
-  for (const auto operation : Block{0xA4, 0xA3, 0x85, 0x04, 0x3B, 0xBF}) {
+  // REPORT KEY, SEND KEY, ATA PASS-THROUGH, WRITE BUFFER, SEND DISC STRUCTURE
+  for (const auto operation : Block{0xA4, 0xA3, 0x85, 0x3B, 0xBF}) {
     EXPECT_EQ(ask({operation, 0, 0, 0, 0, 0, 0, 0, 0, 8, 0, 0}).sense, kUnknownCommand)
         << int{operation};
   }

@@ -161,14 +161,50 @@ TEST_F(Kelvanedisc, InterruptedCreateLeavesNothingBehind) {
   EXPECT_THAT(content(), testing::UnorderedElementsAre("source"));
 }
 
-TEST_F(Kelvanedisc, MediaNotEmulatedYetAreToldApart) {
-  for (const char* medium : {"dvd-r", "dvd-rw", "dvd+rw"}) {
-    const auto finished = kelvanedisc({"create", disc(), "--media", medium});
-    EXPECT_EQ(finished.status, 4);
-    EXPECT_THAT(finished.err, HasSubstr(std::string(medium) + " is not emulated yet"));
-    EXPECT_FALSE(std::filesystem::exists(disc()));
+TEST_F(Kelvanedisc, EveryMediumIsMadeBlankOrWithAFirstSession) {
+  const auto source = makeSource("source", 1);
+  for (const std::string medium : {"cd-r", "cd-rw", "dvd-r", "dvd-rw", "dvd+rw", "dvd+r"}) {
+    create({"--media", medium});
+    EXPECT_EQ(info()["state"], "blank") << medium;
+    EXPECT_EQ(info()["medium"], medium);
+    std::filesystem::remove_all(disc());
+    create({"--media", medium, "--from", source});
+    EXPECT_EQ(info()["state"], medium == "dvd+rw" ? "overwritable" : "appendable") << medium;
+    EXPECT_EQ(info()["sessions"].size(), 1U);
+    EXPECT_EQ(kelvanedisc({"extract", disc(), path("out " + medium)}).status, 0) << medium;
+    EXPECT_EQ(differences(source, path("out " + medium)), "");
+    std::filesystem::remove_all(disc());
   }
   EXPECT_EQ(kelvanedisc({"create", disc(), "--media", "blu-ray"}).status, 2);
+}
+
+TEST_F(Kelvanedisc, DvdRwIsMadeForRestrictedOverwriteToo) {
+  const auto source = makeSource("source", 1);
+  create({"--media", "dvd-rw-ro"});
+  EXPECT_EQ(info()["medium"], "dvd-rw");
+  EXPECT_EQ(info()["mode"], "restricted overwrite");
+  EXPECT_EQ(info()["state"], "overwritable");
+  EXPECT_EQ(info()["free_sectors"], 2298496);
+  std::filesystem::remove_all(disc());
+  create({"--media", "dvd-rw-ro", "--from", source, "--capacity", "10"});
+  EXPECT_EQ(info()["mode"], "restricted overwrite");
+  EXPECT_EQ(kelvanedisc({"extract", disc(), path("out")}).status, 0);
+  EXPECT_EQ(differences(source, path("out")), "");
+  const auto text = kelvanedisc({"info", disc()});
+  EXPECT_THAT(text.out, HasSubstr("Mode:     restricted overwrite"));
+  EXPECT_THAT(text.out, HasSubstr("Free:     5120 sectors"));
+}
+
+TEST_F(Kelvanedisc, FirstSessionThatDoesNotFitOnADvdIsToldAndLeavesNothingBehind) {
+  makeSource("source", 1);
+  writeFile(path("source/full"), patternBytes(3000000, 1));
+  for (const char* medium : {"dvd-r", "dvd-rw", "dvd-rw-ro", "dvd+rw", "dvd+r"}) {
+    const auto finished = kelvanedisc(
+        {"create", disc(), "--media", medium, "--capacity", "2", "--from", path("source")});
+    EXPECT_EQ(finished.status, 1) << medium;
+    EXPECT_THAT(finished.err, HasSubstr("The disc is full")) << medium;
+    EXPECT_THAT(content(), testing::UnorderedElementsAre("source"));
+  }
 }
 
 TEST_F(Kelvanedisc, DiscsThatCannotBeUsedAreNamed) {

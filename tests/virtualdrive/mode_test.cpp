@@ -77,7 +77,7 @@ TEST_F(Mode, CapabilitiesNameWhatCanBeWrittenAndHowFast) {
   const auto reply = sense10(0x2A);
   EXPECT_EQ(reply.u8(8), 0x2AU);
   EXPECT_EQ(reply.u8(8 + 1) + 2U, reply.data.size() - 8);
-  EXPECT_EQ(reply.u8(8 + 3), 0x03U) << "CD-R and CD-RW, no simulation";
+  EXPECT_EQ(reply.u8(8 + 3), 0x13U) << "CD-R, CD-RW and DVD-R, no simulation";
   EXPECT_EQ(reply.u16(8 + 30), 5U) << "write speeds";
   EXPECT_EQ(reply.u16(8 + 32 + 2), 8467U);
   const auto old = ask({0x1A, 8, 0x2A, 0, 128, 0});

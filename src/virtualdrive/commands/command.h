@@ -53,8 +53,14 @@ CommandResult getEventStatusNotification(Command& command);
 CommandResult readDiscInformation(Command& command);
 CommandResult readTrackInformation(Command& command);
 CommandResult readCapacity(Command& command);
-CommandResult readFormatCapacities(Command& command);
 CommandResult readBufferCapacity(Command& command);
+
+// formatting.cpp
+CommandResult readFormatCapacities(Command& command);
+CommandResult formatUnit(Command& command);
+
+// disc_structure.cpp
+CommandResult readDiscStructure(Command& command);
 
 // toc.cpp
 CommandResult readTocPmaAtip(Command& command);

@@ -18,9 +18,10 @@ struct Entry {
   Attention attention;
 };
 
-constexpr std::array<Entry, 31> kTable{{
+constexpr std::array<Entry, 32> kTable{{
     {0x00, testUnitReady, Needs::Medium, Attention::Reported},
     {0x03, requestSense, Needs::Nothing, Attention::Ignored},
+    {0x04, formatUnit, Needs::Medium, Attention::Reported},
     {0x12, inquiry, Needs::Nothing, Attention::Ignored},
     {0x1A, modeSense6, Needs::Nothing, Attention::Reported},
     {0x1B, startStopUnit, Needs::Nothing, Attention::Reported},
@@ -46,12 +47,10 @@ constexpr std::array<Entry, 31> kTable{{
     {0xA8, read12, Needs::Medium, Attention::Reported},
     {0xAA, write12, Needs::Medium, Attention::Reported},
     {0xAC, getPerformance, Needs::Nothing, Attention::Reported},
+    {0xAD, readDiscStructure, Needs::Medium, Attention::Reported},
     {0xB6, setStreaming, Needs::Nothing, Attention::Reported},
     {0xBB, setCdSpeed, Needs::Nothing, Attention::Reported},
     {0xBE, readCd, Needs::Medium, Attention::Reported},
-    // READ DISC STRUCTURE: there is none on a CD, and no other medium yet.
-    {0xAD, [](Command&) { return refuse(kIncompatibleMedium); }, Needs::Medium,
-     Attention::Reported},
 }};
 
 }  // namespace

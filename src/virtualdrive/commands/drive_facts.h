@@ -2,7 +2,10 @@
 #pragma once
 
 #include <array>
+#include <span>
 #include <string_view>
+
+#include "virtualdrive/medium_kind.h"
 
 namespace kelvane::virtualdrive {
 
@@ -14,10 +17,22 @@ inline constexpr std::string_view kRevision = "1.00";
 
 inline constexpr int kBufferBytes = 2 * 1024 * 1024;
 
-/// 1000 bytes a second. The data rate of a CD at single speed is 176.4 of these, counted with 2352
-/// bytes a sector.
-inline constexpr int kReadSpeed = 8467;
-/// The write speeds, 48x to 4x, fastest first.
-inline constexpr std::array<int, 5> kWriteSpeeds{8467, 7056, 4234, 2822, 706};
+/// Speeds in 1000 bytes a second.
+struct DriveSpeeds {
+  int slowestRead;
+  int read;
+  /// Fastest first.
+  std::span<const int> write;
+};
+
+/// CDs: 48x to 4x. Single speed is 176.4 of these, counted with 2352 bytes a sector.
+inline constexpr std::array<int, 5> kCdWriteSpeeds{8467, 7056, 4234, 2822, 706};
+/// DVDs: 8x to 1x, single speed being 1385.
+inline constexpr std::array<int, 5> kDvdWriteSpeeds{11080, 8310, 5540, 2770, 1385};
+
+constexpr DriveSpeeds speedsFor(MediumKind kind) {
+  if (isCd(kind)) return {706, 8467, kCdWriteSpeeds};
+  return {1385, 22160, kDvdWriteSpeeds};
+}
 
 }  // namespace kelvane::virtualdrive

@@ -11,36 +11,6 @@
 namespace kelvane::virtualdrive {
 namespace {
 
-enum class DiscStatus : unsigned { Blank = 0, Appendable = 1, Complete = 2 };
-enum class SessionState : unsigned { Empty = 0, Incomplete = 1, Complete = 3 };
-
-DiscStatus statusOf(const DiscState& disc) {
-  if (disc.blank()) return DiscStatus::Blank;
-  return disc.finalized ? DiscStatus::Complete : DiscStatus::Appendable;
-}
-
-SessionState lastSessionState(const DiscState& disc) {
-  if (disc.finalized) return SessionState::Complete;
-  return disc.openSessionHasTracks() || disc.cueSheetBegun() ? SessionState::Incomplete
-                                                             : SessionState::Empty;
-}
-
-struct LastSession {
-  std::size_t number;
-  int firstTrack;
-  int lastTrack;
-};
-
-/// The last session with the invisible track in it, as READ DISC INFORMATION counts.
-LastSession lastSession(const DiscState& disc, const std::vector<TrackView>& tracks) {
-  const auto closed = disc.sessions.size();
-  if (disc.finalized) {
-    return {closed, disc.sessions.back().firstTrack, disc.sessions.back().lastTrack};
-  }
-  const int first = disc.sessions.empty() ? 1 : disc.sessions.back().lastTrack + 1;
-  return {closed + 1, first, tracks.empty() ? first : std::max(first, tracks.back().number)};
-}
-
 void putTime(AnswerBytes& bytes, Lba lba) {
   const auto time = toMsf(lba);
   bytes.bytes({0, time.minute, time.second, time.frame});
@@ -55,7 +25,7 @@ const TrackView* findTrack(const std::vector<TrackView>& tracks, Predicate wante
 
 /// The track that READ TRACK INFORMATION means by an address of one of three types.
 const TrackView* addressedTrack(const std::vector<TrackView>& tracks, unsigned type,
-                                std::uint32_t address) {
+                                std::uint32_t address, Lba runOut) {
   if (type == 1 && address == 0xFF) {
     return findTrack(tracks, [](const auto& t) { return t.nextWritable && !t.reserved; });
   }
@@ -72,9 +42,28 @@ const TrackView* addressedTrack(const std::vector<TrackView>& tracks, unsigned t
   for (const auto& track : tracks) {
     if (track.start <= lba) found = &track;
   }
-  if (found == nullptr || lba >= found->start + std::max(found->size, 1) + kCdRunOut)
-    return nullptr;
-  return found;
+  const bool outside = found == nullptr || lba >= found->start + std::max(found->size, 1) + runOut;
+  return outside ? nullptr : found;
+}
+
+/// Where the lead-in of the next session begins, and the latest place for its lead-out. DVDs have
+/// no such times.
+void putCdTimes(AnswerBytes& bytes, const DiscState& disc) {
+  if (!isCd(disc.medium)) {
+    bytes.zeros(8);
+    return;
+  }
+  if (disc.finalized) {
+    bytes.u32(0xFFFFFFFF).u32(0xFFFFFFFF);
+    return;
+  }
+  if (disc.sessions.empty()) {
+    bytes.bytes({0, 97, 50, 0});
+  } else {
+    const auto gap = cdLeadOutToNextSession(disc.sessions.size());
+    putTime(bytes, disc.sessions.back().leadOut + gap - kCdGap - kCdLeadIn);
+  }
+  putTime(bytes, cdLastPossibleLeadOut(disc));
 }
 
 }  // namespace
@@ -83,31 +72,21 @@ const TrackView* addressedTrack(const std::vector<TrackView>& tracks, unsigned t
 CommandResult readDiscInformation(Command& command) {
   if ((command.block[1] & 0x07) != 0) return refuse(kInvalidFieldInCommand);
   const auto& disc = command.disc();
-  const auto last = lastSession(disc, command.rules.tracks(disc));
+  const auto summary = command.rules.summary(disc);
+  const auto sessions = static_cast<unsigned>(summary.sessions);
+  const auto first = static_cast<unsigned>(summary.firstTrackOfLastSession);
+  const auto last = static_cast<unsigned>(summary.lastTrackOfLastSession);
   AnswerBytes bytes;
   bytes.u16(32);
   bytes.u8((command.rules.erasable() ? 0x10U : 0U) |
-           static_cast<unsigned>(lastSessionState(disc)) << 2 |
-           static_cast<unsigned>(statusOf(disc)));
-  bytes.u8(1).u8(static_cast<unsigned>(last.number) & 0xFF);
-  bytes.u8(static_cast<unsigned>(last.firstTrack)).u8(static_cast<unsigned>(last.lastTrack));
-  bytes.u8(0x20);  // unrestricted use; neither identification nor bar code
-  bytes.u8(0x00);  // CD-DA or CD-ROM
-  bytes.u8(static_cast<unsigned>(last.number) >> 8).u8(0).u8(0);
+           static_cast<unsigned>(summary.lastSession) << 2 | static_cast<unsigned>(summary.status));
+  bytes.u8(1).u8(sessions & 0xFF).u8(first & 0xFF).u8(last & 0xFF);
+  // Unrestricted use; neither identification nor bar code.
+  bytes.u8(0x20 | static_cast<unsigned>(summary.backgroundFormat));
+  bytes.u8(0x00);  // CD-DA or CD-ROM; without meaning for DVDs
+  bytes.u8(sessions >> 8).u8(first >> 8).u8(last >> 8);
   bytes.u32(0);
-  if (disc.finalized) {
-    bytes.u32(0xFFFFFFFF).u32(0xFFFFFFFF);
-  } else {
-    const bool first = disc.sessions.empty();
-    const auto leadIn =
-        (first ? 0 : disc.sessions.back().leadOut + cdLeadOutToNextSession(disc.sessions.size())) -
-        kCdGap - kCdLeadIn;
-    if (first)
-      bytes.bytes({0, 97, 50, 0});
-    else
-      putTime(bytes, leadIn);
-    putTime(bytes, cdLastPossibleLeadOut(disc));
-  }
+  putCdTimes(bytes, disc);
   bytes.zeros(8).u8(0).u8(0);
   return answer(command, bytes, read16(command.block, 7));
 }
@@ -117,7 +96,8 @@ CommandResult readTrackInformation(Command& command) {
   const auto type = command.block[1] & 0x03U;
   if (type == 3) return refuse(kInvalidFieldInCommand);
   const auto tracks = command.rules.tracks(command.disc());
-  const auto* track = addressedTrack(tracks, type, read32(command.block, 2));
+  const auto runOut = isCd(command.disc().medium) ? kCdRunOut : 0;
+  const auto* track = addressedTrack(tracks, type, read32(command.block, 2), runOut);
   if (track == nullptr) return refuse(type == 0 ? kAddressOutOfRange : kInvalidFieldInCommand);
 
   const bool blank = track->recorded == 0;
@@ -128,13 +108,13 @@ CommandResult readTrackInformation(Command& command) {
   bytes.u8(static_cast<unsigned>(track->session) & 0xFF);
   bytes.u8(0);
   bytes.u8(0x04);  // data track, written uninterrupted
-  bytes.u8((track->reserved ? 0x80U : 0U) | (blank ? 0x40U : 0U) |
+  bytes.u8((track->reserved ? 0x80U : 0U) | (blank ? 0x40U : 0U) | track->packets |
            (track->invisible ? 0x0FU : dataMode));
   bytes.u8((track->recorded > 0 ? 0x02U : 0U) | (track->nextWritable ? 0x01U : 0U));
   bytes.u32(static_cast<std::uint32_t>(track->start));
   bytes.u32(static_cast<std::uint32_t>(track->nextWritable.value_or(0)));
   bytes.u32(static_cast<std::uint32_t>(track->free));
-  bytes.u32(0);
+  bytes.u32(track->packets != 0 ? kDvdBlockSectors : 0);
   bytes.u32(static_cast<std::uint32_t>(track->size));
   bytes.u32(static_cast<std::uint32_t>(std::max(0, track->start + track->recorded - 1)));
   bytes.zeros(4);
@@ -143,26 +123,11 @@ CommandResult readTrackInformation(Command& command) {
 
 // MMC-5, 6.25: the last sector of the last closed session.
 CommandResult readCapacity(Command& command) {
-  const auto& sessions = command.disc().sessions;
+  const auto end = readableEnd(command.disc());
   AnswerBytes bytes;
-  bytes.u32(sessions.empty() ? 0U : static_cast<std::uint32_t>(sessions.back().leadOut - 1));
+  bytes.u32(static_cast<std::uint32_t>(std::max(end - 1, 0)));
   bytes.u32(kSectorBytes);
   return answer(command, bytes, 8);
-}
-
-// MMC-5, 6.24
-CommandResult readFormatCapacities(Command& command) {
-  const auto& disc = command.disc();
-  const bool loaded = !command.folder.drive.trayOpen;
-  const bool blank = loaded && disc.blank();
-  // 1: blank, capacity when formatted; 2: recorded; 3: no medium, the most there can be.
-  const unsigned kind = !loaded ? 3U : blank ? 1U : 2U;
-  const auto sectors = !loaded                          ? kMaximalCdCapacity
-                       : blank || disc.sessions.empty() ? disc.capacity
-                                                        : disc.sessions.back().leadOut;
-  AnswerBytes bytes;
-  bytes.u32(8).u32(static_cast<std::uint32_t>(sectors)).u32(kind << 24 | kSectorBytes);
-  return answer(command, bytes, read16(command.block, 7));
 }
 
 // MMC-5, 6.21: sectors reach the file before WRITE returns, so the buffer is always empty.

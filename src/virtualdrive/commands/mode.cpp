@@ -22,44 +22,47 @@ void putErrorRecovery(AnswerBytes& bytes, PageControl control) {
   bytes.u8(kErrorRecoveryPage).u8(10).u8(0).u8(retries).zeros(8);
 }
 
-void putWriteParameters(AnswerBytes& bytes, PageControl control, const DriveState& drive) {
+void putWriteParameters(AnswerBytes& bytes, PageControl control, const Command& command) {
   if (control == PageControl::Changeable) {
     bytes.u8(kWriteParametersPage).u8(0x32).u8(0x7F).u8(0xFF).u8(0x0F);
     for (std::size_t i = 5; i < WriteParameters::kBytes; ++i) bytes.u8(0xFF);
     return;
   }
-  const auto standard = WriteParameters::standard();
-  bytes.bytes(control == PageControl::Default ? standard.page : drive.writeParameters.page);
+  const auto standard = WriteParameters::standard(command.disc().medium);
+  const auto& current = command.folder.drive.writeParameters;
+  bytes.bytes(control == PageControl::Default ? standard.page : current.page);
 }
 
-void putCapabilities(AnswerBytes& bytes, PageControl control, const DriveState& drive) {
+void putCapabilities(AnswerBytes& bytes, PageControl control, const Command& command) {
+  const auto& drive = command.folder.drive;
+  const auto speeds = speedsFor(command.disc().medium);
+  const auto length = 30 + 4 * speeds.write.size();
+  bytes.u8(kCapabilitiesPage).u8(static_cast<unsigned>(length));
   if (control == PageControl::Changeable) {
-    bytes.u8(kCapabilitiesPage)
-        .u8(30 + 4 * kWriteSpeeds.size())
-        .zeros(30 + 4 * kWriteSpeeds.size());
+    bytes.zeros(length);
     return;
   }
   const auto readSpeed = static_cast<unsigned>(drive.readSpeed);
   const auto writeSpeed = static_cast<unsigned>(drive.writeSpeed);
-  bytes.u8(kCapabilitiesPage).u8(30 + 4 * kWriteSpeeds.size());
-  bytes.u8(0x07).u8(0x03);  // reads CD-R, CD-RW and method 2; writes CD-R and CD-RW
+  // Reads CD-R, CD-RW, method 2, DVD-ROM and DVD-R; writes CD-R, CD-RW and DVD-R.
+  bytes.u8(0x1F).u8(0x13);
   bytes.u8(0xF0).u8(0x00);  // guarded against underruns, multi-session, mode 2 forms 1 and 2
   bytes.u8(0x29 | (drive.removalPrevented ? 0x02U : 0U)).u8(0x00);  // tray, ejects, can be locked
-  bytes.u16(kReadSpeed).u16(0).u16(kBufferBytes / 1024).u16(readSpeed);
-  bytes.u16(0).u16(kWriteSpeeds.front()).u16(writeSpeed).u16(1);
-  bytes.zeros(3).u8(0).u16(writeSpeed).u16(kWriteSpeeds.size());
-  for (const auto speed : kWriteSpeeds) bytes.u16(0).u16(static_cast<unsigned>(speed));
+  bytes.u16(static_cast<unsigned>(speeds.read)).u16(0).u16(kBufferBytes / 1024).u16(readSpeed);
+  bytes.u16(0).u16(static_cast<unsigned>(speeds.write.front())).u16(writeSpeed).u16(1);
+  bytes.zeros(3).u8(0).u16(writeSpeed).u16(static_cast<unsigned>(speeds.write.size()));
+  for (const auto speed : speeds.write) bytes.u16(0).u16(static_cast<unsigned>(speed));
 }
 
 /// Appends the pages asked for. False where there is no such page.
 bool putPages(AnswerBytes& bytes, const Command& command) {
   const auto page = command.block[2] & 0x3FU;
   const auto control = static_cast<PageControl>(command.block[2] >> 6);
-  const auto& drive = command.folder.drive;
   const auto before = bytes.size();
   if (page == kErrorRecoveryPage || page == kAllPages) putErrorRecovery(bytes, control);
-  if (page == kWriteParametersPage || page == kAllPages) putWriteParameters(bytes, control, drive);
-  if (page == kCapabilitiesPage || page == kAllPages) putCapabilities(bytes, control, drive);
+  if (page == kWriteParametersPage || page == kAllPages)
+    putWriteParameters(bytes, control, command);
+  if (page == kCapabilitiesPage || page == kAllPages) putCapabilities(bytes, control, command);
   return bytes.size() > before;
 }
 

@@ -7,27 +7,13 @@
 namespace kelvane::virtualdrive {
 namespace {
 
-/// Why the sectors cannot all be read; good where they can.
-Sense checkReadable(const DiscState& disc, Lba first, Lba count) {
-  auto limit = disc.sessions.empty() ? 0 : disc.sessions.back().leadOut;
-  for (const auto& track : disc.tracks) limit = std::max(limit, track.start + track.recorded);
-  if (first < 0 || count > limit - first) return kAddressOutOfRange;
-  auto at = first;
-  for (const auto& track : disc.tracks) {
-    const auto end = track.start + track.recorded;
-    if (at >= track.start && at < end) at = std::min(end, first + count);
-  }
-  return at == first + count ? kGood : kUnrecoveredRead;
-}
-
 CommandResult readSectors(Command& command, std::uint32_t address, std::uint32_t count) {
   const auto& disc = command.disc();
   if (address > INT32_MAX || count > INT32_MAX) return refuse(kAddressOutOfRange);
   const auto first = static_cast<Lba>(address);
   if (count == 0) return {};
-  if (const auto sense = checkReadable(disc, first, static_cast<Lba>(count)); !sense.good()) {
-    return refuse(sense);
-  }
+  const auto sense = command.rules.checkReadable(disc, first, static_cast<Lba>(count));
+  if (!sense.good()) return refuse(sense);
   const auto wanted = std::size_t{count} * kSectorBytes;
   const auto data = command.dataIn.first(std::min(command.dataIn.size(), wanted));
   if (!command.folder.sectors().read(first, data)) return refuse(kUnrecoveredRead);
@@ -47,6 +33,7 @@ CommandResult read12(Command& command) {
 // The user data of data sectors only: there is no audio on these discs, and headers and parity are
 // not kept.
 CommandResult readCd(Command& command) {
+  if (!isCd(command.disc().medium)) return refuse(kIncompatibleMedium);
   const auto sectorType = (command.block[1] >> 2) & 0x07;
   if (sectorType == 1) return refuse(kIllegalModeForTrack);
   const auto parts = command.block[9] & 0xFE;

@@ -10,21 +10,23 @@ namespace kelvane::virtualdrive {
 namespace {
 
 /// The fastest write speed that is no faster than wanted, or the slowest there is.
-int nearestWriteSpeed(std::uint32_t wanted) {
-  for (const auto speed : kWriteSpeeds) {
+int nearestWriteSpeed(const DriveSpeeds& speeds, std::uint32_t wanted) {
+  for (const auto speed : speeds.write) {
     if (static_cast<std::uint32_t>(speed) <= wanted) return speed;
   }
-  return kWriteSpeeds.back();
+  return speeds.write.back();
 }
 
-int nearestReadSpeed(std::uint32_t wanted) {
-  return static_cast<int>(std::clamp<std::uint32_t>(wanted, 706, kReadSpeed));
+int nearestReadSpeed(const DriveSpeeds& speeds, std::uint32_t wanted) {
+  return static_cast<int>(std::clamp(wanted, static_cast<std::uint32_t>(speeds.slowestRead),
+                                     static_cast<std::uint32_t>(speeds.read)));
 }
 
 void setSpeeds(Command& command, std::uint32_t readSpeed, std::uint32_t writeSpeed) {
+  const auto speeds = speedsFor(command.disc().medium);
   auto& drive = command.changeDrive();
-  drive.readSpeed = nearestReadSpeed(readSpeed);
-  drive.writeSpeed = nearestWriteSpeed(writeSpeed);
+  drive.readSpeed = nearestReadSpeed(speeds, readSpeed);
+  drive.writeSpeed = nearestWriteSpeed(speeds, writeSpeed);
 }
 
 Lba lastAddress(const DiscState& disc) {
@@ -50,7 +52,8 @@ CommandResult setStreaming(Command& command) {
   }
   const auto data = command.dataOut;
   if ((data[0] & 0x04) != 0) {  // back to the defaults
-    setSpeeds(command, kReadSpeed, static_cast<std::uint32_t>(kWriteSpeeds.front()));
+    constexpr std::uint32_t kFastest = 0xFFFF;
+    setSpeeds(command, kFastest, kFastest);
     return {kGood, length};
   }
   const std::uint64_t readTime = read32(data, 16);
@@ -69,6 +72,7 @@ CommandResult getPerformance(Command& command) {
   const std::size_t most = read16(command.block, 8);
   const bool write = (command.block[1] & 0x04) != 0;
   const auto& drive = command.folder.drive;
+  const auto writeSpeeds = speedsFor(command.disc().medium).write;
   const auto end = static_cast<std::uint32_t>(lastAddress(command.disc()));
   AnswerBytes bytes;
   bytes.u32(0);
@@ -78,14 +82,14 @@ CommandResult getPerformance(Command& command) {
     if (most >= 1) bytes.u32(0).u32(speed).u32(end).u32(speed);
   } else if (type == 0x03) {
     bytes.u32(0);
-    for (std::size_t i = 0; i < std::min(most, kWriteSpeeds.size()); ++i) {
+    for (std::size_t i = 0; i < std::min(most, writeSpeeds.size()); ++i) {
       bytes.u32(0).u32(end).u32(static_cast<std::uint32_t>(drive.readSpeed));
-      bytes.u32(static_cast<std::uint32_t>(kWriteSpeeds[i]));
+      bytes.u32(static_cast<std::uint32_t>(writeSpeeds[i]));
     }
   } else {
     return refuse(kInvalidFieldInCommand);
   }
-  const auto complete = type == 0x03 ? 4 + 16 * kWriteSpeeds.size() : std::size_t{20};
+  const auto complete = type == 0x03 ? 4 + 16 * writeSpeeds.size() : std::size_t{20};
   bytes.patch32(0, complete);
   return answer(command, bytes, 8 + 16 * most);
 }

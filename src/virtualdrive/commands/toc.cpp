@@ -2,6 +2,7 @@
 // READ TOC/PMA/ATIP (MMC-5, 6.26).
 #include <algorithm>
 #include <optional>
+#include <vector>
 
 #include "virtualdrive/commands/command.h"
 #include "virtualdrive/media/cd_layout.h"
@@ -24,39 +25,66 @@ void putAddress(AnswerBytes& bytes, Lba lba, bool asTime) {
   bytes.bytes({0, time.minute, time.second, time.frame});
 }
 
-/// Tracks of closed sessions, which are all the TOC knows of.
-std::span<const Track> closedTracks(const DiscState& disc) {
-  const auto count = disc.sessions.empty() ? 0 : disc.sessions.back().lastTrack;
-  return std::span(disc.tracks).first(static_cast<std::size_t>(count));
+/// A track as a TOC tells of it.
+struct TocTrack {
+  int number;
+  int session;
+  Lba start;
+};
+
+/// What there is to tell: the tracks of closed sessions.
+struct Toc {
+  std::vector<TocTrack> tracks;
+  Lba leadOut = 0;
+};
+
+Toc tocOf(const Command& command) {
+  const auto& disc = command.disc();
+  const auto sessions = command.rules.sessions(disc);
+  if (sessions.empty()) return {};
+  Toc toc;
+  toc.leadOut = sessions.back().leadOut;
+  for (const auto& track : command.rules.tracks(disc)) {
+    if (track.number <= sessions.back().lastTrack) {
+      toc.tracks.push_back({track.number, track.session, track.start});
+    }
+  }
+  const bool border = disc.medium == MediumKind::DvdR || disc.medium == MediumKind::DvdRw;
+  // A DVD-R can have more sessions than a TOC can number. So drives tell of two: everything that
+  // is older, and the last one.
+  if (border && sessions.size() > 1) {
+    toc.tracks = {{1, 1, 0}, {2, 2, sessions.back().start}};
+  }
+  return toc;
 }
 
-std::optional<AnswerBytes> formattedToc(const DiscState& disc, unsigned startTrack, bool asTime) {
-  const auto tracks = closedTracks(disc);
-  if (tracks.empty() || (startTrack > tracks.size() && startTrack != kLeadOutTrack)) {
+std::optional<AnswerBytes> formattedToc(const Toc& toc, unsigned startTrack, bool asTime) {
+  if (toc.tracks.empty() || (startTrack > toc.tracks.size() && startTrack != kLeadOutTrack)) {
     return std::nullopt;
   }
   AnswerBytes bytes;
-  bytes.u16(0).u8(1).u8(static_cast<unsigned>(tracks.size()));
-  for (const auto& track : tracks) {
+  bytes.u16(0).u8(1).u8(static_cast<unsigned>(toc.tracks.size()));
+  for (const auto& track : toc.tracks) {
     const auto number = static_cast<unsigned>(track.number);
     if (number < startTrack) continue;
     bytes.u8(0).u8(kDataTrack).u8(number).u8(0);
     putAddress(bytes, track.start, asTime);
   }
   bytes.u8(0).u8(kDataTrack).u8(kLeadOutTrack).u8(0);
-  putAddress(bytes, disc.sessions.back().leadOut, asTime);
+  putAddress(bytes, toc.leadOut, asTime);
   bytes.patch16(0, bytes.size() - 2);
   return bytes;
 }
 
 /// Which session is the last, and where its first track begins.
-std::optional<AnswerBytes> multiSessionInformation(const DiscState& disc, bool asTime) {
-  if (disc.sessions.empty()) return std::nullopt;
-  const auto& last = disc.sessions.back();
+std::optional<AnswerBytes> multiSessionInformation(const Toc& toc, bool asTime) {
+  if (toc.tracks.empty()) return std::nullopt;
+  const auto last = toc.tracks.back().session;
+  const auto first = std::ranges::find(toc.tracks, last, &TocTrack::session);
   AnswerBytes bytes;
-  bytes.u16(10).u8(1).u8(static_cast<unsigned>(last.number));
-  bytes.u8(0).u8(kDataTrack).u8(static_cast<unsigned>(last.firstTrack)).u8(0);
-  putAddress(bytes, disc.track(last.firstTrack).start, asTime);
+  bytes.u16(10).u8(1).u8(static_cast<unsigned>(last));
+  bytes.u8(0).u8(kDataTrack).u8(static_cast<unsigned>(first->number)).u8(0);
+  putAddress(bytes, first->start, asTime);
   return bytes;
 }
 
@@ -138,10 +166,11 @@ CommandResult readTocPmaAtip(Command& command) {
       (command.block[2] & 0x0F) != 0 ? command.block[2] & 0x0F : command.block[9] >> 6;
   const auto& disc = command.disc();
   std::optional<AnswerBytes> bytes;
-  if (format == 0) bytes = formattedToc(disc, command.block[6], asTime);
-  if (format == 1) bytes = multiSessionInformation(disc, asTime);
-  if (format == 2) bytes = fullToc(disc, command.block[6]);
-  if (format == 4) bytes = atip(disc, command.rules.erasable());
+  if (format == 0) bytes = formattedToc(tocOf(command), command.block[6], asTime);
+  if (format == 1) bytes = multiSessionInformation(tocOf(command), asTime);
+  // A DVD has neither subchannels nor a CD's pregroove.
+  if (format == 2 && isCd(disc.medium)) bytes = fullToc(disc, command.block[6]);
+  if (format == 4 && isCd(disc.medium)) bytes = atip(disc, command.rules.erasable());
   if (!bytes) return refuse(kInvalidFieldInCommand);
   return answer(command, *bytes, read16(command.block, 7));
 }

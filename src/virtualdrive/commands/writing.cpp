@@ -61,10 +61,15 @@ CommandResult sendOpcInformation(Command& command) {
 // MMC-5, 6.3
 CommandResult closeTrackSession(Command& command) {
   switch (command.block[2] & 0x07) {
+    case 0:
+      return refuse(command.rules.stopFormatting(command.folder));
     case 1:
       return refuse(command.rules.closeTrack(command.folder, read16(command.block, 4)));
     case 2:
       return refuse(command.rules.closeSession(command.folder));
+    case 5:
+    case 6:
+      return refuse(command.rules.finalize(command.folder));
     default:
       return refuse(kInvalidFieldInCommand);
   }

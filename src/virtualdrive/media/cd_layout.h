@@ -14,7 +14,6 @@ inline constexpr Lba kCdGap = 150;
 inline constexpr Lba kCdLeadIn = 4500;
 inline constexpr Lba kCdFirstLeadOut = 6750;
 inline constexpr Lba kCdFurtherLeadOut = 2250;
-inline constexpr std::size_t kCdMostTracks = 99;
 
 /// From the beginning of the lead-out of session `closedSessions` to the first sector of the
 /// session after it.

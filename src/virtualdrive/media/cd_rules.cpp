@@ -6,27 +6,11 @@
 #include "virtualdrive/media/cd_layout.h"
 #include "virtualdrive/media/cd_session_at_once.h"
 #include "virtualdrive/media/cd_track_at_once.h"
+#include "virtualdrive/media/feature_codes.h"
+#include "virtualdrive/media/track_writing.h"
 
 namespace kelvane::virtualdrive {
 namespace {
-
-TrackView viewOf(const Track& track, const DiscState& disc) {
-  TrackView view;
-  view.number = track.number;
-  view.session = track.session;
-  view.start = track.start;
-  view.size = track.size();
-  view.recorded = track.recorded;
-  view.reserved = track.reserved > 0;
-  view.complete = track.complete;
-  view.form = track.form;
-  if (track.complete) return view;
-  const auto limit = track.reserved > 0 ? track.end() : disc.capacity;
-  view.size = limit - track.start;
-  view.free = limit - track.start - track.recorded;
-  if (view.free > 0) view.nextWritable = track.start + track.recorded;
-  return view;
-}
 
 std::vector<TrackView> viewsOfCueSheet(const DiscState& disc) {
   std::vector<TrackView> views;
@@ -49,35 +33,18 @@ std::vector<TrackView> viewsOfCueSheet(const DiscState& disc) {
   return views;
 }
 
-TrackView invisibleTrack(const DiscState& disc) {
-  TrackView view;
-  view.number = static_cast<int>(disc.tracks.size()) + 1;
-  view.session = disc.openSession();
-  view.start = cdNextTrackStart(disc);
-  view.size = std::max(0, disc.capacity - view.start);
-  view.free = view.size;
-  view.invisible = true;
-  if (view.free > 0) view.nextWritable = view.start;
-  return view;
-}
-
 }  // namespace
 
-const MediumRules& MediumRules::of(MediumKind kind) {
-  static const CdRules writeOnce(CdRules::Kind::WriteOnce);
-  static const CdRules rewritable(CdRules::Kind::Rewritable);
-  return kind == MediumKind::CdRw ? rewritable : writeOnce;
+std::vector<std::uint16_t> CdRules::currentFeatures(const DiscState& disc) const {
+  std::vector<std::uint16_t> features{kRandomReadable, kCdRead};
+  if (!disc.finalized) features.insert(features.end(), {kCdTrackAtOnce, kCdMastering});
+  if (erasable()) features.push_back(kCdRwMediaWrite);
+  return features;
 }
 
 std::vector<TrackView> CdRules::tracks(const DiscState& disc) const {
   if (disc.cueSheetBegun()) return viewsOfCueSheet(disc);
-  std::vector<TrackView> views;
-  for (const auto& track : disc.tracks) views.push_back(viewOf(track, disc));
-  const bool growing = !disc.tracks.empty() && disc.tracks.back().growsWithFile();
-  if (!disc.finalized && !growing && disc.tracks.size() < kCdMostTracks) {
-    views.push_back(invisibleTrack(disc));
-  }
-  return views;
+  return viewsOfTracks(disc, cdNextTrackStart(disc));
 }
 
 bool CdRules::accepts(const WriteParameters& parameters) const {
@@ -121,43 +88,27 @@ Sense CdRules::takeCueSheet(DiscFolder& folder, std::span<const std::uint8_t> sh
 }
 
 Sense CdRules::closeTrack(DiscFolder& folder, int number) const {
-  auto& tracks = folder.disc.tracks;
   if (folder.disc.cueSheetBegun()) return kIllegalModeForTrack;
-  if (number == 0xFF) {
-    if (tracks.empty() || tracks.back().complete) return kGood;
-    return completeTrack(folder, tracks.back());
-  }
-  const auto invisible = static_cast<int>(tracks.size()) + 1;
-  if (number < 1 || number > invisible) return kInvalidFieldInCommand;
-  if (number == invisible) return kGood;
-  auto& track = tracks[static_cast<std::size_t>(number - 1)];
-  return track.complete ? kGood : completeTrack(folder, track);
+  return closeNumberedTrack(folder, number,
+                            [&](Track& track) { return completeTrack(folder, track); });
 }
 
 Sense CdRules::closeSession(DiscFolder& folder) const {
   auto& disc = folder.disc;
   if (disc.cueSheetBegun()) return endCueSheet(folder);
   if (!disc.openSessionHasTracks()) return kGood;
-  for (const auto& track : disc.tracks) {
-    if (!track.complete)
-      return track.reserved > 0 ? kReservedTrackNotFull : kIncompleteTrackInSession;
-  }
-  Session session;
-  session.number = disc.openSession();
-  session.firstTrack = disc.sessions.empty() ? 1 : disc.sessions.back().lastTrack + 1;
-  session.lastTrack = disc.tracks.back().number;
-  session.leadOut = disc.tracks.back().end() + kCdRunOut;
-  disc.sessions.push_back(session);
+  if (const auto sense = checkTracksComplete(disc); !sense.good()) return sense;
+  addClosedSession(disc, disc.tracks.back().end() + kCdRunOut);
   // A disc without room for a further session is closed for good: no pointer could lead to one.
   const bool room = cdNextTrackStart(disc) + kShortestCdTrack <= disc.capacity &&
-                    disc.tracks.size() < kCdMostTracks;
+                    disc.tracks.size() < kMostTracks;
   disc.finalized = !folder.drive.writeParameters.multiSession() || !room;
   return folder.storeDisc() ? kGood : kWriteError;
 }
 
 Sense CdRules::blank(DiscFolder& folder, BlankExtent) const {
   if (!erasable()) return kIncompatibleMedium;
-  return folder.removeEverything() ? kGood : kWriteError;
+  return folder.removeEverything(folder.disc.asBlank()) ? kGood : kWriteError;
 }
 
 }  // namespace kelvane::virtualdrive

@@ -14,6 +14,7 @@ class CdRules final : public MediumRules {
 
   std::uint16_t profile() const override { return erasable() ? 0x000A : 0x0009; }
   bool erasable() const override { return kind_ == Kind::Rewritable; }
+  std::vector<std::uint16_t> currentFeatures(const DiscState& disc) const override;
   std::vector<TrackView> tracks(const DiscState& disc) const override;
   bool accepts(const WriteParameters& parameters) const override;
 

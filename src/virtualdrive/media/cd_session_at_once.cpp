@@ -5,6 +5,7 @@
 #include <optional>
 
 #include "virtualdrive/media/cd_layout.h"
+#include "virtualdrive/media/track_writing.h"
 #include "virtualdrive/msf.h"
 
 namespace kelvane::virtualdrive {
@@ -75,7 +76,7 @@ std::optional<CueSheet> parse(std::span<const std::uint8_t> bytes) {
 }
 
 bool fits(const CueSheet& sheet, const DiscState& disc) {
-  if (sheet.tracks.empty() || sheet.tracks.size() > kCdMostTracks) return false;
+  if (sheet.tracks.empty() || sheet.tracks.size() > kMostTracks) return false;
   if (sheet.tracks.front().start != 0 || sheet.leadOut > cdLastPossibleLeadOut(disc)) return false;
   Lba free = 0;
   for (const auto& track : sheet.tracks) {

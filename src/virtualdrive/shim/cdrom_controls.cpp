@@ -5,6 +5,7 @@
 #include <cerrno>
 
 #include "virtualdrive/big_endian.h"
+#include "virtualdrive/media/medium_rules.h"
 #include "virtualdrive/msf.h"
 #include "virtualdrive/shim/controls.h"
 
@@ -39,38 +40,40 @@ void putAddress(cdrom_addr* address, std::uint8_t format, Lba lba) {
   address->msf = {time.minute, time.second, time.frame};
 }
 
+/// READ TOC as the kernel sends it; a zero where there is no such entry.
+template <std::size_t Size>
+std::array<std::uint8_t, Size> readToc(const ShownDrive& shown, std::uint8_t format,
+                                       std::uint8_t track) {
+  std::array<std::uint8_t, Size> toc{};
+  const std::array<std::uint8_t, 10> block{0x43, 0, format, 0, 0, 0, track, 0, Size, 0};
+  // A change of the medium is told once, in place of the answer.
+  if (send(shown, block, toc) == 0 || send(shown, block, toc) == 0) return toc;
+  return {};
+}
+
 int readTocHeader(const ShownDrive& shown, cdrom_tochdr* header) {
-  std::string error;
-  const auto disc = shown.drive().inspect(&error);
-  if (!disc || disc->sessions.empty()) return -EIO;
-  header->cdth_trk0 = 1;
-  header->cdth_trk1 = static_cast<std::uint8_t>(disc->sessions.back().lastTrack);
+  const auto toc = readToc<4>(shown, 0, 0);
+  if (toc[2] == 0) return -EIO;
+  header->cdth_trk0 = toc[2];
+  header->cdth_trk1 = toc[3];
   return 0;
 }
 
 int readTocEntry(const ShownDrive& shown, cdrom_tocentry* entry) {
-  std::string error;
-  const auto disc = shown.drive().inspect(&error);
-  if (!disc || disc->sessions.empty()) return -EIO;
-  const bool leadOut = entry->cdte_track == CDROM_LEADOUT;
-  if (!leadOut && (entry->cdte_track < 1 || entry->cdte_track > disc->sessions.back().lastTrack)) {
-    return -EINVAL;
-  }
-  entry->cdte_adr = 1;
-  entry->cdte_ctrl = CDROM_DATA_TRACK;
+  const auto toc = readToc<12>(shown, 0, entry->cdte_track);
+  if (toc[2] == 0) return entry->cdte_track == CDROM_LEADOUT ? -EIO : -EINVAL;
+  entry->cdte_adr = (toc[5] >> 4) & 0x0F;
+  entry->cdte_ctrl = toc[5] & 0x0F;
   entry->cdte_datamode = 1;
-  putAddress(&entry->cdte_addr, entry->cdte_format,
-             leadOut ? disc->sessions.back().leadOut : disc->track(entry->cdte_track).start);
+  putAddress(&entry->cdte_addr, entry->cdte_format, static_cast<Lba>(read32(toc, 8)));
   return 0;
 }
 
 int lastSession(const ShownDrive& shown, cdrom_multisession* session) {
-  std::string error;
-  const auto disc = shown.drive().inspect(&error);
-  if (!disc || disc->sessions.empty()) return -EIO;
-  const auto& track = disc->track(disc->sessions.back().firstTrack);
-  session->xa_flag = disc->sessions.size() > 1 ? 1 : 0;
-  putAddress(&session->addr, session->addr_format, track.start);
+  const auto toc = readToc<12>(shown, 1, 0);
+  if (toc[2] == 0) return -EIO;
+  session->xa_flag = toc[3] > 1 ? 1 : 0;
+  putAddress(&session->addr, session->addr_format, static_cast<Lba>(read32(toc, 8)));
   return 0;
 }
 
@@ -86,7 +89,7 @@ int discStatus(const ShownDrive& shown) {
   std::string error;
   const auto disc = shown.drive().inspect(&error);
   if (!shown.drive().mediaLoaded()) return CDS_NO_DISC;
-  return disc && !disc->sessions.empty() ? CDS_DATA_1 : CDS_NO_INFO;
+  return disc && readableEnd(*disc) > 0 ? CDS_DATA_1 : CDS_NO_INFO;
 }
 
 }  // namespace
@@ -106,7 +109,8 @@ int controlCdRom(const ShownDrive& shown, unsigned long request, void* argument)
       return 1;
     case CDROM_GET_CAPABILITY:
       return CDC_CLOSE_TRAY | CDC_OPEN_TRAY | CDC_LOCK | CDC_SELECT_SPEED | CDC_MULTI_SESSION |
-             CDC_MEDIA_CHANGED | CDC_GENERIC_PACKET | CDC_CD_R | CDC_CD_RW | CDC_DRIVE_STATUS;
+             CDC_MEDIA_CHANGED | CDC_GENERIC_PACKET | CDC_CD_R | CDC_CD_RW | CDC_DVD | CDC_DVD_R |
+             CDC_DRIVE_STATUS;
     case CDROM_SELECT_SPEED:
       return 0;
     case CDROMEJECT:

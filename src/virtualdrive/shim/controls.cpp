@@ -15,6 +15,7 @@
 #include <cstdint>
 #include <mutex>
 
+#include "virtualdrive/media/medium_rules.h"
 #include "virtualdrive/shim/next_function.h"
 
 // The kernel's headers for programs do not give it.
@@ -28,13 +29,11 @@
 namespace kelvane::virtualdrive::shim {
 namespace {
 
-/// The readable length of the disc: what READ CAPACITY says, with what lies beyond it in an open
-/// session.
+/// The readable length of the disc, which is what READ CAPACITY says.
 std::uint64_t readableBytes(const ShownDrive& shown) {
   std::string error;
   const auto disc = shown.drive().inspect(&error);
-  if (!disc || disc->sessions.empty()) return 0;
-  return static_cast<std::uint64_t>(disc->sessions.back().leadOut) * kSectorBytes;
+  return disc ? static_cast<std::uint64_t>(readableEnd(*disc)) * kSectorBytes : 0;
 }
 
 /// The requests of linux/fs.h; -ENOTTY for others.

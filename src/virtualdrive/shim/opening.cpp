@@ -29,6 +29,7 @@ int openDrive(const ShownDrive& shown, int flags) {
     errno = ENOMEDIUM;
     return -1;
   }
+  shown.drive().takeNewsOfMedium();
   return ::open(shown.sectorsPath(), O_RDONLY | (flags & (O_CLOEXEC | O_NONBLOCK | O_NOCTTY)));
 }
 

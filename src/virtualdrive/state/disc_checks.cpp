@@ -68,6 +68,27 @@ std::string contradictionInSessions(const DiscState& disc) {
   return {};
 }
 
+std::string contradictionInFormatting(const DiscState& disc) {
+  if (!disc.formatting) return {};
+  if (disc.medium != MediumKind::DvdRw && disc.medium != MediumKind::DvdPlusRw) {
+    return "a " + std::string(nameOf(disc.medium)) + " cannot be formatted";
+  }
+  if (!disc.tracks.empty() || !disc.sessions.empty() || disc.cueSheet || disc.finalized) {
+    return "a formatted disc has no tracks and sessions";
+  }
+  if (disc.formatting->sectors > disc.capacity) return "more is formatted than there is";
+  return {};
+}
+
+/// An unformatted DVD+RW takes no data.
+std::string contradictionInMedium(const DiscState& disc) {
+  if (disc.medium == MediumKind::DvdPlusRw && !disc.tracks.empty()) {
+    return "a dvd+rw has no tracks";
+  }
+  if (disc.cueSheet && !isCd(disc.medium)) return "there is a cue sheet on a DVD";
+  return {};
+}
+
 std::string contradictionInCueSheet(const DiscState& disc) {
   if (!disc.cueSheet) return {};
   const auto& sheet = *disc.cueSheet;
@@ -91,6 +112,14 @@ std::string takeFileLength(DiscState* disc, std::uint64_t fileBytes) {
     return "the file of sectors is longer than the disc";
   }
   disc->fileSectors = static_cast<Lba>(sectors);
+  if (disc->formatting) {
+    auto& formatting = *disc->formatting;
+    const auto reached = std::min(inWholeDvdBlocks(disc->fileSectors), disc->capacity);
+    if (formatting.growing) formatting.sectors = std::max(formatting.sectors, reached);
+    return disc->fileSectors <= formatting.sectors
+               ? std::string()
+               : "the file of sectors is longer than the formatted area";
+  }
   Lba described = 0;
   for (const auto& track : disc->tracks) described = std::max(described, track.end());
   if (!disc->tracks.empty() && disc->tracks.back().growsWithFile()) {
@@ -105,6 +134,8 @@ std::string takeFileLength(DiscState* disc, std::uint64_t fileBytes) {
 std::string contradictionIn(const DiscState& disc) {
   if (auto wrong = contradictionInTracks(disc); !wrong.empty()) return wrong;
   if (auto wrong = contradictionInSessions(disc); !wrong.empty()) return wrong;
+  if (auto wrong = contradictionInFormatting(disc); !wrong.empty()) return wrong;
+  if (auto wrong = contradictionInMedium(disc); !wrong.empty()) return wrong;
   return contradictionInCueSheet(disc);
 }
 

@@ -201,10 +201,7 @@ bool DiscFolder::storeDrive() {
   return replaceFile(folder_ / "drive.json", driveToJson(drive));
 }
 
-bool DiscFolder::removeEverything() {
-  DiscState blank;
-  blank.medium = disc.medium;
-  blank.capacity = disc.capacity;
+bool DiscFolder::removeEverything(const DiscState& blank) {
   if (!replaceFile(folder_ / "disc.json", blankingToJson(blank)) || !sectors_->resize(0)) {
     return false;
   }

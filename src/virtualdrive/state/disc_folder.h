@@ -46,9 +46,9 @@ class DiscFolder {
   bool storeDisc();
   bool storeDrive();
 
-  /// Removes all sectors and leaves the disc blank, so that a kill in between is carried to the end
-  /// by whoever comes next.
-  bool removeEverything();
+  /// Removes all sectors and leaves the disc as `blank` tells, which has no tracks and sessions, so
+  /// that a kill in between is carried to the end by whoever comes next.
+  bool removeEverything(const DiscState& blank);
 
   DiscState disc;
   DriveState drive;

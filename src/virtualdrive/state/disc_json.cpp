@@ -22,6 +22,7 @@ json toJson(const Track& track) {
               {"complete", track.complete},
               {"form", static_cast<int>(track.form)}};
   if (!track.growsWithFile()) object["sectors"] = track.recorded;
+  if (track.atOnce) object["at_once"] = true;
   return object;
 }
 
@@ -53,6 +54,11 @@ json toJson(const DiscState& disc) {
               {"tracks", tracks},
               {"sessions", sessions}};
   if (disc.cueSheet) object["cue_sheet"] = toJson(*disc.cueSheet);
+  if (disc.minimallyBlanked) object["minimally_blanked"] = true;
+  if (disc.formatting) {
+    object["formatted"] = {{"sectors", disc.formatting->sectors},
+                           {"growing", disc.formatting->growing}};
+  }
   return object;
 }
 
@@ -65,11 +71,12 @@ Track readTrack(const json& object, int number, std::string* error) {
   Track track;
   track.number = number;
   track.session = reader.integer("session", 1, static_cast<std::int32_t>(kMostTracks));
-  track.start = reader.integer("start", 0, kMaximalCdCapacity);
-  track.reserved = reader.integer("reserved", 0, kMaximalCdCapacity);
+  track.start = reader.integer("start", 0, kMaximalCapacity);
+  track.reserved = reader.integer("reserved", 0, kMaximalCapacity);
   track.complete = reader.boolean("complete");
   track.form = readForm(reader);
-  if (!track.growsWithFile()) track.recorded = reader.integer("sectors", 0, kMaximalCdCapacity);
+  if (!track.growsWithFile()) track.recorded = reader.integer("sectors", 0, kMaximalCapacity);
+  if (reader.has("at_once")) track.atOnce = reader.boolean("at_once");
   return track;
 }
 
@@ -79,7 +86,7 @@ Session readSession(const json& object, int number, std::string* error) {
   session.number = number;
   session.firstTrack = reader.integer("first_track", 1, static_cast<std::int32_t>(kMostTracks));
   session.lastTrack = reader.integer("last_track", 1, static_cast<std::int32_t>(kMostTracks));
-  session.leadOut = reader.integer("lead_out", 1, kMaximalCdCapacity + 2);
+  session.leadOut = reader.integer("lead_out", 1, kMaximalCapacity + 2);
   return session;
 }
 
@@ -96,16 +103,28 @@ CueSheet readCueSheet(const json& object, std::string* error) {
   return sheet;
 }
 
+Formatting readFormatting(const json& object, std::string* error) {
+  JsonReader reader(object, error);
+  Formatting formatting;
+  formatting.sectors = reader.integer("sectors", 0, kMaximalCapacity);
+  formatting.growing = reader.boolean("growing");
+  return formatting;
+}
+
 void readHead(JsonReader& reader, DiscState* disc, std::string* error) {
   const auto name = reader.text("medium");
   const auto kind = mediumKindNamed(name);
-  if (error->empty() && (!kind || !isEmulated(*kind))) {
-    *error = "the medium “" + name + "” is not known";
-  }
+  if (error->empty() && !kind) *error = "the medium “" + name + "” is not known";
   disc->medium = kind.value_or(MediumKind::CdR);
   const auto bounds = capacityBounds(disc->medium);
   disc->capacity = reader.integer("capacity_sectors", bounds.smallest, bounds.largest);
   disc->finalized = reader.boolean("finalized");
+  if (reader.has("minimally_blanked")) {
+    disc->minimallyBlanked = reader.boolean("minimally_blanked");
+  }
+  if (reader.has("formatted")) {
+    disc->formatting = readFormatting(reader.at("formatted"), error);
+  }
 }
 
 bool isOurVersion(JsonReader& reader, std::string* error) {

@@ -28,6 +28,8 @@ struct Track {
   /// A complete track takes no more data.
   bool complete = false;
   TrackForm form = TrackForm::Mode1;
+  /// The only track of a DVD that is written disc at once: it ends with its session.
+  bool atOnce = false;
 
   /// Sectors the track occupies, its run-out apart.
   Lba size() const { return reserved > recorded ? reserved : recorded; }
@@ -60,6 +62,15 @@ struct CueSheet {
   Lba gapWritten = 0;
 };
 
+/// What formatting made of a DVD: one area from LBA 0 that can be overwritten.
+struct Formatting {
+  /// The area's length; whole blocks of 16 sectors. The lead-out begins behind it.
+  Lba sectors = 0;
+  /// Writing beyond the area's end makes it longer: on a DVD-RW the session is in its intermediate
+  /// state, on a DVD+RW the background formatting runs.
+  bool growing = false;
+};
+
 /// What is on a disc.
 struct DiscState {
   MediumKind medium = MediumKind::CdR;
@@ -72,14 +83,26 @@ struct DiscState {
   /// Closed for good: nothing can be appended.
   bool finalized = false;
   std::optional<CueSheet> cueSheet;
+  /// Present on a formatted DVD+RW, and on a DVD-RW that is in restricted overwrite mode. Such a
+  /// disc has no tracks and sessions of its own.
+  std::optional<Formatting> formatting;
+  /// A DVD-RW whose last blanking was the minimal one: it can only be written at once.
+  bool minimallyBlanked = false;
   /// Sectors the file reaches to; whole ones only. Not part of the description, it comes from the
   /// file.
   Lba fileSectors = 0;
 
   bool blank() const {
-    return tracks.empty() && sessions.empty() && !finalized && !cueSheetBegun();
+    return tracks.empty() && sessions.empty() && !finalized && !formatting && !cueSheetBegun();
   }
   bool cueSheetBegun() const { return cueSheet && (cueSheet->gapWritten > 0 || fileSectors > 0); }
+  /// The same medium without anything on it.
+  DiscState asBlank() const {
+    DiscState blankDisc;
+    blankDisc.medium = medium;
+    blankDisc.capacity = capacity;
+    return blankDisc;
+  }
   int openSession() const { return static_cast<int>(sessions.size()) + 1; }
   bool openSessionHasTracks() const {
     return !tracks.empty() && tracks.back().session == openSession();

@@ -44,16 +44,16 @@ bool isSerial(const std::string& text) {
 
 }  // namespace
 
-WriteParameters WriteParameters::standard() {
+WriteParameters WriteParameters::standard(MediumKind kind) {
   WriteParameters parameters;
   auto& page = parameters.page;
+  const auto writeType = isCd(kind) ? Type::TrackAtOnce : Type::Incremental;
   page[0] = 0x05;
   page[1] = 0x32;
-  page[2] =
-      0x40 | static_cast<std::uint8_t>(Type::TrackAtOnce);  // guarded against buffer underruns
-  page[3] = 0x04;                                           // data track, single session
-  page[4] = 0x08;                                           // mode 1, 2048 bytes
-  page[15] = 150;                                           // audio pause, by the standard
+  page[2] = 0x40 | static_cast<std::uint8_t>(writeType);  // guarded against buffer underruns
+  page[3] = 0x04;                                         // data track, single session
+  page[4] = 0x08;                                         // mode 1, 2048 bytes
+  page[15] = 150;                                         // audio pause, by the standard
   return parameters;
 }
 

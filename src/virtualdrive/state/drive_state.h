@@ -5,6 +5,8 @@
 #include <cstdint>
 #include <string>
 
+#include "virtualdrive/medium_kind.h"
+
 namespace kelvane::virtualdrive {
 
 /// What the drive would tell a program that asks for media events (MMC-5, 6.7.2.5). Told once.
@@ -16,13 +18,14 @@ struct WriteParameters {
   /// The whole page, its two header bytes included.
   std::array<std::uint8_t, kBytes> page{};
 
-  enum class Type : std::uint8_t { TrackAtOnce = 1, SessionAtOnce = 2 };
+  enum class Type : std::uint8_t { Incremental = 0, TrackAtOnce = 1, SessionAtOnce = 2 };
   Type type() const { return static_cast<Type>(page[2] & 0x0F); }
   /// Whether closing the session leaves the disc open to a further one.
   bool multiSession() const { return (page[3] & 0xC0) == 0xC0; }
   std::uint8_t dataBlockType() const { return page[4] & 0x0F; }
 
-  static WriteParameters standard();
+  /// What the drive sets by itself for a medium.
+  static WriteParameters standard(MediumKind kind = MediumKind::CdR);
 };
 
 /// What the drive itself remembers.

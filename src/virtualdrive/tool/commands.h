@@ -15,10 +15,13 @@ inline constexpr int kDone = 0;
 inline constexpr int kFailed = 1;
 inline constexpr int kWrongUsage = 2;
 inline constexpr int kDiscUnusable = 3;
-inline constexpr int kNotEmulated = 4;
+
+/// On the command line: a DVD-RW that is formatted for restricted overwrite.
+inline constexpr const char* kRestrictedOverwriteName = "dvd-rw-ro";
 
 struct CreateOptions {
   std::filesystem::path disc;
+  /// A medium's name, or kRestrictedOverwriteName.
   std::string medium;
   /// 1 MB is 512 sectors of 2048 bytes.
   std::optional<int> capacityMegabytes;

@@ -9,6 +9,7 @@
 
 #include "virtualdrive/tool/commands.h"
 #include "virtualdrive/tool/first_session.h"
+#include "virtualdrive/tool/session_writer.h"
 
 namespace kelvane::virtualdrive::tool {
 namespace {
@@ -54,8 +55,16 @@ bool isExisting(const fs::path& path) {
   return fs::symlink_status(path, ignored).type() != fs::file_type::not_found;
 }
 
-/// Makes the disc with its first session out of sight and moves it to its place when it is whole.
-int createFilled(const CreateOptions& options, const fs::path& disc, const NewDisc& what) {
+bool prepare(const CreateOptions& options, const VirtualDrive& drive, const StopSignals& stop,
+             std::string* error) {
+  if (options.medium == kRestrictedOverwriteName && !formatForRestrictedOverwrite(drive, error)) {
+    return false;
+  }
+  return !options.from || writeFirstSession(drive, *options.from, labelFor(options), stop, error);
+}
+
+/// Makes a disc that is not blank out of sight and moves it to its place when it is whole.
+int createPrepared(const CreateOptions& options, const fs::path& disc, const NewDisc& what) {
   std::string error;
   const StopSignals stop;
   const Workshop workshop(disc);
@@ -66,9 +75,7 @@ int createFilled(const CreateOptions& options, const fs::path& disc, const NewDi
   }
   if (!VirtualDrive::create(workshop.disc(), what, &error)) return complain(error), kFailed;
   const auto drive = VirtualDrive::open(workshop.disc(), &error);
-  if (!drive || !writeFirstSession(*drive, *options.from, labelFor(options), stop, &error)) {
-    return complain(error), kFailed;
-  }
+  if (!drive || !prepare(options, *drive, stop, &error)) return complain(error), kFailed;
   if (renameat2(AT_FDCWD, workshop.disc().c_str(), AT_FDCWD, disc.c_str(), RENAME_NOREPLACE) != 0) {
     complain("“" + disc.string() + "” cannot be made: " + std::strerror(errno) + ".");
     return kFailed;
@@ -96,11 +103,9 @@ int checkOptions(const CreateOptions& options) {
 }  // namespace
 
 int createDisc(const CreateOptions& options) {
-  const auto kind = mediumKindNamed(options.medium).value_or(MediumKind::CdR);
-  if (!isEmulated(kind)) {
-    complain("The medium " + options.medium + " is not emulated yet.");
-    return kNotEmulated;
-  }
+  const bool restrictedOverwrite = options.medium == kRestrictedOverwriteName;
+  const auto kind = restrictedOverwrite ? MediumKind::DvdRw
+                                        : mediumKindNamed(options.medium).value_or(MediumKind::CdR);
   const auto bounds = capacityBounds(kind);
   NewDisc what{kind, bounds.standard};
   if (options.capacityMegabytes) {
@@ -115,7 +120,7 @@ int createDisc(const CreateOptions& options) {
   // A trailing slash would leave the name empty.
   auto disc = fs::absolute(options.disc).lexically_normal();
   if (!disc.has_filename()) disc = disc.parent_path();
-  if (options.from) return createFilled(options, disc, what);
+  if (options.from || restrictedOverwrite) return createPrepared(options, disc, what);
   std::string error;
   if (VirtualDrive::create(disc, what, &error)) return kDone;
   return complain(error), kFailed;

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-2.0-or-later
 #include "virtualdrive/tool/disc_volume.h"
 
+#include "virtualdrive/media/medium_rules.h"
 #include "virtualdrive/tool/commands.h"
 
 namespace kelvane::virtualdrive::tool {
@@ -8,7 +9,8 @@ namespace {
 
 /// Where the session begins, or nothing and a complaint.
 std::optional<Lba> sessionStart(const DiscState& disc, std::optional<int> session) {
-  const auto count = static_cast<int>(disc.sessions.size());
+  const auto sessions = MediumRules::of(disc).sessions(disc);
+  const auto count = static_cast<int>(sessions.size());
   if (count == 0) {
     complain("The disc has no closed session.");
     return std::nullopt;
@@ -19,8 +21,7 @@ std::optional<Lba> sessionStart(const DiscState& disc, std::optional<int> sessio
              std::to_string(count) + ".");
     return std::nullopt;
   }
-  const auto& chosen = disc.sessions[static_cast<std::size_t>(wanted - 1)];
-  return disc.track(chosen.firstTrack).start;
+  return sessions[static_cast<std::size_t>(wanted - 1)].start;
 }
 
 }  // namespace

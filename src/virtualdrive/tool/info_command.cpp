@@ -26,19 +26,32 @@ struct DiscInfo {
   std::vector<SessionInfo> sessions;
   /// Where a program would write next; empty where nothing can be appended.
   std::optional<TrackView> writable;
+
+  /// Sectors that can still be written; all of a disc that can be overwritten.
+  Lba free() const {
+    if (disc.formatting) return disc.capacity;
+    return writable ? writable->free : 0;
+  }
 };
 
 const char* stateOf(const DiscState& disc) {
   if (disc.blank()) return "blank";
+  if (disc.formatting) return "overwritable";
   return disc.finalized ? "closed" : "appendable";
+}
+
+const char* modeOf(const DiscState& disc) {
+  if (disc.medium != MediumKind::DvdRw) return nullptr;
+  return disc.formatting ? "restricted overwrite" : "sequential";
 }
 
 DiscInfo gather(const DiscState& disc, bool loaded) {
   DiscInfo info{disc, loaded, stateOf(disc), {}, {}};
-  for (const auto& session : disc.sessions) {
+  const auto& rules = MediumRules::of(disc);
+  for (const auto& session : rules.sessions(disc)) {
     info.sessions.push_back({session.number, session.leadOut, {}});
   }
-  for (const auto& track : MediumRules::of(disc.medium).tracks(disc)) {
+  for (const auto& track : rules.tracks(disc)) {
     if (track.nextWritable && !track.reserved) info.writable = track;
     if (track.invisible) continue;
     const auto index = static_cast<std::size_t>(track.session - 1);
@@ -60,6 +73,7 @@ void printTrack(const TrackView& track) {
 
 void printText(const DiscInfo& info) {
   std::printf("Medium:   %s\n", std::string(nameOf(info.disc.medium)).c_str());
+  if (const char* mode = modeOf(info.disc)) std::printf("Mode:     %s\n", mode);
   std::printf("State:    %s\n", info.state);
   std::printf("Tray:     %s\n", info.loaded ? "closed" : "open");
   std::printf("Capacity: %d sectors (%.1f MB)\n", info.disc.capacity,
@@ -74,10 +88,11 @@ void printText(const DiscInfo& info) {
   }
   if (info.writable) {
     std::printf("Next writable address: %d\n", *info.writable->nextWritable);
-    std::printf("Free:     %d sectors (%.1f MB)\n", info.writable->free,
-                megabytes(info.writable->free));
   } else {
     std::printf("Next writable address: none\n");
+  }
+  if (info.free() > 0) {
+    std::printf("Free:     %d sectors (%.1f MB)\n", info.free(), megabytes(info.free()));
   }
 }
 
@@ -106,7 +121,8 @@ void printJson(const DiscInfo& info) {
               {"sessions", sessions}};
   object["next_writable_address"] =
       info.writable ? json(*info.writable->nextWritable) : json(nullptr);
-  object["free_sectors"] = info.writable ? info.writable->free : 0;
+  object["free_sectors"] = info.free();
+  if (const char* mode = modeOf(info.disc)) object["mode"] = mode;
   std::printf("%s\n", object.dump(2).c_str());
 }
 

@@ -24,9 +24,8 @@ std::optional<VirtualDrive> openDisc(const std::filesystem::path& disc) {
 namespace {
 
 constexpr const char* kFooter =
-    "Exit status: 0 done, 1 failed, 2 wrong usage, 3 the disc cannot be used, 4 the medium is not\n"
-    "emulated yet. run gives the command's own status, 126 where it cannot be executed and 127\n"
-    "where it is not found.";
+    "Exit status: 0 done, 1 failed, 2 wrong usage, 3 the disc cannot be used. run gives the\n"
+    "command's own status, 126 where it cannot be executed and 127 where it is not found.";
 
 /// What the command line says.
 struct Arguments {
@@ -50,9 +49,13 @@ CLI::App* addCommand(CLI::App& app, Arguments& arguments, const char* name, cons
 void addCreate(CLI::App& app, Arguments& arguments) {
   auto* create = addCommand(app, arguments, "create", "Makes a disc. PATH must not exist.");
   auto& options = arguments.create;
-  create->add_option("--media", options.medium, "cd-r, cd-rw, dvd-r, dvd-rw or dvd+rw")
+  create
+      ->add_option("--media", options.medium,
+                   "cd-r, cd-rw, dvd-r, dvd-rw, dvd-rw-ro (a dvd-rw that is formatted for\n"
+                   "restricted overwrite), dvd+rw or dvd+r")
       ->required()
-      ->check(CLI::IsMember({"cd-r", "cd-rw", "dvd-r", "dvd-rw", "dvd+rw"}));
+      ->check(CLI::IsMember(
+          {"cd-r", "cd-rw", "dvd-r", "dvd-rw", kRestrictedOverwriteName, "dvd+rw", "dvd+r"}));
   create->add_option("--capacity", options.capacityMegabytes,
                      "What it holds, in MB of 1048576 bytes");
   auto* from =

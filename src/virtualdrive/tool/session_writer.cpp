@@ -4,6 +4,7 @@
 #include <algorithm>
 #include <array>
 #include <cstdio>
+#include <vector>
 
 #include "virtualdrive/big_endian.h"
 #include "virtualdrive/state/drive_state.h"
@@ -13,7 +14,7 @@ namespace {
 
 bool check(const CommandResult& result, const char* what, std::string* error) {
   if (result.good()) return true;
-  if (result.sense == kEndOfUserArea) {
+  if (result.sense == kEndOfUserArea || result.sense == kAddressOutOfRange) {
     *error = "The disc is full.";
     return false;
   }
@@ -26,19 +27,51 @@ bool check(const CommandResult& result, const char* what, std::string* error) {
 
 constexpr std::array<std::uint8_t, 6> kTestUnitReady{};
 
+constexpr std::uint16_t kFirstDvdProfile = 0x0010;
+constexpr std::uint16_t kRestrictedOverwriteProfile = 0x0013;
+constexpr std::uint16_t kPlusRwProfile = 0x001A;
+
+constexpr std::uint8_t kQuickFormat = 0x15;
+constexpr std::uint8_t kPlusRwFormat = 0x26;
+
+bool becomeReady(const VirtualDrive& drive, std::string* error) {
+  // A change of the medium is told once.
+  auto result = drive.execute(kTestUnitReady, {}, {});
+  if (!result.good()) result = drive.execute(kTestUnitReady, {}, {});
+  return check(result, "to become ready", error);
+}
+
+bool format(const VirtualDrive& drive, std::uint8_t type, std::string* error) {
+  constexpr std::array<std::uint8_t, 6> kFormatUnit{0x04, 0x11};
+  AnswerBytes list;
+  list.u16(0).u16(8).u32(0).u8(static_cast<unsigned>(type) << 2).zeros(3);
+  return check(drive.execute(kFormatUnit, {}, list.view()), "to format the disc", error);
+}
+
+bool close(const VirtualDrive& drive, std::uint8_t what, std::string* error) {
+  const std::array<std::uint8_t, 10> block{0x5B, 0, what, 0, 0, 1};
+  return check(drive.execute(block, {}, {}), "to close the session", error);
+}
+
 }  // namespace
 
-bool SessionWriter::becomeReady(std::string* error) {
-  // A change of the medium is told once.
-  auto result = drive_.execute(kTestUnitReady, {}, {});
-  if (!result.good()) result = drive_.execute(kTestUnitReady, {}, {});
-  return check(result, "to become ready", error);
+bool formatForRestrictedOverwrite(const VirtualDrive& drive, std::string* error) {
+  return becomeReady(drive, error) && format(drive, kQuickFormat, error);
+}
+
+bool SessionWriter::askForProfile(std::string* error) {
+  std::array<std::uint8_t, 8> configuration{};
+  const std::array<std::uint8_t, 10> ask{0x46, 0, 0, 0, 0, 0, 0, 0, configuration.size(), 0};
+  if (!check(drive_.execute(ask, configuration, {}), "to tell its medium", error)) return false;
+  profile_ = read16(configuration, 6);
+  return true;
 }
 
 bool SessionWriter::setParameters(std::string* error) {
   constexpr std::size_t kHeaderBytes = 8;
   std::array<std::uint8_t, kHeaderBytes + WriteParameters::kBytes> list{};
-  auto parameters = WriteParameters::standard();
+  const bool dvd = profile_ >= kFirstDvdProfile;
+  auto parameters = WriteParameters::standard(dvd ? MediumKind::DvdR : MediumKind::CdR);
   parameters.page[3] |= 0xC0;  // a further session may follow
   std::ranges::copy(parameters.page, list.begin() + kHeaderBytes);
   const std::array<std::uint8_t, 10> select{0x55, 0x10, 0, 0, 0, 0, 0, 0, list.size(), 0};
@@ -46,7 +79,9 @@ bool SessionWriter::setParameters(std::string* error) {
 }
 
 bool SessionWriter::begin(std::string* error) {
-  if (!becomeReady(error) || !setParameters(error)) return false;
+  if (!becomeReady(drive_, error) || !askForProfile(error) || !setParameters(error)) return false;
+  if (profile_ == kPlusRwProfile) return format(drive_, kPlusRwFormat, error);
+  if (profile_ == kRestrictedOverwriteProfile) return true;
   std::array<std::uint8_t, 36> track{};
   const std::array<std::uint8_t, 10> ask{0x52, 1, 0, 0, 0, 0xFF, 0, 0, track.size(), 0};
   if (!check(drive_.execute(ask, track, {}), "to tell where to write", error)) return false;
@@ -55,19 +90,27 @@ bool SessionWriter::begin(std::string* error) {
 }
 
 bool SessionWriter::write(std::span<const std::uint8_t> sectors, std::string* error) {
-  const auto count = static_cast<unsigned>(sectors.size() / kSectorBytes);
+  std::vector<std::uint8_t> padded(sectors.begin(), sectors.end());
+  auto count = static_cast<Lba>(sectors.size() / kSectorBytes);
+  if (profile_ >= kFirstDvdProfile) count = inWholeDvdBlocks(count);
+  padded.resize(static_cast<std::size_t>(count) * kSectorBytes);
   AnswerBytes block;
-  block.u8(0x2A).u8(0).u32(static_cast<std::uint32_t>(next_)).u8(0).u16(count).u8(0);
-  if (!check(drive_.execute(block.view(), {}, sectors), "to write", error)) return false;
-  next_ += static_cast<Lba>(count);
+  block.u8(0x2A).u8(0).u32(static_cast<std::uint32_t>(next_)).u8(0);
+  block.u16(static_cast<unsigned>(count)).u8(0);
+  if (!check(drive_.execute(block.view(), {}, padded), "to write", error)) return false;
+  next_ += count;
   return true;
 }
 
 bool SessionWriter::close(std::string* error) {
+  constexpr std::uint8_t kTrack = 1;
+  constexpr std::uint8_t kSession = 2;
   const std::array<std::uint8_t, 10> synchronize{0x35};
-  const std::array<std::uint8_t, 10> closeSession{0x5B, 0, 0x02};
-  return check(drive_.execute(synchronize, {}, {}), "to end the track", error) &&
-         check(drive_.execute(closeSession, {}, {}), "to close the session", error);
+  if (!check(drive_.execute(synchronize, {}, {}), "to end the track", error)) return false;
+  const bool formatted = profile_ == kPlusRwProfile || profile_ == kRestrictedOverwriteProfile;
+  const bool openTrack = profile_ >= kFirstDvdProfile && !formatted;
+  if (openTrack && !tool::close(drive_, kTrack, error)) return false;
+  return tool::close(drive_, kSession, error);
 }
 
 }  // namespace kelvane::virtualdrive::tool

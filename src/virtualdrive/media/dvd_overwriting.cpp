@@ -1,0 +1,53 @@
+// SPDX-License-Identifier: GPL-2.0-or-later
+#include "virtualdrive/media/dvd_overwriting.h"
+
+#include <algorithm>
+
+namespace kelvane::virtualdrive {
+
+TrackView trackOfFormattedArea(const DiscState& disc) {
+  TrackView view;
+  if (!disc.formatting) {
+    view.size = disc.capacity;
+    view.free = disc.capacity;
+    view.invisible = true;
+    return view;
+  }
+  view.size = disc.formatting->sectors;
+  view.recorded = disc.formatting->sectors;
+  view.complete = !disc.formatting->growing;
+  if (disc.formatting->growing) view.free = disc.capacity - view.size;
+  return view;
+}
+
+std::vector<SessionView> sessionOfFormattedArea(const DiscState& disc) {
+  if (!disc.formatting) return {};
+  return {{1, 1, 1, 0, disc.formatting->sectors}};
+}
+
+Sense checkInsideFormattedArea(const DiscState& disc, Lba first, Lba count) {
+  const auto end = disc.formatting ? disc.formatting->sectors : 0;
+  return first < 0 || count > end - first ? kAddressOutOfRange : kGood;
+}
+
+Sense overwrite(DiscFolder& folder, Lba first, std::span<const std::uint8_t> data) {
+  auto& disc = folder.disc;
+  if (!folder.sectors().write(first, data)) return kWriteError;
+  const auto end = first + static_cast<Lba>(data.size() / kSectorBytes);
+  disc.fileSectors = std::max(disc.fileSectors, end);
+  // Not stored: whoever loads a growing disc takes it from the file.
+  if (disc.formatting->growing) {
+    const auto reached = std::min(inWholeDvdBlocks(end), disc.capacity);
+    disc.formatting->sectors = std::max(disc.formatting->sectors, reached);
+  }
+  return kGood;
+}
+
+Sense endGrowing(DiscFolder& folder) {
+  auto& disc = folder.disc;
+  if (!disc.formatting || !disc.formatting->growing) return kGood;
+  disc.formatting->growing = false;
+  return folder.storeDisc() ? kGood : kWriteError;
+}
+
+}  // namespace kelvane::virtualdrive

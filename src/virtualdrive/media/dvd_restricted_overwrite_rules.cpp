@@ -1,0 +1,73 @@
+// SPDX-License-Identifier: GPL-2.0-or-later
+#include "virtualdrive/media/dvd_restricted_overwrite_rules.h"
+
+#include "virtualdrive/media/dvd_minus_rw_formats.h"
+#include "virtualdrive/media/dvd_overwriting.h"
+#include "virtualdrive/media/feature_codes.h"
+
+namespace kelvane::virtualdrive {
+
+std::vector<std::uint16_t> DvdRestrictedOverwriteRules::currentFeatures(const DiscState&) const {
+  return {kRandomReadable, kDvdRead, kFormattable, kRestrictedOverwrite, kRigidRestrictedOverwrite};
+}
+
+std::vector<TrackView> DvdRestrictedOverwriteRules::tracks(const DiscState& disc) const {
+  constexpr std::uint8_t kFixedPackets = 0x30;
+  auto view = trackOfFormattedArea(disc);
+  view.packets = kFixedPackets;
+  if (view.free > 0) view.nextWritable = view.size;
+  return {view};
+}
+
+std::vector<SessionView> DvdRestrictedOverwriteRules::sessions(const DiscState& disc) const {
+  return sessionOfFormattedArea(disc);
+}
+
+DiscSummary DvdRestrictedOverwriteRules::summary(const DiscState& disc) const {
+  if (disc.formatting->growing) return {DiscStatus::Appendable, SessionState::Incomplete};
+  return {DiscStatus::Complete, SessionState::Complete};
+}
+
+FormatCapacities DvdRestrictedOverwriteRules::formatCapacities(const DiscState& disc) const {
+  return {true, disc.formatting->sectors, dvdMinusRwFormats(disc)};
+}
+
+Sense DvdRestrictedOverwriteRules::checkReadable(const DiscState& disc, Lba first,
+                                                 Lba count) const {
+  return checkInsideFormattedArea(disc, first, count);
+}
+
+/// The page decides nothing in this mode (MMC-5, 7.5.3).
+bool DvdRestrictedOverwriteRules::accepts(const WriteParameters& parameters) const {
+  const bool simulated = (parameters.page[2] & 0x10) != 0;
+  return !simulated && parameters.dataBlockType() == 8;
+}
+
+Sense DvdRestrictedOverwriteRules::write(DiscFolder& folder, Lba first,
+                                         std::span<const std::uint8_t> data) const {
+  const auto& disc = folder.disc;
+  const auto count = static_cast<Lba>(data.size() / kSectorBytes);
+  if (first < 0 || first % kDvdBlockSectors != 0 || count % kDvdBlockSectors != 0) {
+    return kInvalidAddressForWrite;
+  }
+  if (first > disc.formatting->sectors) return kInvalidAddressForWrite;
+  const auto limit = disc.formatting->growing ? disc.capacity : disc.formatting->sectors;
+  if (count > limit - first) {
+    return disc.formatting->growing ? kEndOfUserArea : kAddressOutOfRange;
+  }
+  return overwrite(folder, first, data);
+}
+
+Sense DvdRestrictedOverwriteRules::closeSession(DiscFolder& folder) const {
+  return endGrowing(folder);
+}
+
+Sense DvdRestrictedOverwriteRules::blank(DiscFolder& folder, BlankExtent extent) const {
+  return blankDvdMinusRw(folder, extent);
+}
+
+Sense DvdRestrictedOverwriteRules::format(DiscFolder& folder, const FormatRequest& request) const {
+  return formatDvdMinusRw(folder, request);
+}
+
+}  // namespace kelvane::virtualdrive
