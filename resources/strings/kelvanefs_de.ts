@@ -38,6 +38,10 @@
         <source>Show Files</source>
         <translation>Dateien zeigen</translation>
     </message>
+    <message id="EraseDisc">
+        <source>Erase Disc…</source>
+        <translation>Disc löschen …</translation>
+    </message>
     <message id="InsertDisc">
         <source>Insert Disc</source>
         <translation>Disc einlegen</translation>
@@ -139,9 +143,21 @@
         <source>Progress of the burn</source>
         <translation>Fortschritt des Brennens</translation>
     </message>
+    <message id="AccessibleEraseMessage">
+        <source>What is being done</source>
+        <translation>Was gerade geschieht</translation>
+    </message>
+    <message id="AccessibleEraseProgress">
+        <source>Progress of the erasing</source>
+        <translation>Fortschritt des Löschens</translation>
+    </message>
     <message id="ShowDiskLong">
         <source>Show the files of the open disc in the file manager</source>
         <translation>Die Dateien der geöffneten Disc in der Dateiverwaltung zeigen</translation>
+    </message>
+    <message id="EraseDiscLong">
+        <source>Delete everything on the selected disc, if it is rewritable</source>
+        <translation>Alles auf der ausgewählten Disc löschen, wenn sie wiederbeschreibbar ist</translation>
     </message>
     <message id="InsertDiscLong">
         <source>Put the disc back into its emulated drive</source>
@@ -309,6 +325,30 @@
     <message id="attempteraselong">
         <source>Everything on the disc is deleted, in all its sessions. This cannot be undone.</source>
         <translation>Alles auf der Disc wird gelöscht, in allen Sitzungen. Das lässt sich nicht rückgängig machen.</translation>
+    </message>
+    <message id="EraseError">
+        <source>The disc could not be erased</source>
+        <translation>Die Disc konnte nicht gelöscht werden</translation>
+    </message>
+    <message id="EraseErrorLong">
+        <source>The disc may hold what it held before, or no longer be readable: eject it and insert it again to see. A rewritable disc that cannot be erased the second time either is worn out or damaged; use another one.</source>
+        <translation>Die Disc enthält vielleicht noch alles wie zuvor, vielleicht ist sie nicht mehr lesbar: legen Sie sie noch einmal ein, um das zu sehen. Eine wiederbeschreibbare Disc, die sich auch beim zweiten Mal nicht löschen lässt, ist abgenutzt oder beschädigt; nehmen Sie eine andere.</translation>
+    </message>
+    <message id="EraseDriveBusy">
+        <source>The drive is busy</source>
+        <translation>Das Laufwerk ist beschäftigt</translation>
+    </message>
+    <message id="EraseDriveBusyLong">
+        <source>The disc is just being opened, or something is being recorded on it or erased. It has not been erased. Wait for that to end, then try again.</source>
+        <translation>Die Disc wird gerade geöffnet, beschrieben oder gelöscht. Ihr Löschauftrag wurde nicht ausgeführt. Warten Sie, bis das beendet ist, und versuchen Sie es dann noch einmal.</translation>
+    </message>
+    <message id="EraseVolumeBusy">
+        <source>The disc is still in use</source>
+        <translation>Die Disc wird noch benutzt</translation>
+    </message>
+    <message id="EraseVolumeBusyLong">
+        <source>A program still has files or folders of the disc open, so it has not been erased. Close that program, or leave the disc’s folder in it, then erase the disc again.</source>
+        <translation>Ein Programm hat noch Dateien oder Ordner der Disc geöffnet, deshalb wurde sie nicht gelöscht. Beenden Sie das Programm oder verlassen Sie darin den Ordner der Disc, und löschen Sie die Disc dann noch einmal.</translation>
     </message>
     <!-- Update check -->
     <message id="updatecheck">

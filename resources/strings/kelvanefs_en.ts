@@ -38,6 +38,10 @@
         <source>Show Files</source>
         <translation>Show Files</translation>
     </message>
+    <message id="EraseDisc">
+        <source>Erase Disc…</source>
+        <translation>Erase Disc…</translation>
+    </message>
     <message id="InsertDisc">
         <source>Insert Disc</source>
         <translation>Insert Disc</translation>
@@ -139,9 +143,21 @@
         <source>Progress of the burn</source>
         <translation>Progress of the burn</translation>
     </message>
+    <message id="AccessibleEraseMessage">
+        <source>What is being done</source>
+        <translation>What is being done</translation>
+    </message>
+    <message id="AccessibleEraseProgress">
+        <source>Progress of the erasing</source>
+        <translation>Progress of the erasing</translation>
+    </message>
     <message id="ShowDiskLong">
         <source>Show the files of the open disc in the file manager</source>
         <translation>Show the files of the open disc in the file manager</translation>
+    </message>
+    <message id="EraseDiscLong">
+        <source>Delete everything on the selected disc, if it is rewritable</source>
+        <translation>Delete everything on the selected disc, if it is rewritable</translation>
     </message>
     <message id="InsertDiscLong">
         <source>Put the disc back into its emulated drive</source>
@@ -309,6 +325,30 @@
     <message id="attempteraselong">
         <source>Everything on the disc is deleted, in all its sessions. This cannot be undone.</source>
         <translation>Everything on the disc is deleted, in all its sessions. This cannot be undone.</translation>
+    </message>
+    <message id="EraseError">
+        <source>The disc could not be erased</source>
+        <translation>The disc could not be erased</translation>
+    </message>
+    <message id="EraseErrorLong">
+        <source>The disc may hold what it held before, or no longer be readable: eject it and insert it again to see. A rewritable disc that cannot be erased the second time either is worn out or damaged; use another one.</source>
+        <translation>The disc may hold what it held before, or no longer be readable: eject it and insert it again to see. A rewritable disc that cannot be erased the second time either is worn out or damaged; use another one.</translation>
+    </message>
+    <message id="EraseDriveBusy">
+        <source>The drive is busy</source>
+        <translation>The drive is busy</translation>
+    </message>
+    <message id="EraseDriveBusyLong">
+        <source>The disc is just being opened, or something is being recorded on it or erased. It has not been erased. Wait for that to end, then try again.</source>
+        <translation>The disc is just being opened, or something is being recorded on it or erased. It has not been erased. Wait for that to end, then try again.</translation>
+    </message>
+    <message id="EraseVolumeBusy">
+        <source>The disc is still in use</source>
+        <translation>The disc is still in use</translation>
+    </message>
+    <message id="EraseVolumeBusyLong">
+        <source>A program still has files or folders of the disc open, so it has not been erased. Close that program, or leave the disc’s folder in it, then erase the disc again.</source>
+        <translation>A program still has files or folders of the disc open, so it has not been erased. Close that program, or leave the disc’s folder in it, then erase the disc again.</translation>
     </message>
     <!-- Update check -->
     <message id="updatecheck">

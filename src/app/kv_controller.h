@@ -72,6 +72,12 @@ class KVController : public WindowActions {
   void cleanupWithoutBurn();
   void commonBurnCleanup();
 
+  // Erasing.
+  void attemptErase() override;
+  void attemptEraseDidEnd(int returnCode);
+  /// Starts the erase of the disc that is selected now.
+  void performErase();
+
   // The views of the window.
   void showMessageOrSelectionView();
   void showMountedView();
@@ -80,6 +86,11 @@ class KVController : public WindowActions {
   /// one refresh waits at the most.
   void updateMountedItemView();
   void performUpdateMountedItemView();
+
+  /// Whether a single usable disc is opened without the user's choice, as a window does, or only
+  /// listed, for whoever is after something else than its files. Opened unless set.
+  enum class SingleDisc { Opened, Listed };
+  void setSingleDisc(SingleDisc treatment) { singleDisc_ = treatment; }
 
   // Properties.
   bool allowMainWindowUnhide() const { return allowMainWindowUnhide_; }
@@ -145,33 +156,44 @@ class KVController : public WindowActions {
   void ejectMediaOfCurrentDevice();
   void giveUpCurrentDevice();
   void burnCD();
+  std::string whyImagingIsUnsafe(const std::string& sessionString) const;
   std::string buildImage(const std::vector<std::string>& arguments);
   void waitUntilMediumHasSettled();
   void startCDBurn();
   void imagingFailed(const std::string& errors);
   void cdburnstatuschanged(const Notification& notification);
   void CDBurnFinished();
+  void burnDVD();
+  bool prepareBlankDVD(DRDevice& device);
+  void startDVDBurn(DRDevice& device);
+  void burnDVDDidFinish(const Notification& notification);
+  void finishDVDBurn(const DVDBurn& burn);
+
+  // Erasing (kv_controller_erase.cpp).
+  void eraseClosedDisc();
+  void eraseDisc(DRDevice& device);
+  void refuseErase(const std::string& messageKey, const std::string& detail);
 
   WindowOutlets& window_;
   const ControllerServices& services_;
 
   bool allowMainWindowUnhide_ = false;
-  std::string whyImagingIsUnsafe(const std::string& sessionString) const;
+  SingleDisc singleDisc_ = SingleDisc::Opened;
   std::atomic<DRDevice*> currentDevice_ = nullptr;
   mutable std::mutex currentDeviceDictionaryMutex_;
   std::optional<DeviceRecord> currentDeviceDictionary_;  // Guarded by the mutex above.
   std::string burnImagePath_;
   std::string tmpDirPath_;
   bool hideListIsWhole_ = true;  // Written with `sizetoburn`.
-  void burnDVD();
-  bool prepareBlankDVD(DRDevice& device);
-  void startDVDBurn(DRDevice& device);
-  void burnDVDDidFinish(const Notification& notification);
-  void finishDVDBurn(const DVDBurn& burn);
   std::string openButtonCaption_;
   bool mediaIsMounted_ = false;
   bool burnInProgress_ = false;
   std::unique_ptr<DRBurn> myBurn_;
+  /// The overlay directory of the volume that is being closed in order to erase its disc; else
+  /// empty. Each opened volume has one of its own, so this never outlives the volume it is meant
+  /// for.
+  std::string volumeClosedToErase_;
+  std::unique_ptr<DVDBurn> myDVDBurn_;  // Owned here, used only to be deleted when it has ended.
   mutable std::mutex tarnwickFSMutex_;
   std::unique_ptr<BurnFSDelegate>
       myBurnFSDelegate_;  // This and the next are guarded by the mutex above.
@@ -183,4 +205,3 @@ class KVController : public WindowActions {
 };
 
 }  // namespace kelvane
-  std::unique_ptr<DVDBurn> myDVDBurn_;  // Owned here, used only to be deleted when it has ended.

@@ -230,9 +230,14 @@ void KVController::concludeUnmount() {
   const std::filesystem::directory_iterator entries(tmpDirPath_, failure);
   if (failure || entries == std::filesystem::directory_iterator()) {
     if (!hideListIsWhole_) showDeletionsLostAlert();
-    cleanupWithoutBurn();
+    if (hideListIsWhole_ && currentDevice_ != nullptr && volumeClosedToErase_ == tmpDirPath_) {
+      eraseClosedDisc();
+    } else {
+      cleanupWithoutBurn();
+    }
     return;
   }
+  volumeClosedToErase_.clear();
   window_.setBurnConfirmationDiskTitle(currentDeviceDictionary()->description.volumename);
   window_.beginBurnConfirmationSheet();
 }

@@ -45,7 +45,8 @@ void KVController::applyScanOutcome(const ScanOutcome& outcome) {
   }
   window_.setHidden(HideableView::Message, outcome.messageView == Visibility::Hidden);
   window_.setMessage(outcome.message);
-  if (outcome.opensDisc) performOnMainThread([this] { mountBurnFS(); });
+  const bool opensDisc = outcome.opensDisc && singleDisc_ == SingleDisc::Opened;
+  if (opensDisc) performOnMainThread([this] { mountBurnFS(); });
 }
 
 bool KVController::tableViewShouldSelectRow(int32_t row) {

@@ -2,9 +2,12 @@
 #include <string_view>
 
 #include "app/batch_command.h"
+#include "app/erase_command.h"
 #include "app/window_command.h"
 
 int main(int argc, char** argv) {
-  if (argc > 1 && std::string_view(argv[1]) == "batch") return kelvane::runBatchCommand(argc, argv);
+  const std::string_view command = argc > 1 ? argv[1] : "";
+  if (command == "batch") return kelvane::runBatchCommand(argc, argv);
+  if (command == "erase") return kelvane::runEraseCommand(argc, argv);
   return kelvane::runWindowCommand(argc, argv);
 }

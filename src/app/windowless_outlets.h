@@ -3,6 +3,8 @@
 
 #include <string>
 
+#include "platform/recording/dr_erase.h"
+#include "ui/dr_erase_progress_panel.h"
 #include "ui/media_controller.h"
 #include "ui/window_outlets.h"
 
@@ -33,6 +35,7 @@ class WindowlessOutlets : public WindowOutlets, private ProgressIndicator {
   void endBurnConfirmationSheet() override {}
   void orderOutBurnConfirmationPanel() override {}
   void beginAlertSheet(const Alert&, std::function<void(int)>) override {}
+  DREraseProgressPanel& eraseProgressPanel() override { return eraseProgressPanel_; }
   void beep() override {}
   void selectFile(const std::string&, const std::string&) override {}
   void openFile(const std::string&) override {}
@@ -48,8 +51,15 @@ class WindowlessOutlets : public WindowOutlets, private ProgressIndicator {
   void stopAnimation() override {}
 
  private:
+  // Erases nothing.
+  class NoErase : public DREraseProgressPanel {
+    void setDescription(const std::string&) override {}
+    void beginProgressSheetForErase(std::unique_ptr<DRErase>) override {}
+  };
+
   MediaController mediaController_;
   std::string title_;
+  NoErase eraseProgressPanel_;
 };
 
 }  // namespace kelvane

@@ -2,6 +2,7 @@
 #include "ui/disc_list_view.h"
 
 #include <QApplication>
+#include <QContextMenuEvent>
 #include <QKeyEvent>
 
 #include "ui/disc_entry_delegate.h"
@@ -31,6 +32,10 @@ void DiscListView::setDoubleAction(std::function<void()> action) {
   doubleAction_ = std::move(action);
 }
 
+void DiscListView::setMenuAction(std::function<void(int, QPoint)> action) {
+  menuAction_ = std::move(action);
+}
+
 QItemSelectionModel::SelectionFlags DiscListView::selectionCommand(const QModelIndex& index,
                                                                    const QEvent* event) const {
   if (index.isValid() && mayBeSelected_ && !mayBeSelected_(index.row())) {
@@ -49,6 +54,16 @@ void DiscListView::keyPressEvent(QKeyEvent* event) {
   } else {
     QApplication::beep();
   }
+}
+
+// The menu that the keyboard asks for belongs to the row it has visited, wherever the mouse is.
+void DiscListView::contextMenuEvent(QContextMenuEvent* event) {
+  const bool byKeyboard = event->reason() == QContextMenuEvent::Keyboard;
+  const QModelIndex index = byKeyboard ? currentIndex() : indexAt(event->pos());
+  if (!index.isValid() || !menuAction_) return;
+  const QPoint where =
+      byKeyboard ? viewport()->mapToGlobal(visualRect(index).center()) : event->globalPos();
+  menuAction_(index.row(), where);
 }
 
 }  // namespace kelvane

@@ -18,15 +18,20 @@ class DiscListView : public QListView {
   void setRowRule(std::function<bool(int row)> mayBeSelected);
   /// Called for a double click on a row, and for Return or Enter on the selected one.
   void setDoubleAction(std::function<void()> action);
+  /// Called when the user asks for the menu of a row, by the mouse or the keyboard, with the place
+  /// on the screen where it is to appear.
+  void setMenuAction(std::function<void(int row, QPoint where)> action);
 
  protected:
   QItemSelectionModel::SelectionFlags selectionCommand(const QModelIndex& index,
                                                        const QEvent* event) const override;
   void keyPressEvent(QKeyEvent* event) override;
+  void contextMenuEvent(QContextMenuEvent* event) override;
 
  private:
   std::function<bool(int)> mayBeSelected_;
   std::function<void()> doubleAction_;
+  std::function<void(int, QPoint)> menuAction_;
 };
 
 }  // namespace kelvane

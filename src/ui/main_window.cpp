@@ -8,10 +8,12 @@
 #include <QIcon>
 #include <QItemSelectionModel>
 #include <QLabel>
+#include <QMenu>
 #include <QScreen>
 #include <QShortcut>
 #include <QUrl>
 #include <QVBoxLayout>
+#include <algorithm>
 #include <array>
 #include <cmath>
 
@@ -22,6 +24,7 @@
 #include "ui/confirmation_sheet.h"
 #include "ui/disc_list_model.h"
 #include "ui/disc_list_view.h"
+#include "ui/erase_progress_sheet.h"
 #include "ui/insert_disc_button.h"
 #include "ui/message_view.h"
 #include "ui/mounted_item_view.h"
@@ -63,6 +66,7 @@ MainWindow::MainWindow(QWidget* parent) : QWidget(parent) {
   column->addWidget(makeButtonBar());
   column->setSizeConstraint(QLayout::SetFixedSize);
   burnConfirmationPanel_ = new ConfirmationSheet(this);
+  eraseProgressPanel_ = new EraseProgressSheet(this);
   connectActions();
   addShortcuts();
   applyScale();
@@ -109,6 +113,9 @@ QWidget* MainWindow::makeButtonBar() {
   showDiskButton_ = makeButton("showDiskButton", "ShowDisk", buttonBar_);
   showDiskButton_->setAccessibleDescription(localizedText("ShowDiskLong"));
   showDiskButton_->setToolTip(localizedText("ShowDiskLong"));
+  eraseButton_ = makeButton("eraseButton", "EraseDisc", buttonBar_);
+  eraseButton_->setAccessibleDescription(localizedText("EraseDiscLong"));
+  eraseButton_->setToolTip(localizedText("EraseDiscLong"));
   openButton_ = new RoomyButton(buttonBar_);
   openButton_->setObjectName(QStringLiteral("openButton"));
   auto* row = new QHBoxLayout(buttonBar_);
@@ -116,6 +123,7 @@ QWidget* MainWindow::makeButtonBar() {
   row->addWidget(insertDiscButton_);
   row->addWidget(showDiskButton_);
   row->addStretch();
+  row->addWidget(eraseButton_);
   row->addWidget(openButton_);
   return buttonBar_;
 }
@@ -148,6 +156,11 @@ void MainWindow::connectActions() {
   connect(showDiskButton_, &RoomyButton::clicked, this, [this] {
     if (actions_) actions_->showDisk();
   });
+  connect(eraseButton_, &RoomyButton::clicked, this, [this] {
+    if (const std::optional<size_t> row = erasableRow()) askToErase(*row);
+  });
+  diskTable_->setMenuAction(
+      [this](int row, QPoint where) { showRowMenu(static_cast<size_t>(row), where); });
   burnConfirmationPanel_->setConfirmHandler([this] {
     if (actions_) actions_->burnConfirmationDidConfirm();
   });
@@ -165,6 +178,10 @@ void MainWindow::addShortcuts() {
   connect(new QShortcut(QKeySequence::Open, this), &QShortcut::activated, this, [this] {
     if (openButton_->isVisible()) openButton_->click();
   });
+  connect(new QShortcut(QKeySequence(Qt::CTRL | Qt::Key_E), this), &QShortcut::activated, this,
+          [this] {
+            if (eraseButton_->isVisible()) eraseButton_->click();
+          });
 }
 
 void MainWindow::applyScale() {
@@ -173,13 +190,55 @@ void MainWindow::applyScale() {
 }
 
 // A disc can be inserted while none is open, its files can be shown while it is, and while it is
-// being burned it can be neither opened nor closed.
+// being burned it can be neither opened nor closed nor erased.
 void MainWindow::adaptButtons() {
   const bool open = contentArea_->isArriving(ContentView::MountedItem);
   const bool burning = contentArea_->isArriving(ContentView::Burn);
   insertDiscButton_->setVisible(insertDiscButton_->hasDiscs() && !open && !burning);
   showDiskButton_->setVisible(open);
   openButton_->setEnabled(!burning);
+  const std::vector<DeviceRecord>& discs = mediaController_.arrangedObjects();
+  const bool anyRewritable =
+      std::any_of(discs.begin(), discs.end(), [](const DeviceRecord& disc) { return disc.RW; });
+  eraseButton_->setVisible(anyRewritable && !burning);
+  eraseButton_->setEnabled(erasableRow().has_value());
+}
+
+// The disc that the button erases: the selected one; where none is selected, because none can be
+// opened, the only one that can be erased.
+std::optional<size_t> MainWindow::erasableRow() const {
+  const std::vector<DeviceRecord>& discs = mediaController_.arrangedObjects();
+  std::optional<size_t> row = mediaController_.selectionIndex();
+  if (!row) {
+    for (size_t index = 0; index < discs.size(); ++index) {
+      if (!discs[index].RW) continue;
+      if (row) return std::nullopt;
+      row = index;
+    }
+  }
+  return row && *row < discs.size() && discs[*row].RW ? row : std::nullopt;
+}
+
+// Selected or not, the disc to be erased is the selected one from now on, and is seen to be.
+void MainWindow::askToErase(size_t row) {
+  mediaController_.setSelectionIndex(row);
+  if (actions_) actions_->attemptErase();
+}
+
+// Also a disc that cannot be opened, and hence not be selected, can be erased.
+void MainWindow::showRowMenu(size_t row, const QPoint& where) {
+  const std::vector<DeviceRecord>& discs = mediaController_.arrangedObjects();
+  if (row >= discs.size() || !discs[row].RW) return;
+  auto* menu = new QMenu(diskTable_);
+  menu->setObjectName(QStringLiteral("diskMenu"));
+  menu->setAttribute(Qt::WA_DeleteOnClose);
+  const DRDevice* drive = discs[row].DRDevice;
+  menu->addAction(localizedText("EraseDisc"), this, [this, row, drive] {
+    // The list may have changed under the menu.
+    const std::vector<DeviceRecord>& now = mediaController_.arrangedObjects();
+    if (row < now.size() && now[row].DRDevice == drive && now[row].RW) askToErase(row);
+  });
+  menu->popup(where);
 }
 
 void MainWindow::setInsertableDiscs(const std::vector<std::string>& names,
@@ -293,6 +352,10 @@ void MainWindow::beginAlertSheet(const Alert& alert, std::function<void(int retu
   openAlertSheet(this, alert, std::move(didEnd));
 }
 
+DREraseProgressPanel& MainWindow::eraseProgressPanel() {
+  return *eraseProgressPanel_;
+}
+
 void MainWindow::beep() {
   QApplication::beep();
 }
@@ -341,6 +404,7 @@ void MainWindow::changeEvent(QEvent* event) {
 
 void MainWindow::showMediaController() {
   discList_->setRecords(mediaController_.arrangedObjects());
+  adaptButtons();
   const std::optional<size_t> selected = mediaController_.selectionIndex();
   if (!selected || *selected >= mediaController_.arrangedObjects().size()) {
     diskTable_->clearSelection();

@@ -3,6 +3,7 @@
 
 #include <QWidget>
 #include <functional>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -16,6 +17,7 @@ namespace kelvane {
 class ConfirmationSheet;
 class DiscListView;
 class DiscListModel;
+class EraseProgressSheet;
 class InsertDiscButton;
 class KVBurnView;
 class MessageView;
@@ -71,6 +73,7 @@ class MainWindow : public QWidget, public WindowOutlets {
   void endBurnConfirmationSheet() override;
   void orderOutBurnConfirmationPanel() override;
   void beginAlertSheet(const Alert& alert, std::function<void(int returnCode)> didEnd) override;
+  DREraseProgressPanel& eraseProgressPanel() override;
   void beep() override;
   void selectFile(const std::string& path, const std::string& root) override;
   void openFile(const std::string& path) override;
@@ -93,6 +96,9 @@ class MainWindow : public QWidget, public WindowOutlets {
   void adaptButtons();
   void showMediaController();
   void selectInMediaController();
+  std::optional<size_t> erasableRow() const;
+  void askToErase(size_t row);
+  void showRowMenu(size_t row, const QPoint& where);
 
   WindowActions* actions_ = nullptr;
   MediaController mediaController_;
@@ -113,8 +119,10 @@ class MainWindow : public QWidget, public WindowOutlets {
   KVBurnView* burnView_ = nullptr;
   InsertDiscButton* insertDiscButton_ = nullptr;
   RoomyButton* showDiskButton_ = nullptr;
+  RoomyButton* eraseButton_ = nullptr;
   RoomyButton* openButton_ = nullptr;
   ConfirmationSheet* burnConfirmationPanel_ = nullptr;
+  EraseProgressSheet* eraseProgressPanel_ = nullptr;
 };
 
 }  // namespace kelvane

@@ -10,6 +10,7 @@
 
 namespace kelvane {
 
+class DREraseProgressPanel;
 class MediaController;
 
 /// A frame in window points: origin at the lower left of the content area, y upwards.
@@ -92,6 +93,9 @@ class WindowOutlets {
   /// has gone.
   virtual void beginAlertSheet(const Alert& alert, std::function<void(int returnCode)> didEnd) = 0;
 
+  /// The shared progress panel of erases.
+  virtual DREraseProgressPanel& eraseProgressPanel() = 0;
+
   /// The system beep: an action has been refused.
   virtual void beep() = 0;
   /// Shows the item in the desktop's file manager, with `root` as the top of what it shows.
@@ -118,6 +122,8 @@ class WindowActions {
   virtual void showDisk() = 0;
   virtual void burnConfirmationDidConfirm() = 0;
   virtual void burnConfirmationDidCancel() = 0;
+  /// Asks whether to erase the selected disc, and erases it then.
+  virtual void attemptErase() = 0;
 };
 
 }  // namespace kelvane

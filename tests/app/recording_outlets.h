@@ -8,6 +8,7 @@
 
 #include "app/windowless_outlets.h"
 #include "platform/foundation/placeholders.h"
+#include "platform/recording/dr_device.h"
 
 namespace kelvane::test {
 
@@ -51,6 +52,7 @@ class RecordingOutlets : public WindowlessOutlets {
     alerts.push_back(alert);
     answerAlert = std::move(didEnd);
   }
+  DREraseProgressPanel& eraseProgressPanel() override { return erasePanel_; }
   void beep() override { note("beep"); }
   void selectFile(const std::string& path, const std::string& root) override {
     note(format("select %@ below %@", path, root));
@@ -62,18 +64,19 @@ class RecordingOutlets : public WindowlessOutlets {
     note(shouldTerminate ? "reply yes" : "reply no");
   }
 
+  int32_t burnSpeedTag() override { return speedTag; }
+
   bool has(const std::string& call) const {
     return std::find(calls.begin(), calls.end(), call) != calls.end();
-  int32_t burnSpeedTag() override { return speedTag; }
   }
 
   std::vector<std::string> calls;
   std::vector<Alert> alerts;
   std::function<void(int returnCode)> answerAlert;
+  int32_t speedTag = 0;
 
  protected:
   void setIndeterminate(bool indeterminate) override {
-  int32_t speedTag = 0;
     note(indeterminate ? "bar indeterminate" : "bar determinate");
   }
   void setDoubleValue(double value) override {
@@ -81,6 +84,24 @@ class RecordingOutlets : public WindowlessOutlets {
   }
   void startAnimation() override { note("bar animates"); }
   void stopAnimation() override { note("bar stops"); }
+
+ private:
+  // Takes the erases it is given and starts none.
+  class ErasePanel : public DREraseProgressPanel {
+   public:
+    explicit ErasePanel(RecordingOutlets& window) : window_(window) {}
+    void setDescription(const std::string& description) override {
+      window_.note("erase description " + description);
+    }
+    void beginProgressSheetForErase(std::unique_ptr<DRErase> erase) override {
+      window_.note("erase sheet for " + erase->device()->bsdName());
+    }
+
+   private:
+    RecordingOutlets& window_;
+  };
+
+  ErasePanel erasePanel_{*this};
 };
 
 }  // namespace kelvane::test

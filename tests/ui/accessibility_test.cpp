@@ -121,6 +121,15 @@ TEST_F(Accessibility, KeyboardReachesListAndButtons) {
               IsSupersetOf({"diskTableView", "insertDiscButton", "openButton"}));
 }
 
+TEST_F(Accessibility, KeyboardReachesTheEraseButtonWhichSaysWhatItDoes) {
+  window_.mediaController().addObjects({usableRecord("Holiday")});
+  window_.mediaController().setSelectionIndex(0);
+  EXPECT_THAT(visitedByTab(&window_), IsSupersetOf({"eraseButton", "openButton"}));
+  EXPECT_EQ(spokenName(child<QWidget>("eraseButton")), "Erase Disc…");
+  EXPECT_FALSE(child<QWidget>("eraseButton")->accessibleDescription().isEmpty());
+  EXPECT_THAT(nameless(&window_), IsEmpty());
+}
+
 TEST_F(Accessibility, KeyboardSkipsWhatIsOutOfSight) {
   window_.setAnimationDuration(0);
   window_.setFrame(ContentView::DiskScroll, kLeftOfWindow, Movement::Animated);

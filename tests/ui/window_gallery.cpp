@@ -36,6 +36,7 @@ class GalleryActions : public WindowActions {
   void showDisk() override {}
   void burnConfirmationDidConfirm() override {}
   void burnConfirmationDidCancel() override {}
+  void attemptErase() override {}
 
  private:
   MediaController& media_;

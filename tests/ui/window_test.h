@@ -30,6 +30,7 @@ class RecordedActions : public WindowActions {
   void showDisk() override { calls.emplace_back("showDisk"); }
   void burnConfirmationDidConfirm() override;
   void burnConfirmationDidCancel() override;
+  void attemptErase() override { calls.emplace_back("attemptErase"); }
 
   std::vector<std::string> calls;
   /// Set to make the sheet's answers end the sheet, as the controller does.

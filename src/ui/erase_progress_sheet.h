@@ -1,0 +1,39 @@
+// SPDX-License-Identifier: GPL-2.0-or-later
+#pragma once
+
+#include <QDialog>
+
+#include "ui/erase_follower.h"
+
+class QLabel;
+class QProgressBar;
+
+namespace kelvane {
+
+/// The progress panel of erases as a sheet over its parent.
+///
+/// The drive erases by itself and cannot be stopped, so the sheet cannot be left while it does:
+/// Escape and closing it are without effect. A failure is told by an alert that takes its place.
+class EraseProgressSheet : public QDialog, public EraseFollower {
+  Q_OBJECT
+
+ public:
+  explicit EraseProgressSheet(QWidget* parent);
+
+ public Q_SLOTS:
+  void reject() override;
+
+ protected:
+  void closeEvent(QCloseEvent* event) override;
+
+ private:
+  void showBeginning(const std::string& description) override;
+  void showFraction(std::optional<double> fraction) override;
+  void showEnd(const std::string& error) override;
+
+  // Both are children of this dialog.
+  QLabel* descriptionField_;
+  QProgressBar* progressBar_;
+};
+
+}  // namespace kelvane

@@ -1,0 +1,157 @@
+// SPDX-License-Identifier: GPL-2.0-or-later
+// The progress sheet of an erase, over erases by the real recorder on emulated discs.
+#include <unistd.h>
+
+#include <QDialog>
+#include <QLabel>
+#include <QMessageBox>
+#include <QProgressBar>
+#include <QTest>
+#include <csignal>
+#include <cstdlib>
+#include <filesystem>
+
+#include "platform/recording/dr_device.h"
+#include "platform/recording/dr_erase.h"
+#include "platform/recording/dr_notification_center.h"
+#include "platform/recording/drive_registry.h"
+#include "ui/dr_erase_progress_panel.h"
+#include "ui/window_test.h"
+#include "virtualdrive/virtual_drive.h"
+
+namespace kelvane {
+namespace {
+
+using namespace kelvane::testing;
+using virtualdrive::MediumKind;
+
+constexpr int kFarTooLong = 60000;
+
+class EraseProgressSheet : public WindowTest {
+ protected:
+  EraseProgressSheet() : folder_(std::filesystem::temp_directory_path() / "kverase-XXXXXX") {
+    setenv("KELVANEFS_EXECUTABLE", KELVANE_BIN_DIR "/kelvanefs", 1);
+    EXPECT_NE(mkdtemp(folder_.data()), nullptr);
+    DriveRegistry::shared().reset();
+    DriveRegistry::shared().setRealDrives(DriveRegistry::RealDrives::Excluded);
+  }
+  ~EraseProgressSheet() override {
+    if (recorder_ != 0) kill(recorder_, SIGCONT);
+    EXPECT_TRUE(sheetHasGone());
+    DriveRegistry::shared().reset();
+    std::filesystem::remove_all(folder_);
+  }
+
+  DRDevice* addDrive(MediumKind medium) {
+    const std::string disc = folder_ + "/disc.kvdisc";
+    std::string error;
+    EXPECT_TRUE(virtualdrive::VirtualDrive::create(disc, {.medium = medium}, &error)) << error;
+    return DriveRegistry::shared().addEmulatedDrive(disc, &error);
+  }
+
+  void begin(DRDevice* device) {
+    window_.eraseProgressPanel().setDescription("Erasing the disc…");
+    auto erase = DRErase::eraseForDevice(device);
+    DRErase* started = erase.get();
+    erase_ = started;
+    window_.eraseProgressPanel().beginProgressSheetForErase(std::move(erase));
+    recorder_ = static_cast<pid_t>(started->recorderProcessIdentifier());
+  }
+
+  /// An erase that stands still until the recorder is told to go on.
+  void beginAndPause() {
+    begin(addDrive(MediumKind::CdRw));
+    ASSERT_NE(recorder_, 0);
+    ASSERT_EQ(kill(recorder_, SIGSTOP), 0);
+    ASSERT_NE(sheet(), nullptr);
+  }
+
+  void goOn() { kill(recorder_, SIGCONT); }
+
+  void report(double fraction) {
+    DREraseStatus status;
+    status.DRStatusStateKey = DRStatusStateErasing;
+    status.DRStatusPercentCompleteKey = fraction;
+    DRNotificationCenter::currentRunLoopCenter().post(DREraseStatusChangedNotification, erase_,
+                                                      status);
+    QCoreApplication::processEvents();
+  }
+
+  QDialog* sheet() { return openSheet("eraseProgressPanel"); }
+  QMessageBox* alert() { return qobject_cast<QMessageBox*>(openSheet("alertSheet")); }
+  bool sheetHasGone() {
+    return QTest::qWaitFor([this] { return sheet() == nullptr; }, kFarTooLong);
+  }
+
+  std::string folder_;
+  const void* erase_ = nullptr;
+  pid_t recorder_ = 0;
+};
+
+TEST_F(EraseProgressSheet, IsAWindowModalSheetWithTheDescription) {
+  beginAndPause();
+  EXPECT_EQ(sheet()->windowModality(), Qt::WindowModal);
+  EXPECT_EQ(sheet()->findChild<QLabel*>("eraseDescriptionField")->text(), "Erasing the disc…");
+  EXPECT_EQ(sheet()->accessibleName(), "Erasing the disc…");
+}
+
+TEST_F(EraseProgressSheet, ClosesByItselfWhenTheDiscIsErased) {
+  begin(addDrive(MediumKind::CdRw));
+  EXPECT_NE(sheet(), nullptr);
+  EXPECT_TRUE(sheetHasGone());
+  EXPECT_EQ(alert(), nullptr);
+}
+
+TEST_F(EraseProgressSheet, NeitherEscapeNorClosingEndsItWhileTheEraseRuns) {
+  beginAndPause();
+  QTest::keyClick(sheet(), Qt::Key_Escape);
+  EXPECT_NE(sheet(), nullptr);
+  QTest::keyClick(sheet(), Qt::Key_Return);
+  EXPECT_NE(sheet(), nullptr);
+  sheet()->close();
+  EXPECT_NE(sheet(), nullptr);
+  EXPECT_FALSE(sheet()->windowFlags().testFlag(Qt::WindowCloseButtonHint));
+  goOn();
+  EXPECT_TRUE(sheetHasGone());
+}
+
+TEST_F(EraseProgressSheet, BarMovesWithoutAnEndUntilTheDriveTellsHowFarItIs) {
+  beginAndPause();
+  auto* bar = sheet()->findChild<QProgressBar*>("eraseProgressIndicator");
+  ASSERT_NE(bar, nullptr);
+  EXPECT_EQ(bar->maximum(), 0);
+  report(0.37);
+  EXPECT_NEAR(static_cast<double>(bar->value()) / bar->maximum(), 0.37, 0.01);
+  EXPECT_EQ(bar->accessibleName(), "Progress of the erasing");
+}
+
+TEST_F(EraseProgressSheet, EveryEraseBeginsAnew) {
+  beginAndPause();
+  report(0.9);
+  goOn();
+  ASSERT_TRUE(sheetHasGone());
+  begin(DriveRegistry::shared().devices().front());
+  ASSERT_NE(sheet(), nullptr);
+  EXPECT_EQ(sheet()->findChild<QProgressBar*>("eraseProgressIndicator")->maximum(), 0);
+}
+
+TEST_F(EraseProgressSheet, FailureIsToldByAnAlertInItsPlace) {
+  begin(addDrive(MediumKind::CdR));
+  ASSERT_TRUE(sheetHasGone());
+  ASSERT_NE(alert(), nullptr);
+  EXPECT_EQ(alert()->text(), "The disc could not be erased");
+  EXPECT_TRUE(alert()->informativeText().contains("not rewritable"));
+  click(alert()->findChild<QWidget*>("alertButton0"));
+  EXPECT_EQ(alert(), nullptr);
+}
+
+TEST_F(EraseProgressSheet, RecorderThatDiesIsAFailure) {
+  beginAndPause();
+  kill(recorder_, SIGKILL);
+  ASSERT_TRUE(sheetHasGone());
+  ASSERT_NE(alert(), nullptr);
+  EXPECT_TRUE(alert()->informativeText().contains("signal 9"));
+}
+
+}  // namespace
+}  // namespace kelvane
