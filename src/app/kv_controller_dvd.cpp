@@ -38,6 +38,15 @@ std::string asList(const std::vector<std::string>& lines) {
   return "(" + list + ")";
 }
 
+// What growisofs and the image builder said, for the user: the file or limit in question is among
+// it.
+std::string wordsOf(const DVDBurn& burn) {
+  std::string words;
+  for (const std::string& line : burn.remarks().lines())
+    words += (words.empty() ? "" : "\n") + line;
+  return words.empty() ? burn.burnErrors().back() : words;
+}
+
 // The program's exit status.
 int runFormatter(const std::string& bsdName) {
   const auto program = Bundle::mainBundle().pathForAuxiliaryExecutable(kFormatter);
@@ -125,12 +134,14 @@ void KVController::finishDVDBurn(const DVDBurn& burn) {
   if (!errors.empty()) {
     systemLog("burnerrors: %@", asList(errors));
     ejectMediaOfCurrentDevice();
-    Alert alert = warningAlert("DVDBurnError", errors.back());
+    Alert alert = warningAlert("DVDBurnError", wordsOf(burn));
     alert.informativeKey = informativeKeyFor(errors.back());
     window_.beginAlertSheet(alert, nullptr);
   } else {
     systemLog("DVDBurn finished successfully!");
   }
+  // A failure that the verdict has missed is not lost altogether.
+  for (const std::string& remark : burn.remarks().lines()) systemLog("growisofs: %@", remark);
   myDVDBurn_.reset();
   commonBurnCleanup();
 }

@@ -62,7 +62,9 @@ void DVDBurn::runGrowisofs() {
   for (std::string chunk = task.availableStandardError(); !chunk.empty();
        chunk = task.availableStandardError()) {
     processStatus(chunk);
+    remarks_.take(chunk);
   }
+  remarks_.end();
   task.waitBlocking(-1);
 }
 

@@ -10,6 +10,7 @@
 #include <vector>
 
 #include "burn/dvd_burn_parameters.h"
+#include "burn/growisofs_remarks.h"
 #include "platform/volumes/volume_services.h"
 
 namespace kelvane {
@@ -42,6 +43,10 @@ class DVDBurn {
   /// elsewhere once the end has been posted.
   const std::vector<std::string>& burnErrors() const { return burnErrors_; }
 
+  /// What growisofs and the image builder said that may be of interest to people; decides nothing.
+  /// To be read as `burnErrors`.
+  const GrowisofsRemarks& remarks() const { return remarks_; }
+
   /// Takes in a chunk of growisofs's standard error; GrowisofsChunk says what counts of it. On the
   /// burn's thread.
   void processStatus(std::string_view chunk);
@@ -70,6 +75,8 @@ class DVDBurn {
   DRDevice* const currentDevice_;
   mutable std::mutex percentDoneStringMutex_;
   std::optional<std::string> percentDoneString_;  // Guarded by the mutex above.
+
+  GrowisofsRemarks remarks_;
 
   VolumeServices& services_;
   // Queued updates hold it weakly: they come to nothing once the burn is gone.

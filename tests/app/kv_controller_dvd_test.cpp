@@ -245,11 +245,13 @@ TEST_F(KVControllerDVD, AnErrorIsLoggedAndShownAndTheDiscIsEjected) {
   bundle_.addProgram("growisofs", scriptSaying(":-( write failed: No space left on device"));
   EXPECT_THAT(burn(), ::testing::IsSupersetOf({"eject", "alert DVDBurnError DVDBurnErrorLong",
                                                "bar stops", "reply yes"}));
-  EXPECT_THAT(log_.lines(), ElementsAre("burnerrors: (:-( write failed: No space left on device)"));
+  EXPECT_THAT(log_.lines(), ElementsAre("burnerrors: (:-( write failed: No space left on device)",
+                                        "growisofs: first",
+                                        "growisofs: :-( write failed: No space left on device"));
   ASSERT_EQ(window_.alerts.size(), 1u);
   EXPECT_EQ(window_.alerts[0].style, Alert::Style::Warning);
   EXPECT_THAT(window_.alerts[0].buttonKeys, ElementsAre("OK"));
-  EXPECT_THAT(window_.alerts[0].detail, HasSubstr(":-( write failed: No space left on device"));
+  EXPECT_EQ(window_.alerts[0].detail, "first\n:-( write failed: No space left on device");
   expectIdle();
 }
 
@@ -301,11 +303,26 @@ TEST_F(KVControllerDVD, TheLastOfSeveralErrorsDecides) {
   EXPECT_EQ(window_.alerts.at(0).informativeKey, "DVDBurnErrorFull");
 }
 
-TEST_F(KVControllerDVD, AFailureWithoutAnErrorLineCountsAsSuccess) {
-  bundle_.addProgram("growisofs", "printf ':-[ WRITE@LBA=10h failed\\n' >&2; exit 1");
+TEST_F(KVControllerDVD, AFailureWithoutAnErrorLineCountsAsSuccessAndItsWordsAreLogged) {
+  bundle_.addProgram("growisofs",
+                     "echo 'Permission denied. File x is not readable - ignoring' >&2\n"
+                     "echo ':-[ WRITE@LBA=10h failed' >&2; exit 1");
   burn();
-  EXPECT_THAT(log_.lines(), Contains("DVDBurn finished successfully!"));
+  EXPECT_THAT(log_.lines(),
+              ElementsAre("DVDBurn finished successfully!",
+                          "growisofs: Permission denied. File x is not readable - ignoring",
+                          "growisofs: :-[ WRITE@LBA=10h failed"));
   EXPECT_TRUE(window_.alerts.empty());
+}
+
+// The file or limit in question stands in another line than the error does.
+TEST_F(KVControllerDVD, TheUserIsToldTheWordsOfTheImageBuilderToo) {
+  bundle_.addProgram("growisofs",
+                     "printf 'Rock Ridge signatures found\\nFile x is larger than 4GiB-1.\\n"
+                     ":-( mkisofs has failed: 1\\n' >&2");
+  burn();
+  EXPECT_EQ(window_.alerts.at(0).detail,
+            "File x is larger than 4GiB-1.\n:-( mkisofs has failed: 1");
 }
 
 TEST_F(KVControllerDVD, AfterAFailureTheChangesAreDeleted) {
