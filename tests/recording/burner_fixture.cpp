@@ -1,7 +1,9 @@
 // SPDX-License-Identifier: GPL-2.0-or-later
 #include "recording/burner_fixture.h"
 
+#include <QProcess>
 #include <cstdlib>
+#include <filesystem>
 #include <fstream>
 #include <random>
 #include <sstream>
@@ -42,6 +44,21 @@ std::string BurnerFixture::makeDisc(const std::string& name, virtualdrive::Mediu
 DRDevice* BurnerFixture::addDrive(virtualdrive::MediumKind medium, virtualdrive::Lba capacity) {
   const size_t number = DRDevice::devices().size();
   return insert(makeDisc("disc" + std::to_string(number), medium, capacity));
+}
+
+DRDevice* BurnerFixture::addPreparedDrive(const std::string& media, size_t fileBytes) {
+  const std::string source = folder.file("source");
+  std::filesystem::create_directories(source);
+  std::ofstream(source + "/a.txt") << std::string(fileBytes, 'a');
+  const std::string disc = folder.file(media + ".kvdisc");
+  QProcess tool;
+  tool.start(QStringLiteral(KELVANE_BIN_DIR "/kelvanedisc"),
+             {QStringLiteral("create"), QString::fromStdString(disc), QStringLiteral("--media"),
+              QString::fromStdString(media), QStringLiteral("--from"),
+              QString::fromStdString(source), QStringLiteral("--label"), QStringLiteral("SAMPLE")});
+  EXPECT_TRUE(tool.waitForFinished(-1));
+  EXPECT_EQ(tool.exitCode(), 0) << tool.readAllStandardError().toStdString();
+  return insert(disc);
 }
 
 DRDevice* BurnerFixture::insert(const std::string& disc) {

@@ -30,6 +30,9 @@ class BurnerFixture : public ::testing::Test {
   /// A drive with a new blank CD-R.
   DRDevice* addDrive(virtualdrive::MediumKind medium = virtualdrive::MediumKind::CdR,
                      virtualdrive::Lba capacity = virtualdrive::kDefaultCdCapacity);
+  /// A drive with a disc made by the tool: `media` as it names them, with one session of one
+  /// file.
+  DRDevice* addPreparedDrive(const std::string& media, size_t fileBytes = 1);
   DRDevice* insert(const std::string& disc);
   virtualdrive::VirtualDrive open(const std::string& disc);
 

@@ -101,16 +101,23 @@ void EraseJob::followBlanking(burn::burn_drive* drive) {
   }
 }
 
+// A disc with little on it may be formatted no further than that. Where it ends there is nothing to
+// be overwritten; that enough was is looked at in the end.
 std::string EraseJob::overwriteBeginning(burn::burn_drive* drive) {
   enum { kLeaveInBuffer = 0, kFlushBuffer = 1 };
   std::vector<char> zeros(size_t{kBlocksAtOnce} * kBlockBytes);
-  for (int block = 0; block < kVolumeDescriptionBlocks; block += kBlocksAtOnce) {
-    const bool last = block + kBlocksAtOnce == kVolumeDescriptionBlocks;
-    const int written = burn::burn_random_access_write(
-        drive, static_cast<off_t>(block) * kBlockBytes, zeros.data(),
-        static_cast<off_t>(zeros.size()), last ? kFlushBuffer : kLeaveInBuffer);
-    if (written <= 0) return withDriveWords("The beginning of the disc cannot be overwritten.");
+  const auto bytes = static_cast<off_t>(zeros.size());
+  int block = 0;
+  for (; block < kVolumeDescriptionBlocks; block += kBlocksAtOnce) {
+    const auto address = static_cast<off_t>(block) * kBlockBytes;
+    if (burn::burn_random_access_write(drive, address, zeros.data(), bytes, kLeaveInBuffer) <= 0) {
+      break;
+    }
     reporter_.erasing(block + kBlocksAtOnce, kVolumeDescriptionBlocks);
+  }
+  const int flushed = burn::burn_random_access_write(drive, 0, zeros.data(), 0, kFlushBuffer);
+  if (block == 0 || flushed <= 0) {
+    return withDriveWords("The beginning of the disc cannot be overwritten.");
   }
   return {};
 }

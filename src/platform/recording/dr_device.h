@@ -46,7 +46,8 @@ class DRDevice {
   virtual bool writesCD() const;
   /// One of the constants DRDeviceMediaType…; empty without a disc or for a kind not known.
   virtual std::optional<std::string> mediaType() const;
-  /// Whether nothing has been recorded on the disc.
+  /// Whether nothing has been recorded on the disc. Of a DVD+RW, which drives call complete once it
+  /// is formatted: whether nothing is found on it (overwritten_disc.h).
   virtual bool mediaIsBlank() const;
   /// Whether the disc can take a further session. A blank disc can; a closed one, and one whose
   /// last session was cut off and never finished, cannot.

@@ -7,6 +7,7 @@
 #include "platform/recording/mmc/disc_information.h"
 #include "platform/recording/mmc/track_information.h"
 #include "platform/recording/mmc/unit_ready.h"
+#include "platform/recording/overwritten_disc.h"
 
 namespace kelvane {
 namespace {
@@ -48,7 +49,8 @@ MediaState readMediaState(mmc::Transport& transport) {
   state.present = readiness == mmc::Readiness::Ready || state.profile != mmc::Profile::None;
   const auto disc = mmc::readDiscInformation(transport);
   if (!disc) return state;
-  state.blank = disc->status == mmc::DiscStatus::Blank;
+  state.blank = disc->status == mmc::DiscStatus::Blank ||
+                (state.profile == mmc::Profile::DvdPlusRw && overwrittenDiscIsEmpty(transport));
   state.appendable = disc->canTakeSession();
   state.sessions = disc->sessions;
   state.lastTrack = disc->lastTrackInLastSession;
