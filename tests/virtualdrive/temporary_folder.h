@@ -6,9 +6,10 @@
 
 #include <filesystem>
 #include <fstream>
-#include <iterator>
+#include <sstream>
 #include <string>
 #include <string_view>
+#include <utility>
 
 namespace kelvane::virtualdrive {
 
@@ -42,7 +43,9 @@ class TemporaryFolder {
 
 inline std::string contentOf(const std::filesystem::path& file) {
   std::ifstream stream(file, std::ios::binary);
-  return {std::istreambuf_iterator<char>(stream), std::istreambuf_iterator<char>()};
+  std::ostringstream content;
+  content << stream.rdbuf();
+  return std::move(content).str();
 }
 
 inline void writeFile(const std::filesystem::path& file, std::string_view content) {

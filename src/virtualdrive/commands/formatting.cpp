@@ -38,10 +38,8 @@ CommandResult formatUnit(Command& command) {
   if (list.size() < kListBytes || read16(list, 2) != kDescriptorBytes) {
     return refuse(kParameterListLength);
   }
-  const auto sectors = read32(list, kHeaderBytes);
   const auto rest = read32(list, kHeaderBytes + 4);
-  if (sectors > INT32_MAX) return refuse(kInvalidFieldInParameters);
-  const FormatRequest request{static_cast<std::uint8_t>(rest >> 26), static_cast<Lba>(sectors),
+  const FormatRequest request{static_cast<std::uint8_t>(rest >> 26), read32(list, kHeaderBytes),
                               rest & 0xFFFFFF};
   // Whether the program wants to wait (IMMED) does not matter: it is done at once.
   const auto sense = command.rules.format(command.folder, request);

@@ -102,19 +102,20 @@ CommandResult readTrackInformation(Command& command) {
 
   const bool blank = track->recorded == 0;
   const auto dataMode = static_cast<unsigned>(track->form);
+  const bool inPackets = (track->stateBits & 0x30) != 0;
   AnswerBytes bytes;
   bytes.u16(34);
   bytes.u8(static_cast<unsigned>(track->number) & 0xFF);
   bytes.u8(static_cast<unsigned>(track->session) & 0xFF);
   bytes.u8(0);
   bytes.u8(0x04);  // data track, written uninterrupted
-  bytes.u8((track->reserved ? 0x80U : 0U) | (blank ? 0x40U : 0U) | track->packets |
+  bytes.u8((track->reserved ? 0x80U : 0U) | (blank ? 0x40U : 0U) | track->stateBits |
            (track->invisible ? 0x0FU : dataMode));
   bytes.u8((track->recorded > 0 ? 0x02U : 0U) | (track->nextWritable ? 0x01U : 0U));
   bytes.u32(static_cast<std::uint32_t>(track->start));
   bytes.u32(static_cast<std::uint32_t>(track->nextWritable.value_or(0)));
   bytes.u32(static_cast<std::uint32_t>(track->free));
-  bytes.u32(track->packets != 0 ? kDvdBlockSectors : 0);
+  bytes.u32(inPackets ? kDvdBlockSectors : 0);
   bytes.u32(static_cast<std::uint32_t>(track->size));
   bytes.u32(static_cast<std::uint32_t>(std::max(0, track->start + track->recorded - 1)));
   bytes.zeros(4);

@@ -43,15 +43,16 @@ std::vector<FormatCapacities::Choice> dvdMinusRwFormats(const DiscState& disc) {
 
 Sense formatDvdMinusRw(DiscFolder& folder, const FormatRequest& request) {
   const auto all = folder.disc.capacity;
-  if (request.sectors < 0 || request.sectors > all) return kInvalidFieldInParameters;
+  if (request.sectors > static_cast<std::uint32_t>(all)) return kInvalidFieldInParameters;
+  const auto sectors = static_cast<Lba>(request.sectors);
   switch (request.type) {
     case kFull:
     case kFullMaximumSize:
       return formatAnew(folder, {all, false});
     case kQuickGrowLastSession:
-      return growLastSession(folder, request.sectors);
+      return growLastSession(folder, sectors);
     case kQuick: {
-      const auto wanted = std::min(inWholeDvdBlocks(request.sectors), all);
+      const auto wanted = std::min(inWholeDvdBlocks(sectors), all);
       return formatAnew(folder, {std::max(wanted, kLeastQuickFormat), true});
     }
     default:

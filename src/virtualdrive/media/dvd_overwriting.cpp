@@ -13,6 +13,7 @@ TrackView trackOfFormattedArea(const DiscState& disc) {
     view.invisible = true;
     return view;
   }
+  view.invisible = disc.formatting->sectors == 0;
   view.size = disc.formatting->sectors;
   view.recorded = disc.formatting->sectors;
   view.complete = !disc.formatting->growing;
@@ -21,7 +22,7 @@ TrackView trackOfFormattedArea(const DiscState& disc) {
 }
 
 std::vector<SessionView> sessionOfFormattedArea(const DiscState& disc) {
-  if (!disc.formatting) return {};
+  if (!disc.formatting || disc.formatting->sectors == 0) return {};
   return {{1, 1, 1, 0, disc.formatting->sectors}};
 }
 

@@ -14,7 +14,7 @@ std::vector<std::uint16_t> DvdRestrictedOverwriteRules::currentFeatures(const Di
 std::vector<TrackView> DvdRestrictedOverwriteRules::tracks(const DiscState& disc) const {
   constexpr std::uint8_t kFixedPackets = 0x30;
   auto view = trackOfFormattedArea(disc);
-  view.packets = kFixedPackets;
+  view.stateBits = kFixedPackets;
   if (view.free > 0) view.nextWritable = view.size;
   return {view};
 }

@@ -45,10 +45,13 @@ std::vector<std::uint16_t> DvdSequentialRules::currentFeatures(const DiscState& 
 
 std::vector<TrackView> DvdSequentialRules::tracks(const DiscState& disc) const {
   constexpr std::uint8_t kIncrementally = 0x20;
+  constexpr std::uint8_t kPlusTrack = 0x80;
   auto views = viewsOfTracks(disc, nextTrackStart(disc));
   for (auto& view : views) {
     const auto* track = disc.trackNumbered(view.number);
-    if (track == nullptr || !track->atOnce) view.packets = kIncrementally;
+    if (track == nullptr || !track->atOnce) view.stateBits = kIncrementally;
+    if (kind_ == Kind::DvdPlusR && !view.invisible) view.stateBits |= kPlusTrack;
+    view.reserved = view.reserved && !view.complete;
   }
   return views;
 }
@@ -100,12 +103,13 @@ Sense DvdSequentialRules::write(DiscFolder& folder, Lba first,
   return appendTo(place, folder, data);
 }
 
-/// Ends a recording at once, which needs no closing. A reserved one has to be full.
+/// Ends a recording at once, which needs no closing. A reserved one has to be full but for what the
+/// last block is filled up with.
 Sense DvdSequentialRules::endWriting(DiscFolder& folder) const {
   auto& tracks = folder.disc.tracks;
   if (tracks.empty() || !tracks.back().atOnce || tracks.back().complete) return kGood;
   auto& track = tracks.back();
-  if (track.recorded < track.reserved) return kGood;
+  if (inWholeDvdBlocks(track.recorded) < track.reserved) return kGood;
   if (const auto sense = complete(folder, track); !sense.good()) return sense;
   return close(folder, futureBySettings(folder));
 }

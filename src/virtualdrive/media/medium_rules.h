@@ -24,9 +24,9 @@ struct TrackView {
   /// Nothing of it has been described yet: a WRITE to its start makes it a track.
   bool invisible = false;
   TrackForm form = TrackForm::Mode1;
-  /// How it is, or can be, written: bits 5 (packets or incrementally) and 4 (fixed packets) of byte
-  /// 6 of READ TRACK INFORMATION (MMC-5, 6.28.3.9).
-  std::uint8_t packets = 0;
+  /// Bits of byte 6 of READ TRACK INFORMATION that follow from the medium: 7, which every track of
+  /// a DVD+R has, 5 (written in packets or incrementally) and 4 (in fixed packets) (MMC-5, 6.28.3).
+  std::uint8_t stateBits = 0;
   /// Where the next sector has to go; empty where the track takes none.
   std::optional<Lba> nextWritable;
   /// Sectors that still fit in.
@@ -74,7 +74,8 @@ struct FormatCapacities {
 /// A FORMAT UNIT (MMC-5, 6.4).
 struct FormatRequest {
   std::uint8_t type = 0;
-  Lba sectors = 0;
+  /// As the program wrote it: FFFFFFFFh stands for "all" with some types.
+  std::uint32_t sectors = 0;
   std::uint32_t parameter = 0;
 };
 
