@@ -125,6 +125,42 @@ class Erase(EraseTest):
                                                    status=NOT_ERASABLE))
 
 
+class EraseDVD(EraseTest):
+    def check_road(self, media, kind, state):
+        """Erased twice, burned between and after; `state` is what the drive calls the erased disc."""
+        disc = self.make_sample(media=media)
+        for number in (1, 2):
+            with self.subTest(round=number):
+                lines = self.erase(disc, "--yes")
+                self.assertIn(f" ({kind} in ", lines)
+                self.assertIn("a.txt" if number == 1 else "new1.txt", lines)
+                self.assertIn("The disc is blank now.", lines)
+                self.assertEqual(self.info(disc)["state"], state)
+                self.assertIn(", blank.", self.erase(disc, "--yes"))
+                shown, _ = self.edit(disc, f"echo new > new{number}.txt; mkdir d; echo deep > d/deep.txt")
+                self.assertEqual(set(shown), {f"new{number}.txt", "d", "d/deep.txt"})
+                self.assertEqual(self.tree_by_our_mount(disc, 0), shown)
+                self.assertEqual(self.tree_by_xorriso(disc, 0), shown)
+                self.assertEqual(self.paths_by_isoinfo(disc, 0, "-R"), set(shown))
+
+    def test_a_sequential_dvd_rw(self):
+        self.check_road("dvd-rw", "DVDRW", "blank")
+
+    def test_a_formatted_dvd_rw(self):
+        self.check_road("dvd-rw-ro", "DVDRW", "blank")
+
+    def test_a_dvd_plus_rw(self):
+        self.check_road("dvd+rw", "DVDPlusRW", "overwritable")
+
+    def test_write_once_dvds_are_refused(self):
+        for media in ("dvd-r", "dvd+r"):
+            with self.subTest(media=media):
+                disc = self.make_sample(media=media, name=media)
+                before = self.state_of(disc)
+                self.assertIn("not rewritable", self.erase(disc, "--yes", status=NOT_ERASABLE))
+                self.assertEqual(self.state_of(disc), before)
+
+
 class EraseAsks(EraseTest):
     def answer(self, disc, answer, status):
         """Erases at a terminal on which `answer` is typed once the question stands there."""
