@@ -96,8 +96,9 @@ TEST_F(Identity, CommandsOfOtherDevicesAreRefused) {
     EXPECT_EQ(ask({operation, 0, 0, 0, 0, 0, 0, 0, 0, 8, 0, 0}).sense, kUnknownCommand)
         << int{operation};
   }
-  EXPECT_EQ(ask({0xAD, 0, 0, 0, 0, 0, 0, 0, 0, 8, 0, 0}).sense, kIncompatibleMedium)
-      << "READ DISC STRUCTURE: a CD has none";
+  EXPECT_EQ(send({0x04, 0x11, 0, 0, 0, 0}, std::string("\0\x02\0\x08\0\0\0\0\0\0\0\0", 12)),
+            kIncompatibleMedium)
+      << "FORMAT UNIT";
 }
 
 }  // namespace
