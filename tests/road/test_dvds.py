@@ -1,0 +1,150 @@
+# SPDX-License-Identifier: GPL-2.0-or-later
+"""DVDs on the whole road: session after session, and what cannot be opened or burned."""
+
+import os
+import unittest
+
+from road import SECTOR, RoadTest, sha256_of, sha256_of_sectors
+from session_road import SessionRoad
+
+# Where data begins on a disc whose volume descriptors are replaced by every session: behind their error correction block.
+FIRST_DATA_SECTOR = 32
+
+
+class DvdSessions(SessionRoad):
+    """DVD+RW and DVD-RW are overwritten at will: one session grows, and only its volume descriptors are replaced."""
+
+    def check_outcome(self, outcome, number):
+        self.assertIsNone(outcome["session"])
+
+    def span_of_session(self, disc, number, earlier):
+        sessions = self.sessions(disc)
+        self.assertEqual(len(sessions), 1)
+        track = sessions[0]["tracks"][0]
+        self.assertEqual(track["start"], 0)
+        start = earlier[-1][1] if earlier else FIRST_DATA_SECTOR
+        self.assertGreater(track["sectors"], start)
+        return start, track["sectors"]
+
+    def test_six_sessions_on_a_dvd_rw(self):
+        self.check_road("dvd-rw")
+
+    def test_six_sessions_on_a_dvd_plus_rw(self):
+        self.check_road("dvd+rw")
+
+
+class Dvds(RoadTest):
+    def make_sample(self, media, **options):
+        source = os.path.join(self.folder, "source")
+        os.makedirs(os.path.join(source, "docs"), exist_ok=True)
+        for name in ("a.txt", "docs/b.txt"):
+            with open(os.path.join(source, name), "w", encoding="utf-8") as file:
+                file.write(name)
+        return self.make_disc(media=media, source=source, label="SAMPLE", **options)
+
+    def failed(self, disc, script):
+        """A burn that fails; gives the batch run's outcome. The changes are gone with it."""
+        outcome = self.batch(disc, "sh", "-ec", script, status=4)
+        self.assertEqual(outcome["state"], "burn-failed")
+        self.assertTrue(any("burnerrors: " in line for line in outcome["lines"]), outcome)
+        self.assert_nothing_is_left()
+        return outcome
+
+    def test_a_blank_dvd_rw_is_prepared_and_one_with_content_is_not(self):
+        disc = self.make_disc(media="dvd-rw")
+        _, outcome = self.edit(disc, "echo 1 > one")
+        self.assertIn("kelvanefs: preparing finished with status: 0", outcome["lines"])
+        _, outcome = self.edit(disc, "echo 2 > two")
+        self.assertFalse(any("preparing finished" in line for line in outcome["lines"]))
+
+    def test_a_dvd_plus_rw_is_not_prepared(self):
+        disc = self.make_disc(media="dvd+rw")
+        _, outcome = self.edit(disc, "echo 1 > one")
+        self.assertFalse(any("preparing finished" in line for line in outcome["lines"]))
+        self.assertIn("kelvanefs: DVDBurn finished successfully!", outcome["lines"])
+
+    def test_the_volume_name_and_the_speed_reach_the_disc(self):
+        disc = self.make_sample("dvd+rw")
+        shown, _ = self.edit(disc, "echo 1 > one", options=["--name", "Second", "--speed", "4"])
+        self.assert_last_session_equals(disc, shown)
+        with open(os.path.join(disc, "sectors"), "rb") as file:
+            file.seek(16 * SECTOR + 40)
+            self.assertEqual(file.read(32).decode().rstrip(), "Second")
+
+    def test_only_a_deletion_is_a_change_too(self):
+        disc = self.make_sample("dvd+rw")
+        shown, _ = self.edit(disc, "rm a.txt")
+        self.assertNotIn("a.txt", shown)
+        self.assert_last_session_equals(disc, shown)
+
+    def test_nothing_changed_and_discarded_changes_are_not_burned(self):
+        disc = self.make_sample("dvd+rw")
+        before = sha256_of(os.path.join(disc, "sectors"))
+        self.assertEqual(self.batch(disc, "true")["state"], "unchanged")
+        outcome = self.batch(disc, "sh", "-c", "echo x > new", options=["--discard"])
+        self.assertEqual(outcome["state"], "discarded")
+        self.assertEqual(sha256_of(os.path.join(disc, "sectors")), before)
+
+    def test_media_that_are_refused(self):
+        for media in ("dvd-r", "dvd+r"):
+            for disc in (self.make_disc(name=f"blank-{media}", media=media),
+                         self.make_sample(media, name=f"written-{media}")):
+                with self.subTest(disc=disc):
+                    before = sha256_of(os.path.join(disc, "sectors"))
+                    outcome = self.batch(disc, "true", status=3)
+                    self.assertEqual(outcome["state"], "not-opened")
+                    self.assertIn("type not supported", outcome["error"])
+                    self.assertEqual(sha256_of(os.path.join(disc, "sectors")), before)
+
+    def test_names_that_cannot_be_put_on_the_disc_are_named_and_nothing_is_written(self):
+        disc = self.make_sample("dvd+rw")
+        before = sha256_of(os.path.join(disc, "sectors"))
+        outcome = self.failed(disc, r"""touch "$(printf 'bad\377name')" """)
+        self.assertIn("ncorrectly encoded string", outcome["error"])
+        name = "n" * 103
+        outcome = self.failed(disc, f"touch {name}1 {name}2")
+        self.assertIn("have the same Joliet name", outcome["error"])
+        self.assertEqual(sha256_of(os.path.join(disc, "sectors")), before)
+
+    def test_a_file_of_4_gib_is_named_and_nothing_is_written(self):
+        disc = self.make_sample("dvd+rw")
+        before = sha256_of(os.path.join(disc, "sectors"))
+        # Truncating costs the volume nothing, so the size can be had without the room.
+        outcome = self.failed(disc, "truncate -s 4294967296 huge.bin")
+        self.assertIn("huge.bin is larger than 4GiB-1", outcome["error"])
+        self.assertEqual(sha256_of(os.path.join(disc, "sectors")), before)
+
+    def test_a_session_that_does_not_fit_fails_and_what_the_disc_held_can_still_be_read(self):
+        disc = self.make_sample("dvd+rw", capacity=50)
+        shown, _ = self.edit(disc, "echo first > first.txt")
+        outcome = self.failed(disc, "head -c 60000000 /dev/urandom > big")
+        self.assertIn("to be written!", outcome["error"])
+        self.assert_last_session_equals(disc, shown)
+
+    def test_a_session_beyond_4_gb_is_refused_with_the_limit_and_nothing_is_written(self):
+        disc = self.make_sample("dvd+rw")
+        sectors = os.path.join(disc, "sectors")
+        # The next session is put behind the last one, whose end the volume descriptor tells: it says 4.1 GiB (ECMA-119
+        # 8.4.8), without anybody having to write that much.
+        blocks = 2119328
+        with open(sectors, "r+b") as file:
+            file.seek(16 * SECTOR + 80)
+            file.write(blocks.to_bytes(4, "little") + blocks.to_bytes(4, "big"))
+        before = sha256_of(sectors)
+        outcome = self.failed(disc, "echo x > new")
+        self.assertIn("4GB boundary", outcome["error"])
+        self.assertEqual(sha256_of(sectors), before)
+
+    def test_a_dvd_rw_with_sessions_of_its_own_counts_as_blank_and_keeps_them(self):
+        # It is not blank to growisofs, which cannot begin it anew.
+        disc = self.make_sample("dvd-rw")
+        self.assertEqual(self.info(disc)["state"], "appendable")
+        end = self.sessions(disc)[-1]["tracks"][0]["sectors"]
+        before = sha256_of_sectors(disc, 0, end)
+        self.failed(disc, "test ! -e a.txt; echo x > new")
+        self.assertEqual(sha256_of_sectors(disc, 0, end), before)
+        self.assertEqual(self.info(disc)["state"], "appendable")
+
+
+if __name__ == "__main__":
+    unittest.main()

@@ -1,0 +1,146 @@
+# SPDX-License-Identifier: GPL-2.0-or-later
+"""What goes wrong with a drive or a disc during a burn: the application says so, comes to rest, and leaves the earlier
+sessions as they were."""
+
+import os
+import unittest
+from xml.etree import ElementTree
+
+from road import RoadTest, sha256_of_sectors
+
+STRINGS = os.path.join(os.path.dirname(__file__), "..", "..", "resources", "strings", "kelvanefs_en.ts")
+FIRST = {"docs/a.txt": "first", "docs/b.txt": "second", "c.txt": "third"}
+
+
+def texts():
+    """The texts of the strings table by their keys."""
+    messages = ElementTree.parse(STRINGS).getroot().iter("message")
+    return {message.get("id"): message.findtext("translation") for message in messages}
+
+
+class Fault:
+    """One row of the table: the script beside the disc, and what has to come of it."""
+
+    def __init__(self, script, state="burn-failed", key="CDBurnError", detail="", log=(), disc="old"):
+        self.script = script
+        self.state = state
+        # The message of the alert, by its key, and words that it has to hold.
+        self.key = key
+        self.detail = detail
+        self.log = log
+        # What is to be seen of the disc afterwards: "old" as before, "new" as edited, "broken" as edited with the last
+        # file damaged, "read" as before and no further session can be added.
+        self.disc = disc
+
+
+FAILED = ("cd burn finished with state: DRStatusStateFailed", "CD burning failed: ")
+BURNED = ("cd burn finished with state: DRStatusStateDone",)
+
+
+class Faults(RoadTest):
+    def setUp(self):
+        super().setUp()
+        self.texts = texts()
+        self.discs = 0
+        self.source = os.path.join(self.folder, "source")
+        for name, content in FIRST.items():
+            path = os.path.join(self.source, name)
+            os.makedirs(os.path.dirname(path), exist_ok=True)
+            with open(path, "w", encoding="utf-8") as file:
+                file.write(content)
+
+    def put_script(self, disc, script):
+        with open(os.path.join(disc, "faults"), "w", encoding="utf-8") as file:
+            file.write(script)
+
+    def take_script(self, disc):
+        """Mends the drive: without the script, and plugged in again where it was gone."""
+        for name in ("faults", "faults.state"):
+            if os.path.exists(os.path.join(disc, name)):
+                os.remove(os.path.join(disc, name))
+        gone = os.path.join(disc, "disc.json.gone")
+        if os.path.exists(gone):
+            os.rename(gone, os.path.join(disc, "disc.json"))
+
+    def digest_of_sessions(self, disc):
+        tracks = [session["tracks"][0] for session in self.sessions(disc)]
+        return [sha256_of_sectors(disc, track["start"], track["start"] + track["sectors"]) for track in tracks]
+
+    def check(self, media, fault):
+        self.discs += 1
+        disc = self.make_disc(name=f"disc{self.discs}", media=media, source=self.source, label="SAMPLE")
+        before = self.digest_of_sessions(disc)
+        self.put_script(disc, fault.script)
+        edit = "head -c 3000000 /dev/urandom > new.bin; rm docs/a.txt; mv c.txt d.txt"
+        process = self.start_batch(disc, "sh", "-ec", edit)
+        output, errors = process.communicate(timeout=300)
+        with self.subTest(media=media, fault=fault.script):
+            self.check_outcome(fault, output, errors)
+        self.take_script(disc)
+        with self.subTest(media=media, after=fault.script):
+            self.assertEqual(self.digest_of_sessions(disc)[:len(before)], before)
+            self.assert_nothing_is_left()
+            if fault.disc == "read":
+                self.batch(disc, "sh", "-c", "test -f docs/a.txt && test -f c.txt && cat docs/b.txt | grep second")
+            else:
+                self.check_next_edit(disc, fault.disc)
+
+    def check_outcome(self, fault, output, errors):
+        self.assertIn(f'"{fault.state}"', output, errors)
+        if fault.state == "burn-failed":
+            self.assertIn(self.texts[fault.key], errors)
+        self.assertIn(fault.detail, errors)
+        for line in fault.log:
+            self.assertIn(line, errors)
+
+    def check_next_edit(self, disc, state):
+        # A file that is damaged on the disc is put there once more.
+        repair = "head -c 3000000 /dev/urandom > new.bin; " if state == "broken" else ""
+        shown, _ = self.edit(disc, repair + "echo mended > mended.txt")
+        if state == "old":
+            expected = {"docs", "docs/a.txt", "docs/b.txt", "c.txt", "mended.txt"}
+        else:
+            expected = {"docs", "docs/b.txt", "d.txt", "new.bin", "mended.txt"}
+        self.assertEqual(set(shown), expected)
+        self.assert_last_session_equals(disc, shown)
+
+
+class FaultsOfCds(Faults):
+    def check_all(self, fault):
+        for media in ("cd-r", "cd-rw"):
+            self.check(media, fault)
+
+    def test_a_sector_cannot_be_written(self):
+        self.check_all(Fault("on write 20: sense 3/0C/00", log=FAILED, disc="broken"))
+
+    def test_the_laser_power_cannot_be_calibrated(self):
+        # Whether only the data fails, or also what would fill the track up.
+        self.check_all(Fault("on write: sense 3/73/03", log=FAILED))
+        self.check_all(Fault("on write and later: sense 3/73/03", log=FAILED))
+
+    def test_the_disc_is_full_in_the_middle(self):
+        self.check_all(Fault("on write 20 and later: full", log=FAILED, disc="broken"))
+
+    def test_the_drive_disappears_in_the_middle(self):
+        self.check_all(Fault("on write 20: gone", log=FAILED, disc="read"))
+
+    def test_nobody_gets_the_drive_alone(self):
+        warning = ("WARNING! Exclusive access to burning device denied after CD imaging! Burn is likely to fail!",)
+        self.check_all(Fault("exclusive: refused", log=warning + FAILED))
+
+    def test_the_session_cannot_be_closed(self):
+        self.check_all(Fault("on close and later: sense 3/0C/00", log=FAILED, disc="read"))
+
+    def test_the_medium_may_have_changed(self):
+        for number in (1, 5, 20, 40):
+            self.check("cd-rw", Fault(f"on command {number}: attention", state="burned", log=BURNED, disc="new"))
+
+    def test_the_new_session_is_seen_after_loading_only(self):
+        self.check_all(Fault("after close: stale", state="burned", log=BURNED, disc="new"))
+
+    def test_the_drive_tells_of_the_new_session(self):
+        self.check_all(Fault("after close: attention", state="burned", log=BURNED, disc="new"))
+
+
+if __name__ == "__main__":
+    unittest.main()
