@@ -29,6 +29,14 @@ class DRDeviceTest : public testing::BurnerFixture {
     return media->DRDeviceTrackInfoKey.at(media->DRDeviceTrackRefsKey.at(position))
         .DRTrackStartAddressKey;
   }
+  /// An image that readers take for a volume.
+  std::string makeVolume(const std::string& name) {
+    const std::string path = makeImage(name, 300 * 2048);
+    std::fstream file(path, std::ios::binary | std::ios::in | std::ios::out);
+    file.seekp(16 * 2048);
+    file << "\1CD001";
+    return path;
+  }
 };
 
 TEST_F(DRDeviceTest, ABlankDiscHasTheOpenTrackAlone) {
@@ -58,6 +66,23 @@ TEST_F(DRDeviceTest, TheOpenTrackStartsWhereTheNextSessionMay) {
   EXPECT_THAT(device->status().DRDeviceMediaInfoKey->DRDeviceTrackRefsKey, ElementsAre(1, 2, 3));
   EXPECT_EQ(startOf(*device, 1), 11702);
   EXPECT_EQ(startOf(*device, 2), 11702 + 302 + 6900);
+}
+
+TEST_F(DRDeviceTest, ASessionWithoutAVolumeIsLeftOutWhereAnEarlierOneHasOne) {
+  DRDevice* device = addDrive();
+  const auto burnAll = [&](const std::vector<std::string>& images) {
+    for (const std::string& image : images) {
+      ASSERT_EQ(burn(device, image).DRStatusStateKey, DRStatusStateDone);
+    }
+  };
+  burnAll({makeVolume("first.iso"), makeVolume("second.iso")});
+  EXPECT_THAT(device->status().DRDeviceMediaInfoKey->DRDeviceTrackRefsKey, ElementsAre(1, 2, 3));
+  burnAll({makeImage("broken.iso", 300 * 2048)});
+  EXPECT_THAT(device->status().DRDeviceMediaInfoKey->DRDeviceTrackRefsKey, ElementsAre(1, 2, 4));
+  EXPECT_EQ(device->status().DRDeviceMediaInfoKey->DRDeviceMediaSessionCountKey, 2U);
+  burnAll({makeVolume("fourth.iso")});
+  EXPECT_THAT(device->status().DRDeviceMediaInfoKey->DRDeviceTrackRefsKey,
+              ElementsAre(1, 2, 3, 4, 5));
 }
 
 TEST_F(DRDeviceTest, AClosedDiscHasNoOpenTrackAndCannotBeAppendedTo) {

@@ -2,9 +2,12 @@
 #include "platform/recording/media_state.h"
 
 #include <algorithm>
+#include <cstdint>
+#include <string_view>
 
 #include "platform/recording/dr_media_types.h"
 #include "platform/recording/mmc/disc_information.h"
+#include "platform/recording/mmc/read_sector.h"
 #include "platform/recording/mmc/track_information.h"
 #include "platform/recording/mmc/unit_ready.h"
 #include "platform/recording/overwritten_disc.h"
@@ -34,6 +37,38 @@ DRTrackInfo trackInfo(const mmc::TrackInformation& track, bool isOpenTrack) {
   info.DRTrackStartAddressKey = track.start;
   info.DRTrackLengthKey = track.size;
   return info;
+}
+
+// Whether a volume begins at that track (ECMA-119, 6.2.1 and 8.1.2).
+bool holdsVolume(mmc::Transport& transport, const DRTrackInfo& track) {
+  constexpr int64_t kSystemArea = 16;
+  constexpr std::string_view kIdentifier = "CD001";
+  if (!track.DRTrackStartAddressKey) return false;
+  const int64_t address = *track.DRTrackStartAddressKey + kSystemArea;
+  if (address > INT32_MAX) return false;
+  const auto sector = mmc::readSector(transport, static_cast<int32_t>(address));
+  return sector && std::equal(kIdentifier.begin(), kIdentifier.end(), sector->begin() + 1);
+}
+
+// A recording that broke off at its beginning leaves a session behind in which nobody finds
+// anything. Where an earlier session holds a volume, that is the one to be shown and to be gone on
+// from, and the tracks after it are left out.
+void leaveOutBrokenSessions(mmc::Transport& transport, size_t closedTracks,
+                            DRDeviceMediaInfo& media) {
+  constexpr size_t kMostBroken = 8;
+  auto& tracks = media.DRDeviceTrackRefsKey;
+  const size_t least = closedTracks - std::min(closedTracks, kMostBroken);
+  for (size_t count = closedTracks; count > least; --count) {
+    const auto info = media.DRDeviceTrackInfoKey.find(tracks[count - 1]);
+    if (info == media.DRDeviceTrackInfoKey.end() || !holdsVolume(transport, info->second)) continue;
+    if (count == closedTracks) return;
+    const auto broken = tracks.begin() + static_cast<std::ptrdiff_t>(count);
+    const auto end = tracks.begin() + static_cast<std::ptrdiff_t>(closedTracks);
+    for (auto track = broken; track != end; ++track) media.DRDeviceTrackInfoKey.erase(*track);
+    tracks.erase(broken, end);
+    media.DRDeviceMediaSessionCountKey = info->second.DRTrackSessionNumberKey;
+    return;
+  }
 }
 
 }  // namespace
@@ -76,6 +111,10 @@ DRDeviceStatus readDeviceStatus(mmc::Transport& transport) {
     media.DRDeviceTrackInfoKey[number] = trackInfo(*track, isOpenTrack);
     if (isOpenTrack) media.DRDeviceMediaBlocksFreeKey = track->freeBlocks;
   }
+  const size_t openTracks = disc->isOpen() ? 1 : 0;
+  const size_t closedTracks =
+      media.DRDeviceTrackRefsKey.size() - std::min(openTracks, media.DRDeviceTrackRefsKey.size());
+  if (closedTracks > 1) leaveOutBrokenSessions(transport, closedTracks, media);
   return status;
 }
 

@@ -28,7 +28,8 @@ struct MediaState {
 /// Asks a drive for its state. A drive that does not answer has no disc.
 MediaState readMediaState(mmc::Transport& transport);
 
-/// Asks a drive for all the tracks on its disc.
+/// Asks a drive for the tracks on its disc. Left out are those of last sessions that hold no
+/// volume, where an earlier one does: a recording broke off there.
 DRDeviceStatus readDeviceStatus(mmc::Transport& transport);
 
 /// The constant DRDeviceMediaType… of a profile; empty for none or one not known.
