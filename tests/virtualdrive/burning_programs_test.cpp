@@ -12,16 +12,16 @@ class BurningPrograms : public ToolTest {
   Finished cdrskin(const std::vector<std::string>& arguments) {
     std::vector<std::string> command{"cdrskin", "-v", "dev=/dev/sr0"};
     command.insert(command.end(), arguments.begin(), arguments.end());
-    return run(command);
+    return runImpatiently(command);
   }
   Finished xorriso(const std::vector<std::string>& arguments) {
     std::vector<std::string> command{"xorriso"};
     command.insert(command.end(), arguments.begin(), arguments.end());
-    return run(command);
+    return runImpatiently(command);
   }
   /// "first,next" as cdrskin tells it for the next image.
   std::string multiSessionInformation() {
-    const auto finished = run({"cdrskin", "dev=/dev/sr0", "-msinfo"});
+    const auto finished = runImpatiently({"cdrskin", "dev=/dev/sr0", "-msinfo"});
     EXPECT_EQ(finished.status, 0) << finished.err;
     return finished.out.substr(0, finished.out.find('\n'));
   }

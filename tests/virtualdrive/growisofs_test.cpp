@@ -49,12 +49,6 @@ class Growisofs : public ToolTest {
     command.emplace_back("/dev/sr0");
     return runImpatiently(command);
   }
-  Finished runImpatiently(std::vector<std::string> command) {
-    const std::vector<std::string> words{
-        "sh", "-c", "LD_PRELOAD=\"$LD_PRELOAD:" KELVANE_IMPATIENCE "\" exec \"$@\"", "sh"};
-    command.insert(command.begin(), words.begin(), words.end());
-    return run(command);
-  }
   /// Burns a session of the folder, which becomes part of the volume.
   Finished burn(const char* how, const std::string& source,
                 const std::vector<std::string>& options = {}) {
@@ -93,10 +87,8 @@ class Growisofs : public ToolTest {
     EXPECT_EQ(differences(expected, path("own " + number)), "");
     const auto start =
         std::to_string(info()["sessions"].back()["tracks"].at(0)["start"].get<int>());
-    // Not through the drive: libburn waits for two seconds each time it takes one.
-    const auto other =
-        runProgram({"xorriso", "-load", "sbsector", start, "-indev", "stdio:" + disc() + "/sectors",
-                    "-osirrox", "on", "-extract", "/", path("other " + number)});
+    const auto other = runImpatiently({"xorriso", "-indev", "/dev/sr0", "-osirrox", "on",
+                                       "-extract", "/", path("other " + number)});
     ASSERT_EQ(other.status, 0) << other.err;
     EXPECT_EQ(differences(expected, path("other " + number)), "");
     const auto names = run({"isoinfo", "-i", "/dev/sr0", "-T", start, "-R", "-f"});
@@ -157,10 +149,6 @@ TEST_P(GrowisofsOnEveryMedium, FirstSessionAndFourMoreAreReadBackByOthers) {
     }
     expectVolume(all);
   }
-  const auto finished =
-      run({"xorriso", "-indev", "/dev/sr0", "-osirrox", "on", "-extract", "/", path("drive")});
-  EXPECT_EQ(finished.status, 0) << finished.err;
-  EXPECT_EQ(differences(all, path("drive")), "") << "through the drive, where it finds the session";
 }
 
 TEST_F(Growisofs, DvdRwIsFormattedBlankedAndFormattedAgain) {

@@ -5,6 +5,7 @@
 #include <fcntl.h>
 #include <linux/cdrom.h>
 #include <linux/fs.h>
+#include <mntent.h>
 #include <scsi/scsi_ioctl.h>
 #include <scsi/sg.h>
 #include <stdio.h>
@@ -70,6 +71,9 @@ void probeWaysToOpen() {
   probeDescriptor(one, "open");
   const int two = openat(AT_FDCWD, kDevice, O_RDONLY);
   probeDescriptor(two, "openat");
+  const int three = open(kDevice, O_RDWR | O_NONBLOCK | O_EXCL);
+  probeDescriptor(three, "open for nobody else");
+  close(three);
   FILE* stream = fopen(kDevice, "rb");
   expect(stream != nullptr, "fopen");
   if (stream != nullptr) {
@@ -192,6 +196,25 @@ void probeLocks(int drive) {
   expect(otherProcessLocks(F_WRLCK), "an unlocked drive is free");
 }
 
+/// Another disc's mount must not be taken for one of the drive's.
+void probeMountTable() {
+  const char* table = getenv("KELVANE_PROBE_MOUNTS");
+  if (table == nullptr) return;
+  FILE* stream = setmntent(table, "r");
+  expect(stream != nullptr, "setmntent");
+  if (stream == nullptr) return;
+  const mntent* entry = getmntent(stream);
+  expect(entry != nullptr && strcmp(entry->mnt_dir, "/other") == 0, "getmntent");
+  expect(getmntent(stream) == nullptr, "the drive's own name is left out");
+  rewind(stream);
+  mntent room{};
+  char text[256];
+  entry = getmntent_r(stream, &room, text, sizeof text);
+  expect(entry != nullptr && strcmp(entry->mnt_dir, "/other") == 0, "getmntent_r");
+  expect(getmntent_r(stream, &room, text, sizeof text) == nullptr, "left out there too");
+  endmntent(stream);
+}
+
 }  // namespace
 
 int main() {
@@ -202,5 +225,6 @@ int main() {
   probePassThrough(drive);
   probeControls(drive);
   probeLocks(drive);
+  probeMountTable();
   return complaints;
 }

@@ -18,6 +18,33 @@ TEST_F(Shim, ProgramsFindADriveWhicheverWayTheyAsk) {
   EXPECT_EQ(sectors(), before);
 }
 
+TEST_F(Shim, MountsOfARealDriveOfTheSameNameAreNotShown) {
+  create({"--media", "cd-r", "--from", makeSource("one", 1)});
+  writeFile(path("mounts"),
+            "/dev/sr0 /media/disc iso9660 ro 0 0\n/dev/sr1 /other iso9660 ro 0 0\n"
+            "/dev/sr0 /media/again iso9660 ro 0 0\n");
+  const auto finished = run({"env", "KELVANE_PROBE_MOUNTS=" + path("mounts"), KELVANE_SHIM_PROBE});
+  EXPECT_EQ(finished.status, 0) << finished.out << finished.err;
+}
+
+TEST_F(Shim, DvdIsABlockDeviceLikeACd) {
+  for (const char* medium : {"dvd-r", "dvd-rw", "dvd-rw-ro", "dvd+rw", "dvd+r"}) {
+    create({"--media", medium, "--from", makeSource(medium, 1)});
+    const auto finished = run({KELVANE_SHIM_PROBE});
+    EXPECT_EQ(finished.status, 0) << medium << "\n" << finished.out << finished.err;
+    std::filesystem::remove_all(disc());
+  }
+}
+
+TEST_F(Shim, ProgramThatOpensTheDriveHearsNothingOfAChangedMedium) {
+  create({"--media", "dvd-r"});
+  EXPECT_EQ(kelvanedisc({"eject", disc()}).status, 0);
+  EXPECT_EQ(kelvanedisc({"insert", disc()}).status, 0);
+  const auto finished = run({"dvd+rw-mediainfo", "/dev/sr0"});
+  EXPECT_EQ(finished.status, 0) << finished.err;
+  EXPECT_THAT(finished.out, HasSubstr("11h, DVD-R Sequential"));
+}
+
 TEST_F(Shim, OtherFilesAndProgramsAreLeftAlone) {
   create({"--media", "cd-r"});
   writeFile(path("file"), "as ever");

@@ -31,6 +31,13 @@ class ToolTest : public testing::Test {
     arguments.insert(arguments.end(), command.begin(), command.end());
     return kelvanedisc(arguments, {folder_.path(), input});
   }
+  /// The same, with the waiting for a real drive taken out of the program.
+  Finished runImpatiently(std::vector<std::string> command) {
+    const std::vector<std::string> words{
+        "sh", "-c", "LD_PRELOAD=\"$LD_PRELOAD:" KELVANE_IMPATIENCE "\" exec \"$@\"", "sh"};
+    command.insert(command.begin(), words.begin(), words.end());
+    return run(command);
+  }
   nlohmann::json info() {
     const auto finished = kelvanedisc({"info", "--json", disc()});
     EXPECT_EQ(finished.status, 0) << finished.err;
