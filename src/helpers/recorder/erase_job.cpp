@@ -16,6 +16,7 @@
 #include "helpers/recorder/grabbed_drive.h"
 #include "helpers/recorder/recording_lock.h"
 #include "platform/recording/mmc/sg_io_transport.h"
+#include "platform/recording/mmc/tray.h"
 
 namespace kelvane::recorder {
 namespace {
@@ -25,7 +26,7 @@ constexpr int kBlocksAtOnce = 16;
 constexpr std::chrono::milliseconds kLookInterval{50};
 
 // A drive that has just erased its disc looks at it anew, and is not ready meanwhile.
-bool discIsBlank(mmc::Transport& transport) {
+MediaState settledState(mmc::Transport& transport) {
   constexpr std::chrono::milliseconds kPause{100};
   constexpr int kMostPauses = 600;
   MediaState state = readMediaState(transport);
@@ -33,7 +34,15 @@ bool discIsBlank(mmc::Transport& transport) {
     std::this_thread::sleep_for(kPause);
     state = readMediaState(transport);
   }
-  return state.blank;
+  return state;
+}
+
+// Some drives describe a disc as they found it when it was loaded, until it is loaded anew.
+bool discIsBlank(mmc::Transport& transport) {
+  if (settledState(transport).blank) return true;
+  static_cast<void>(mmc::allowMediumRemoval(transport));
+  if (!mmc::openTray(transport).isGood() || !mmc::closeTray(transport).isGood()) return false;
+  return settledState(transport).blank;
 }
 
 }  // namespace
@@ -61,7 +70,8 @@ std::string EraseJob::erase() {
   const EraseMethod method = eraseMethodFor(transport, problem);
   if (!problem.empty() || method == EraseMethod::None) return problem;
   problem = eraseBy(method);
-  if (!problem.empty()) return problem;
+  // What libburn takes for a failure may be a drive that tells of its changed medium.
+  if (!problem.empty()) return settledState(transport).blank ? std::string() : problem;
   reporter_.finishing();
   if (discIsBlank(transport)) return {};
   return withDriveWords("The drive has erased the disc, but does not call it blank.");

@@ -1,0 +1,84 @@
+// SPDX-License-Identifier: GPL-2.0-or-later
+//
+// Erases in drives that fail: each ends, says why, and lets go of the drive.
+#include <gmock/gmock.h>
+
+#include <fstream>
+
+#include "recording/burner_fixture.h"
+
+namespace kelvane {
+namespace {
+
+using ::testing::HasSubstr;
+
+class FailingEraseTest : public testing::BurnerFixture {
+ protected:
+  DREraseStatus eraseWithFault(DRDevice* device, const std::string& fault) {
+    std::ofstream(*device->emulatedDisc() + "/faults") << fault << "\n";
+    const auto erase = DRErase::eraseForDevice(device);
+    erase->start();
+    const DREraseStatus status = waitForEnd(*erase);
+    EXPECT_FALSE(device->mediaIsBusy());
+    return status;
+  }
+
+  std::string reasonOf(DRDevice* device, const std::string& fault) {
+    const DREraseStatus status = eraseWithFault(device, fault);
+    EXPECT_EQ(status.DRStatusStateKey, DRStatusStateFailed);
+    return errorOf(status);
+  }
+};
+
+TEST_F(FailingEraseTest, ADiscThatTheDriveCannotEraseIsLeftAsItIsAndTheDrivesWordsAreGiven) {
+  for (const char* media : {"cd-rw", "dvd-rw", "dvd-rw-ro"}) {
+    DRDevice* device = addPreparedDrive(media);
+    const std::string before = stateOf(device);
+    EXPECT_THAT(reasonOf(device, "on blank: sense 3/51/00"), HasSubstr("[3 51 00]")) << media;
+    EXPECT_EQ(stateOf(device), before) << media;
+    EXPECT_FALSE(device->mediaIsBlank()) << media;
+  }
+}
+
+TEST_F(FailingEraseTest, ADriveThatDisappearsEndsTheErase) {
+  DRDevice* device = addPreparedDrive("cd-rw");
+  EXPECT_FALSE(reasonOf(device, "on blank: gone").empty());
+}
+
+TEST_F(FailingEraseTest, ABeginningThatCannotBeOverwrittenIsReported) {
+  DRDevice* device = addPreparedDrive("dvd+rw");
+  EXPECT_THAT(reasonOf(device, "on write: sense 3/0C/00"), HasSubstr("[3 0C 00]"));
+  EXPECT_FALSE(device->mediaIsBlank());
+}
+
+TEST_F(FailingEraseTest, ABeginningThatIsOverwrittenOnlyInPartIsReported) {
+  DRDevice* device = addPreparedDrive("dvd+rw");
+  EXPECT_THAT(reasonOf(device, "on write 2: sense 3/0C/00"), HasSubstr("does not call it blank"));
+  EXPECT_FALSE(device->mediaIsBlank());
+}
+
+TEST_F(FailingEraseTest, ADriveThatIsRefusedIsNamed) {
+  DRDevice* device = addPreparedDrive("cd-rw");
+  const std::string before = stateOf(device);
+  EXPECT_FALSE(reasonOf(device, "exclusive: refused").empty());
+  EXPECT_EQ(stateOf(device), before);
+}
+
+TEST_F(FailingEraseTest, ADriveThatShowsWhatItDidOnlyAfterLoadingAnewIsLoadedAnew) {
+  for (const char* media : {"cd-rw", "dvd-rw"}) {
+    DRDevice* device = addPreparedDrive(media);
+    const DREraseStatus status = eraseWithFault(device, "after blank: stale");
+    EXPECT_EQ(status.DRStatusStateKey, DRStatusStateDone) << media << ": " << errorOf(status);
+    EXPECT_TRUE(device->mediaIsBlank()) << media;
+  }
+}
+
+TEST_F(FailingEraseTest, ATrayOrMediumThatDrawsAttentionMeanwhileDoesNotMatter) {
+  DRDevice* device = addPreparedDrive("cd-rw");
+  const DREraseStatus status = eraseWithFault(device, "after blank: attention");
+  EXPECT_EQ(status.DRStatusStateKey, DRStatusStateDone) << errorOf(status);
+  EXPECT_TRUE(device->mediaIsBlank());
+}
+
+}  // namespace
+}  // namespace kelvane
