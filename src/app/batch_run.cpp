@@ -3,12 +3,12 @@
 
 #include <QCoreApplication>
 #include <chrono>
-#include <cstdio>
 #include <filesystem>
 #include <system_error>
 #include <utility>
 
 #include "app/kv_controller.h"
+#include "app/terminal_words.h"
 #include "burn/dvd_burn.h"
 #include "platform/foundation/child_task.h"
 #include "platform/foundation/main_thread.h"
@@ -26,18 +26,6 @@ namespace {
 constexpr std::chrono::milliseconds kBusyRetryInterval{200};
 constexpr int kExitOfSignal = 128;
 constexpr int kCommandNotStarted = 127;
-
-template <typename... Values>
-void say(std::string_view text, const Values&... values) {
-  std::fprintf(stderr, "%s\n", format(text, values...).c_str());
-}
-
-/// An alert as one line: what happened, and why in the words of who knows best.
-std::string asLine(const Alert& alert) {
-  const std::string message = localizedString(alert.messageKey);
-  if (!alert.detail.empty()) return message + ": " + alert.detail;
-  return message + ". " + localizedString(alert.informativeKey);
-}
 
 }  // namespace
 
