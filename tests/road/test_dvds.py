@@ -1,10 +1,13 @@
 # SPDX-License-Identifier: GPL-2.0-or-later
 """DVDs on the whole road: session after session, and what cannot be opened or burned."""
 
+import json
 import os
+import shutil
+import signal
 import unittest
 
-from road import SECTOR, RoadTest, sha256_of, sha256_of_sectors
+from road import SECTOR, RoadTest, sha256_of, sha256_of_sectors, wait_until
 from session_road import SessionRoad
 
 # Where data begins on a disc whose volume descriptors are replaced by every session: behind their error correction block.
@@ -144,6 +147,68 @@ class Dvds(RoadTest):
         self.failed(disc, "test ! -e a.txt; echo x > new")
         self.assertEqual(sha256_of_sectors(disc, 0, end), before)
         self.assertEqual(self.info(disc)["state"], "appendable")
+
+
+class KilledDvdBurns(RoadTest):
+    """What becomes of a DVD when a program is killed while growisofs writes."""
+
+    def setUp(self):
+        super().setUp()
+        source = os.path.join(self.folder, "source")
+        os.mkdir(source)
+        with open(os.path.join(source, "a.txt"), "w", encoding="utf-8") as file:
+            file.write("a")
+        self.disc = self.make_disc(media="dvd+rw", source=source, label="SAMPLE")
+
+    def start_large_burn(self):
+        """Starts a batch run and waits until growisofs writes."""
+        process = self.start_batch(self.disc, "sh", "-c", "head -c 100000000 /dev/urandom > big")
+        line = ""
+        while "% written" not in line:
+            line = process.stderr.readline()
+            self.assertTrue(line, "ended without a burn")
+        return process
+
+    def writers(self):
+        found = []
+        for process in filter(str.isdigit, os.listdir("/proc")):
+            try:
+                with open(f"/proc/{process}/comm", encoding="utf-8") as comm:
+                    name = comm.read().strip()
+                with open(f"/proc/{process}/environ", "rb") as environment:
+                    text = environment.read()
+            except OSError:
+                continue
+            if name == "growisofs" and os.fsencode(self.folder) in text:
+                found.append(int(process))
+        return found
+
+    def test_the_session_is_finished_without_the_application(self):
+        process = self.start_large_burn()
+        process.kill()
+        process.communicate(timeout=120)
+        wait_until(lambda: not self.processes(), lambda: f"still running: {self.processes()}")
+        self.assertEqual(set(self.tree_by_xorriso(self.disc, 0)), {"a.txt", "big"})
+        # What the clean-up would have removed is still there, with the hidden mount; the next start takes that away.
+        self.edit(self.disc, "test -e big; echo x > new")
+        self.assertEqual(set(self.tree_by_xorriso(self.disc, 0)), {"a.txt", "big", "new"})
+        temporary = os.path.join(self.prefix, "tmp")
+        for name in os.listdir(temporary):
+            path = os.path.join(temporary, name)
+            shutil.rmtree(path) if os.path.isdir(path) else os.remove(path)
+
+    def test_a_killed_growisofs_counts_as_a_success_and_the_disc_holds_what_it_held(self):
+        process = self.start_large_burn()
+        for writer in self.writers():
+            os.kill(writer, signal.SIGKILL)
+        output, errors = process.communicate(timeout=120)
+        # Neither an exit status nor a signal decides; only what growisofs says does, and it said nothing.
+        self.assertEqual(process.returncode, 0, errors)
+        self.assertEqual(json.loads(output)["state"], "burned")
+        # The user can see it by looking at the disc, and mostly in the log.
+        self.assertEqual(set(self.tree_by_xorriso(self.disc, 0)), {"a.txt"})
+        shown, _ = self.edit(self.disc, "test ! -e big; echo x > new")
+        self.assert_last_session_equals(self.disc, shown)
 
 
 if __name__ == "__main__":

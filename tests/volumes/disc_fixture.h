@@ -14,7 +14,7 @@ namespace kelvane::test {
 
 /// Tests that mount discs for real: emulated drives "kv0" … whose file of sectors genisoimage has
 /// made. Skipped where this user has no user-space file systems.
-class DiscFixture : public testing::Test {
+class DiscFixture : public ::testing::Test {
  protected:
   void SetUp() override;
 

@@ -110,6 +110,23 @@ TEST_F(DvdLaunchersTest, TheProgramIgnoresWhatEndsTheApplication) {
   EXPECT_NE(std::stoi(notes().substr(6)), getsid(0)) << "a session of its own";
 }
 
+// growisofs ends where it cannot write to standard error.
+TEST_F(DvdLaunchersTest, TheProgramGoesOnWhereNobodyReadsItsOutputAnyMore) {
+  const std::string script = path("programs") + "/growisofs";
+  std::ofstream(script) << "#!/bin/sh\necho first >&2\n"
+                        << "while [ ! -e '" << path("gone") << "' ]; do sleep 0.01; done\n"
+                        << "echo second >&2 && head -c 200000 /dev/zero >&2 && echo whole > '"
+                        << path("notes") << "'\n";
+  chmod(script.c_str(), 0755);
+  const std::string launcher = KELVANE_LIBEXEC_DIR "/growisofs";
+  ASSERT_TRUE(test::runProgram({"sh", "-c",
+                                "mkfifo '" + path("fifo") + "'; PATH='" + path("programs") +
+                                    ":/usr/bin:/bin' '" + launcher + "' -M /dev/rkv0 dir 2> '" +
+                                    path("fifo") + "' & head -n 1 '" + path("fifo") + "'; touch '" +
+                                    path("gone") + "'; wait $!"}));
+  EXPECT_EQ(notes(), "whole\n");
+}
+
 TEST_F(DvdLaunchersTest, TheDiscIsLockedForAsLongAsTheProgramRuns) {
   const std::string sectors = discFolder("kv0") + "/sectors";
   const Result result = runWithScript("growisofs", {"-M", "/dev/rkv0", "dir"}, "growisofs",

@@ -3,6 +3,7 @@
 
 #include <fcntl.h>
 #include <sys/file.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
 #include <chrono>
@@ -27,6 +28,27 @@ bool lockForRecording(const std::string& path) {
   }
   close(descriptor);
   return false;
+}
+
+// A program ends where what it writes to has no reader any more. The pipe that this opens to itself
+// stays readable for as long as the program runs, and is made to hold all that it can have to say.
+void keepReadable(int outputDescriptor) {
+  constexpr int kRoomBytes = 1 << 20;
+  struct stat status = {};
+  if (fstat(outputDescriptor, &status) != 0 || !S_ISFIFO(status.st_mode)) return;
+  fcntl(outputDescriptor, F_SETPIPE_SZ, kRoomBytes);
+  const std::string path = "/proc/self/fd/" + std::to_string(outputDescriptor);
+  static_cast<void>(open(path.c_str(), O_RDONLY | O_NONBLOCK));
+}
+
+// A recording cannot be taken back. What goes to the application's whole session (a terminal's
+// Ctrl-C, a log-out) does not reach another one; the program keeps ignoring the signals as long as
+// it has no use for them (growisofs ends on most of them).
+void outliveTheApplication() {
+  setsid();
+  for (const int number : {SIGINT, SIGTERM, SIGHUP, SIGPIPE, SIGQUIT}) std::signal(number, SIG_IGN);
+  keepReadable(STDOUT_FILENO);
+  keepReadable(STDERR_FILENO);
 }
 
 }  // namespace
@@ -58,9 +80,7 @@ bool prepareToWrite(const DriveAccess& access, std::string* problem) {
     return false;
   }
   for (const auto& [name, value] : access.environment) setenv(name.c_str(), value.c_str(), 1);
-  // A recording cannot be taken back. The program keeps what is ignored here.
-  setsid();
-  for (const int number : {SIGINT, SIGTERM, SIGHUP, SIGPIPE, SIGQUIT}) std::signal(number, SIG_IGN);
+  outliveTheApplication();
   return true;
 }
 
