@@ -5,6 +5,7 @@
 
 #include <QCoreApplication>
 #include <QSocketNotifier>
+#include <algorithm>
 #include <filesystem>
 #include <system_error>
 #include <utility>
@@ -105,7 +106,7 @@ void EraseRun::lookAtRecords() {
   const std::vector<DeviceRecord>& records = mediaController().arrangedObjects();
   if (records.empty()) {
     if (listUnreadableDisc()) return;  // Which brings us here again.
-    say("There is no disc in the drive.");
+    sayWhyNothingIsListed();
     end(EraseExit::NotErasable);
     return;
   }
@@ -119,6 +120,14 @@ void EraseRun::lookAtRecords() {
   stage_ = Stage::Asking;
   mediaController().setSelectionIndex(0);
   controller_->attemptErase();
+}
+
+void EraseRun::sayWhyNothingIsListed() {
+  const std::vector<DRDevice*> devices = DRDevice::devices();
+  const bool busy = std::any_of(devices.begin(), devices.end(),
+                                [](const DRDevice* device) { return device->mediaIsBusy(); });
+  say("%@", busy ? "The drive is busy: its disc is being written to or erased."
+                 : "There is no disc in the drive.");
 }
 
 // A disc without a volume is left out of the list. It may be what is to be erased most of all.

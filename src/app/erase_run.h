@@ -54,6 +54,7 @@ class EraseRun final : public WindowlessOutlets {
 
   void lookAtRecords();
   bool listUnreadableDisc();
+  void sayWhyNothingIsListed();
   void ask();
   void readAnswer();
   void answer(bool yes);

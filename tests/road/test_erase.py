@@ -7,7 +7,7 @@ import signal
 import subprocess
 import unittest
 
-from road import BIN, LIBEXEC, LIMIT, RoadTest, sha256_of, wait_until
+from road import BIN, LIBEXEC, LIMIT, RoadTest, run, sha256_of, wait_until
 
 DECLINED = 1
 USAGE = 2
@@ -119,6 +119,25 @@ class Erase(EraseTest):
         before = self.state_of(disc)
         self.assertIn("--yes", self.erase(disc, status=USAGE))
         self.assertEqual(self.state_of(disc), before)
+
+    def test_a_disc_that_cannot_be_erased_is_as_good_as_before(self):
+        disc = self.make_sample()
+        before = self.state_of(disc)
+        faults = os.path.join(disc, "faults")
+        with open(faults, "w", encoding="utf-8") as file:
+            file.write("on blank: sense 3/51/00\n")
+        lines = self.erase(disc, "--yes", status=FAILED)
+        self.assertIn("The disc could not be erased: ", lines)
+        self.assertIn("[3 51 00]", lines)
+        self.assertEqual(self.state_of(disc), before)
+        os.remove(faults)
+        shown, _ = self.edit(disc, "echo new > new.txt")
+        self.assertEqual(set(shown), {"a.txt", "b.txt", "new.txt"})
+        self.assert_last_session_equals(disc, shown)
+
+    def test_a_disc_has_to_be_named(self):
+        result = run(os.path.join(BIN, "kelvanefs"), "erase", "--yes", check=False, env=self.environment)
+        self.assertEqual(result.returncode, USAGE)
 
     def test_a_disc_that_is_not_there_is_named(self):
         self.assertIn("nowhere.kvdisc", self.erase(os.path.join(self.folder, "nowhere.kvdisc"), "--yes",
@@ -243,6 +262,20 @@ class EraseInUse(EraseTest):
         self.assert_blank(disc)
         shown, _ = self.edit(disc, "echo new > new.txt")
         self.assert_last_session_equals(disc, shown)
+
+    def test_a_disc_that_is_being_erased_is_not_erased_twice_at_once(self):
+        disc = self.make_sample()
+        process = self.start_erase(disc, "--yes")
+        recorder = self.wait_for_recorder()
+        os.kill(recorder, signal.SIGSTOP)
+        try:
+            process.send_signal(signal.SIGKILL)
+            process.communicate(timeout=LIMIT)
+            self.assertIn("The drive is busy", self.erase(disc, "--yes", status=NOT_ERASABLE))
+        finally:
+            os.kill(recorder, signal.SIGCONT)
+        wait_until(lambda: recorder not in self.recorders(), lambda: "the recorder does not end")
+        self.assert_blank(disc)
 
     def test_a_volume_in_use_keeps_its_disc_from_being_erased(self):
         disc = self.make_sample()
