@@ -60,6 +60,12 @@ class Dvds(RoadTest):
         _, outcome = self.edit(disc, "echo 2 > two")
         self.assertFalse(any("preparing finished" in line for line in outcome["lines"]))
 
+    def test_a_dvd_rw_that_was_only_prepared_is_still_blank(self):
+        disc = self.make_disc(media="dvd-rw")
+        self.failed(disc, r"""touch "$(printf 'bad\377name')" """)
+        shown, _ = self.edit(disc, "echo 1 > one")
+        self.assert_last_session_equals(disc, shown)
+
     def test_a_dvd_plus_rw_is_not_prepared(self):
         disc = self.make_disc(media="dvd+rw")
         _, outcome = self.edit(disc, "echo 1 > one")
@@ -152,17 +158,14 @@ class Dvds(RoadTest):
 class KilledDvdBurns(RoadTest):
     """What becomes of a DVD when a program is killed while growisofs writes."""
 
-    def setUp(self):
-        super().setUp()
-        source = os.path.join(self.folder, "source")
-        os.mkdir(source)
-        with open(os.path.join(source, "a.txt"), "w", encoding="utf-8") as file:
-            file.write("a")
-        self.disc = self.make_disc(media="dvd+rw", source=source, label="SAMPLE")
+    def make_burned_disc(self, media):
+        disc = self.make_disc(media=media)
+        self.edit(disc, "echo a > a.txt")
+        return disc
 
-    def start_large_burn(self):
+    def start_large_burn(self, disc):
         """Starts a batch run and waits until growisofs writes."""
-        process = self.start_batch(self.disc, "sh", "-c", "head -c 100000000 /dev/urandom > big")
+        process = self.start_batch(disc, "sh", "-c", "head -c 100000000 /dev/urandom > big")
         line = ""
         while "% written" not in line:
             line = process.stderr.readline()
@@ -184,31 +187,39 @@ class KilledDvdBurns(RoadTest):
         return found
 
     def test_the_session_is_finished_without_the_application(self):
-        process = self.start_large_burn()
+        disc = self.make_burned_disc("dvd+rw")
+        process = self.start_large_burn(disc)
         process.kill()
         process.communicate(timeout=120)
         wait_until(lambda: not self.processes(), lambda: f"still running: {self.processes()}")
-        self.assertEqual(set(self.tree_by_xorriso(self.disc, 0)), {"a.txt", "big"})
-        # What the clean-up would have removed is still there, with the hidden mount; the next start takes that away.
-        self.edit(self.disc, "test -e big; echo x > new")
-        self.assertEqual(set(self.tree_by_xorriso(self.disc, 0)), {"a.txt", "big", "new"})
+        self.assertEqual(set(self.tree_by_xorriso(disc, 0)), {"a.txt", "big"})
+        self.edit(disc, "test -e big; echo x > new")
+        self.assertEqual(set(self.tree_by_xorriso(disc, 0)), {"a.txt", "big", "new"})
+        # What the clean-up would have removed is still there.
         temporary = os.path.join(self.prefix, "tmp")
         for name in os.listdir(temporary):
             path = os.path.join(temporary, name)
             shutil.rmtree(path) if os.path.isdir(path) else os.remove(path)
 
-    def test_a_killed_growisofs_counts_as_a_success_and_the_disc_holds_what_it_held(self):
-        process = self.start_large_burn()
+    def check_killed_growisofs(self, media):
+        disc = self.make_burned_disc(media)
+        process = self.start_large_burn(disc)
         for writer in self.writers():
             os.kill(writer, signal.SIGKILL)
         output, errors = process.communicate(timeout=120)
         # Neither an exit status nor a signal decides; only what growisofs says does, and it said nothing.
         self.assertEqual(process.returncode, 0, errors)
         self.assertEqual(json.loads(output)["state"], "burned")
-        # The user can see it by looking at the disc, and mostly in the log.
-        self.assertEqual(set(self.tree_by_xorriso(self.disc, 0)), {"a.txt"})
-        shown, _ = self.edit(self.disc, "test ! -e big; echo x > new")
-        self.assert_last_session_equals(self.disc, shown)
+        # The user can see it by looking at the disc, and mostly in the log. It holds what it held, and can be gone on with.
+        self.assertEqual(set(self.tree_by_xorriso(disc, 0)), {"a.txt"})
+        shown, _ = self.edit(disc, "test -e a.txt; test ! -e big; echo x > new")
+        self.assert_last_session_equals(disc, shown)
+
+    def test_a_killed_growisofs_counts_as_a_success_and_a_dvd_plus_rw_holds_what_it_held(self):
+        self.check_killed_growisofs("dvd+rw")
+
+    def test_a_killed_growisofs_counts_as_a_success_and_a_dvd_rw_holds_what_it_held(self):
+        self.check_killed_growisofs("dvd-rw")
 
 
 if __name__ == "__main__":

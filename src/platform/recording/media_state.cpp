@@ -71,6 +71,20 @@ void leaveOutBrokenSessions(mmc::Transport& transport, size_t closedTracks,
   }
 }
 
+// Media of which any block can be written again once they are formatted. Formatted they are not
+// blank to the drive, whether or not something stands on them.
+bool isOverwritten(mmc::Profile profile) {
+  return profile == mmc::Profile::DvdPlusRw || profile == mmc::Profile::DvdRwRestrictedOverwrite;
+}
+
+// A DVD-RW in restricted overwrite whose writing was broken off has one session, which still grows
+// and never was another one: what is on the disc is in it. (MMC-5, 6.22.3.1.3)
+bool growsInPlace(mmc::Transport& transport, const mmc::DiscInformation& disc) {
+  if (!disc.isOpen() || disc.lastSession != mmc::LastSessionState::Incomplete) return false;
+  const auto configuration = mmc::readConfiguration(transport);
+  return configuration && isOverwritten(configuration->currentProfile);
+}
+
 }  // namespace
 
 MediaState readMediaState(mmc::Transport& transport) {
@@ -85,7 +99,7 @@ MediaState readMediaState(mmc::Transport& transport) {
   const auto disc = mmc::readDiscInformation(transport);
   if (!disc) return state;
   state.blank = disc->status == mmc::DiscStatus::Blank ||
-                (state.profile == mmc::Profile::DvdPlusRw && overwrittenDiscIsEmpty(transport));
+                (isOverwritten(state.profile) && overwrittenDiscIsEmpty(transport));
   state.appendable = disc->canTakeSession();
   state.sessions = disc->sessions;
   state.lastTrack = disc->lastTrackInLastSession;
@@ -100,18 +114,19 @@ DRDeviceStatus readDeviceStatus(mmc::Transport& transport) {
   const auto disc = mmc::readDiscInformation(transport);
   if (!disc) return status;
   DRDeviceMediaInfo& media = status.DRDeviceMediaInfoKey.emplace();
-  media.DRDeviceMediaSessionCountKey = disc->completeSessions();
+  const bool isOpen = disc->isOpen() && !growsInPlace(transport, *disc);
+  media.DRDeviceMediaSessionCountKey = isOpen ? disc->completeSessions() : disc->sessions;
   const uint16_t first = std::max<uint16_t>(disc->firstTrack, 1);
   const uint16_t last = std::min(disc->lastTrackInLastSession, kMostTracks);
   for (uint16_t number = first; number <= last; ++number) {
     media.DRDeviceTrackRefsKey.push_back(number);
     const auto track = mmc::readTrackInformation(transport, number);
     if (!track) continue;
-    const bool isOpenTrack = disc->isOpen() && number == last;
+    const bool isOpenTrack = isOpen && number == last;
     media.DRDeviceTrackInfoKey[number] = trackInfo(*track, isOpenTrack);
     if (isOpenTrack) media.DRDeviceMediaBlocksFreeKey = track->freeBlocks;
   }
-  const size_t openTracks = disc->isOpen() ? 1 : 0;
+  const size_t openTracks = isOpen ? 1 : 0;
   const size_t closedTracks =
       media.DRDeviceTrackRefsKey.size() - std::min(openTracks, media.DRDeviceTrackRefsKey.size());
   if (closedTracks > 1) leaveOutBrokenSessions(transport, closedTracks, media);
