@@ -1,24 +1,14 @@
 // SPDX-License-Identifier: GPL-2.0-or-later
 // The programs that people burn with, at the emulated drive, unchanged.
-#include "tool_fixture.h"
+#include "libburn_fixture.h"
 
 namespace kelvane::virtualdrive {
 namespace {
 
 using testing::HasSubstr;
 
-class BurningPrograms : public ToolTest {
+class BurningPrograms : public LibburnTest {
  protected:
-  Finished cdrskin(const std::vector<std::string>& arguments) {
-    std::vector<std::string> command{"cdrskin", "-v", "dev=/dev/sr0"};
-    command.insert(command.end(), arguments.begin(), arguments.end());
-    return runImpatiently(command);
-  }
-  Finished xorriso(const std::vector<std::string>& arguments) {
-    std::vector<std::string> command{"xorriso"};
-    command.insert(command.end(), arguments.begin(), arguments.end());
-    return runImpatiently(command);
-  }
   /// "first,next" as cdrskin tells it for the next image.
   std::string multiSessionInformation() {
     const auto finished = runImpatiently({"cdrskin", "dev=/dev/sr0", "-msinfo"});

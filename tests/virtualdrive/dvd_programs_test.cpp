@@ -1,27 +1,16 @@
 // SPDX-License-Identifier: GPL-2.0-or-later
 // libburn, in cdrskin and xorriso, at the emulated drive with DVDs.
-#include <algorithm>
 #include <map>
 
-#include "tool_fixture.h"
+#include "libburn_fixture.h"
 
 namespace kelvane::virtualdrive {
 namespace {
 
 using testing::HasSubstr;
 
-class DvdPrograms : public ToolTest {
+class DvdPrograms : public LibburnTest {
  protected:
-  Finished cdrskin(const std::vector<std::string>& arguments) {
-    std::vector<std::string> command{"cdrskin", "-v", "dev=/dev/sr0"};
-    command.insert(command.end(), arguments.begin(), arguments.end());
-    return runImpatiently(command);
-  }
-  Finished xorriso(const std::vector<std::string>& arguments) {
-    std::vector<std::string> command{"xorriso"};
-    command.insert(command.end(), arguments.begin(), arguments.end());
-    return runImpatiently(command);
-  }
   void expectVolume(const std::string& expected) {
     const auto out = path("out " + std::to_string(counter_++));
     const auto finished = kelvanedisc({"extract", disc(), out});
@@ -77,12 +66,7 @@ TEST_P(DvdProgramsOnEveryMedium, CdrskinTellsTheMediumAndItsState) {
 
 INSTANTIATE_TEST_SUITE_P(Media, DvdProgramsOnEveryMedium,
                          testing::Values("dvd-r", "dvd-rw", "dvd-rw-ro", "dvd+rw", "dvd+r"),
-                         [](const auto& instance) {
-                           std::string name = instance.param;
-                           std::erase(name, '-');
-                           std::ranges::replace(name, '+', 'P');
-                           return name;
-                         });
+                         [](const auto& instance) { return testNameOf(instance.param); });
 
 TEST_F(DvdPrograms, CdrskinBlanksAndFormatsADvdRw) {
   // libburn formats 128 MB at the least.

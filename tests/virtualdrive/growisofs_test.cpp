@@ -1,11 +1,10 @@
 // SPDX-License-Identifier: GPL-2.0-or-later
 // growisofs at the emulated drive, unchanged, with every DVD it can write.
+#include <fcntl.h>
 #include <signal.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
-#include <algorithm>
-#include <cstdio>
 #include <fstream>
 #include <thread>
 
@@ -103,8 +102,9 @@ class Growisofs : public ToolTest {
   void killWhileBurning(const std::string& source, std::uintmax_t endBefore) {
     const auto child = fork();
     if (child == 0) {
-      freopen("/dev/null", "w", stdout);
-      freopen("/dev/null", "w", stderr);
+      const int silence = open("/dev/null", O_WRONLY);
+      dup2(silence, STDOUT_FILENO);
+      dup2(silence, STDERR_FILENO);
       execl(KELVANE_BIN_DIR "/kelvanedisc", "kelvanedisc", "run", disc().c_str(), "--", "growisofs",
             "-use-the-force-luke=tty", "-M", "/dev/sr0", "-quiet", "-r", "-J", source.c_str(),
             nullptr);
@@ -287,12 +287,7 @@ TEST_P(GrowisofsOnEveryMedium, KilledInTheMiddleItLeavesWhatADriveWouldTellOf) {
 INSTANTIATE_TEST_SUITE_P(Media, GrowisofsOnEveryMedium,
                          testing::Values(kDvdR, kDvdRw, kRestrictedOverwrite, kDvdPlusRw,
                                          kDvdPlusR),
-                         [](const auto& instance) {
-                           std::string name = instance.param.name;
-                           std::erase(name, '-');
-                           std::ranges::replace(name, '+', 'P');
-                           return name;
-                         });
+                         [](const auto& instance) { return testNameOf(instance.param.name); });
 
 }  // namespace
 }  // namespace kelvane::virtualdrive

@@ -4,6 +4,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <nlohmann/json.hpp>
 #include <string>
 #include <vector>
@@ -67,6 +68,13 @@ class ToolTest : public testing::Test {
 
   TemporaryFolder folder_;
 };
+
+/// A medium's name, made of what the names of tests can be made of.
+inline std::string testNameOf(std::string medium) {
+  std::erase(medium, '-');
+  std::ranges::replace(medium, '+', 'P');
+  return medium;
+}
 
 /// What differs between two folders, links followed nowhere; "" where nothing does.
 inline std::string differences(const std::string& one, const std::string& other) {

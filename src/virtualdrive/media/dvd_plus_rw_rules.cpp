@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: GPL-2.0-or-later
 #include "virtualdrive/media/dvd_plus_rw_rules.h"
 
-#include "virtualdrive/media/dvd_overwriting.h"
 #include "virtualdrive/media/feature_codes.h"
 
 namespace kelvane::virtualdrive {
@@ -25,14 +24,6 @@ std::vector<std::uint16_t> DvdPlusRwRules::currentFeatures(const DiscState& disc
   return features;
 }
 
-std::vector<TrackView> DvdPlusRwRules::tracks(const DiscState& disc) const {
-  return {trackOfFormattedArea(disc)};
-}
-
-std::vector<SessionView> DvdPlusRwRules::sessions(const DiscState& disc) const {
-  return sessionOfFormattedArea(disc);
-}
-
 DiscSummary DvdPlusRwRules::summary(const DiscState& disc) const {
   if (!disc.formatting) return {};
   return {DiscStatus::Complete, SessionState::Complete, backgroundFormatOf(disc)};
@@ -41,10 +32,6 @@ DiscSummary DvdPlusRwRules::summary(const DiscState& disc) const {
 FormatCapacities DvdPlusRwRules::formatCapacities(const DiscState& disc) const {
   const auto sectors = disc.formatting ? disc.formatting->sectors : disc.capacity;
   return {disc.formatting.has_value(), sectors, {{kBasicFormat, disc.capacity, 0}}};
-}
-
-Sense DvdPlusRwRules::checkReadable(const DiscState& disc, Lba first, Lba count) const {
-  return checkInsideFormattedArea(disc, first, count);
 }
 
 /// The page means nothing to a DVD+RW (MMC-5, 7.5.3).
@@ -62,12 +49,8 @@ Sense DvdPlusRwRules::write(DiscFolder& folder, Lba first,
   return overwrite(folder, first, data);
 }
 
-Sense DvdPlusRwRules::closeSession(DiscFolder& folder) const {
-  return endGrowing(folder);
-}
-
 Sense DvdPlusRwRules::stopFormatting(DiscFolder& folder) const {
-  return endGrowing(folder);
+  return closeSession(folder);
 }
 
 Sense DvdPlusRwRules::format(DiscFolder& folder, const FormatRequest& request) const {

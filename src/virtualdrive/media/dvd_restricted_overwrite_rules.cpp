@@ -2,7 +2,6 @@
 #include "virtualdrive/media/dvd_restricted_overwrite_rules.h"
 
 #include "virtualdrive/media/dvd_minus_rw_formats.h"
-#include "virtualdrive/media/dvd_overwriting.h"
 #include "virtualdrive/media/feature_codes.h"
 
 namespace kelvane::virtualdrive {
@@ -13,14 +12,11 @@ std::vector<std::uint16_t> DvdRestrictedOverwriteRules::currentFeatures(const Di
 
 std::vector<TrackView> DvdRestrictedOverwriteRules::tracks(const DiscState& disc) const {
   constexpr std::uint8_t kFixedPackets = 0x30;
-  auto view = trackOfFormattedArea(disc);
-  view.stateBits = kFixedPackets;
-  if (view.free > 0) view.nextWritable = view.size;
-  return {view};
-}
-
-std::vector<SessionView> DvdRestrictedOverwriteRules::sessions(const DiscState& disc) const {
-  return sessionOfFormattedArea(disc);
+  auto views = DvdOverwritableRules::tracks(disc);
+  auto& area = views.front();
+  area.stateBits = kFixedPackets;
+  if (area.free > 0) area.nextWritable = area.size;
+  return views;
 }
 
 DiscSummary DvdRestrictedOverwriteRules::summary(const DiscState& disc) const {
@@ -30,11 +26,6 @@ DiscSummary DvdRestrictedOverwriteRules::summary(const DiscState& disc) const {
 
 FormatCapacities DvdRestrictedOverwriteRules::formatCapacities(const DiscState& disc) const {
   return {true, disc.formatting->sectors, dvdMinusRwFormats(disc)};
-}
-
-Sense DvdRestrictedOverwriteRules::checkReadable(const DiscState& disc, Lba first,
-                                                 Lba count) const {
-  return checkInsideFormattedArea(disc, first, count);
 }
 
 /// The page decides nothing in this mode (MMC-5, 7.5.3).
@@ -56,10 +47,6 @@ Sense DvdRestrictedOverwriteRules::write(DiscFolder& folder, Lba first,
     return disc.formatting->growing ? kEndOfUserArea : kAddressOutOfRange;
   }
   return overwrite(folder, first, data);
-}
-
-Sense DvdRestrictedOverwriteRules::closeSession(DiscFolder& folder) const {
-  return endGrowing(folder);
 }
 
 Sense DvdRestrictedOverwriteRules::blank(DiscFolder& folder, BlankExtent extent) const {

@@ -1,37 +1,35 @@
 // SPDX-License-Identifier: GPL-2.0-or-later
-#include "virtualdrive/media/dvd_overwriting.h"
+#include "virtualdrive/media/dvd_overwritable_rules.h"
 
 #include <algorithm>
 
 namespace kelvane::virtualdrive {
 
-TrackView trackOfFormattedArea(const DiscState& disc) {
+std::vector<TrackView> DvdOverwritableRules::tracks(const DiscState& disc) const {
   TrackView view;
+  view.invisible = !disc.formatting || disc.formatting->sectors == 0;
   if (!disc.formatting) {
-    view.size = disc.capacity;
-    view.free = disc.capacity;
-    view.invisible = true;
-    return view;
+    view.size = view.free = disc.capacity;
+    return {view};
   }
-  view.invisible = disc.formatting->sectors == 0;
-  view.size = disc.formatting->sectors;
-  view.recorded = disc.formatting->sectors;
+  view.size = view.recorded = disc.formatting->sectors;
   view.complete = !disc.formatting->growing;
   if (disc.formatting->growing) view.free = disc.capacity - view.size;
-  return view;
+  return {view};
 }
 
-std::vector<SessionView> sessionOfFormattedArea(const DiscState& disc) {
+std::vector<SessionView> DvdOverwritableRules::sessions(const DiscState& disc) const {
   if (!disc.formatting || disc.formatting->sectors == 0) return {};
   return {{1, 1, 1, 0, disc.formatting->sectors}};
 }
 
-Sense checkInsideFormattedArea(const DiscState& disc, Lba first, Lba count) {
+Sense DvdOverwritableRules::checkReadable(const DiscState& disc, Lba first, Lba count) const {
   const auto end = disc.formatting ? disc.formatting->sectors : 0;
   return first < 0 || count > end - first ? kAddressOutOfRange : kGood;
 }
 
-Sense overwrite(DiscFolder& folder, Lba first, std::span<const std::uint8_t> data) {
+Sense DvdOverwritableRules::overwrite(DiscFolder& folder, Lba first,
+                                      std::span<const std::uint8_t> data) {
   auto& disc = folder.disc;
   if (!folder.sectors().write(first, data)) return kWriteError;
   const auto end = first + static_cast<Lba>(data.size() / kSectorBytes);
@@ -44,7 +42,7 @@ Sense overwrite(DiscFolder& folder, Lba first, std::span<const std::uint8_t> dat
   return kGood;
 }
 
-Sense endGrowing(DiscFolder& folder) {
+Sense DvdOverwritableRules::closeSession(DiscFolder& folder) const {
   auto& disc = folder.disc;
   if (!disc.formatting || !disc.formatting->growing) return kGood;
   disc.formatting->growing = false;
