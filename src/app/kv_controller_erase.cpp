@@ -61,6 +61,8 @@ void KVController::eraseClosedDisc() {
   removeOwn(paths::hiddenMountFolder());
   currentDevice_ = nullptr;
   eraseDisc(device);
+  // Whoever asked to quit while the volume was being closed would leave the erase unwatched.
+  window_.replyToApplicationShouldTerminate(false);
 }
 
 // Between the unmounting and the erase nobody is to mount the disc again. Once the erase has begun

@@ -35,7 +35,12 @@ class ErasingWindow : public WindowlessOutlets {
     alerts.push_back(alert.messageKey);
   }
 
+  void replyToApplicationShouldTerminate(bool shouldTerminate) override {
+    replies.push_back(shouldTerminate);
+  }
+
   bool asksToBurn = false;
+  std::vector<bool> replies;
   bool isErasing() const { return panel_.isErasing(); }
   std::vector<std::string> alerts;
   std::vector<std::string> outcomes;
@@ -118,6 +123,7 @@ TEST_F(EraseOfAnOpenDisc, ClosesAVolumeWithoutChangesErasesAndOpensTheBlankDisc)
   EXPECT_FALSE(window_.isErasing()) << "erased under the volume";
   ASSERT_TRUE(waitFor([this] { return window_.isErasing(); }));
   EXPECT_FALSE(controller_->mediaIsMounted());
+  EXPECT_THAT(window_.replies, testing::ElementsAre(false)) << "a quit would not wait";
   EXPECT_FALSE(fs::exists(overlay));
   EXPECT_FALSE(fs::exists(paths::hiddenMountFolder()));
   EXPECT_TRUE(device_->mediaIsBusy());
