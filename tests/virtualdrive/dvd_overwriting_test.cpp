@@ -249,6 +249,28 @@ TEST_F(RestrictedOverwrite, InterruptedFormattingIsCarriedToItsEnd) {
   EXPECT_EQ(contentOf(disc() / "disc.json"), discToJson(formatted));
 }
 
+TEST_F(RestrictedOverwrite, EveryTruncationAndFlippedByteOfADescriptionIsRefusedOrHarmless) {
+  makeFormatted();
+  ASSERT_EQ(write(0, blocks(3, 1)), kGood);
+  const auto sound = contentOf(disc() / "disc.json");
+  for (std::size_t at = 0; at < sound.size(); ++at) {
+    auto broken = sound;
+    broken[at] = static_cast<char>(broken[at] ^ 0x11);
+    writeFile(disc() / "disc.json", broken);
+    discInformation();
+    read(0, 1);
+    track(1, 1);
+    formatCapacities();
+    ask({0x43, 0, 0, 0, 0, 0, 0, 0x10, 0, 0});
+    ask({0xAD, 0, 0, 0, 0, 0, 0, 0, 8, 4, 0, 0});
+    EXPECT_EQ(std::filesystem::file_size(drive().sectorsFile()) % kSectorBytes, 0U);
+  }
+  for (std::size_t length = 0; length + 2 < sound.size(); ++length) {
+    writeFile(disc() / "disc.json", sound.substr(0, length));
+    EXPECT_NE(discInformation().sense, kGood) << length;
+  }
+}
+
 TEST_F(RestrictedOverwrite, DescriptionsThatContradictThemselvesAreRefused) {
   makeFormatted();
   const auto refuses = [&](const std::string& from, const std::string& to) {

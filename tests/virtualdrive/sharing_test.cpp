@@ -89,6 +89,37 @@ TEST_F(Sharing, KillAtAnyMomentOfClosingAndBlankingLeavesOneOfTheTwoStates) {
   }
 }
 
+TEST_F(Sharing, KillAtAnyMomentOfFormattingAndBlankingADvdLeavesOneOfItsModes) {
+  makeDisc(MediumKind::DvdRw, 2560);
+  const Block blankAll{0xA1, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0};
+  const Block formatUnit{0x04, 0x11, 0, 0, 0, 0};
+  const std::string quickFormat("\0\x02\0\x08\0\0\0\0\x54\0\0\x10", 12);
+  std::mt19937 random(3);
+  for (int round = 0; round < 30; ++round) {
+    const auto child = inChild([&] {
+      while (true) {
+        send(formatUnit, quickFormat);
+        write(0, patternBytes(64 * kSectorBytes, 1));
+        closeSession();
+        write(0, patternBytes(64 * kSectorBytes, 2));
+        send(blankAll);
+      }
+    });
+    std::this_thread::sleep_for(std::chrono::microseconds(random() % 20000));
+    kill(child, SIGKILL);
+    waitFor(child);
+    const auto information = discInformation();
+    ASSERT_EQ(information.sense, kGood) << round;
+    ASSERT_THAT(information.u8(2), testing::AnyOf(0x10U, 0x15U, 0x1EU)) << round;
+    if (inspect().formatting) {
+      ASSERT_EQ(read(0, 16).sense, kGood);
+    }
+    // Whatever it was doing, the disc can be blanked and written.
+    ASSERT_EQ(send(blankAll), kGood);
+    ASSERT_EQ(discInformation().u8(2), 0x10U);
+  }
+}
+
 TEST_F(Sharing, TrackThatWasDescribedButGotNoDataHasNotHappened) {
   makeDisc(MediumKind::CdR);
   writeSession(300, 1);
