@@ -55,6 +55,9 @@ void DVDBurn::runGrowisofs() {
   task.setEnvironmentVariable("MKISOFS", auxiliaryProgram(kImageBuilder));
   // What ends the application's session (a terminal's Ctrl-C, a log-out) must not cost a disc.
   task.setSession(ChildTask::Session::OfItsOwn);
+  // An error is only seen where it begins a chunk or ends it as a line. Were several messages read
+  // as one chunk, it would depend on this thread's speed whether a failure is noticed.
+  task.keepErrorWritesApart();
   if (!task.launch()) {
     burnErrors_.push_back(task.launchError());
     return;

@@ -43,6 +43,28 @@ TEST_F(ChildTaskTest, AChildThatWritesMoreThanAPipeHoldsIsNotHeldUp) {
   EXPECT_EQ(task_.readStandardErrorToEnd().size(), 1000000u);
 }
 
+TEST_F(ChildTaskTest, WritesToStandardErrorAreToldApartHoweverLateTheyAreAskedFor) {
+  shell("echo one >&2; printf 'two\\nlines\\n' >&2; printf : >&2; echo end >&2");
+  task_.keepErrorWritesApart();
+  ASSERT_TRUE(task_.launch());
+  ASSERT_TRUE(task_.waitBlocking(-1));
+  EXPECT_EQ(task_.availableStandardError(), "one\n");
+  EXPECT_EQ(task_.availableStandardError(), "two\nlines\n");
+  EXPECT_EQ(task_.availableStandardError(), ":");
+  EXPECT_EQ(task_.availableStandardError(), "end\n");
+  EXPECT_EQ(task_.availableStandardError(), "");
+}
+
+TEST_F(ChildTaskTest, AChildWhoseErrorWritesNobodyReadsIsNotHeldUp) {
+  shell("i=0; while [ $i -lt 3000 ]; do i=$((i+1)); echo $i >&2 || :; done; exit 3");
+  task_.keepErrorWritesApart();
+  ASSERT_TRUE(task_.launch());
+  ASSERT_TRUE(task_.waitBlocking(-1));
+  EXPECT_EQ(task_.terminationStatus(), 3);
+  EXPECT_EQ(task_.availableStandardError(), "1\n");
+  EXPECT_EQ(task_.availableStandardError(), "2\n");
+}
+
 TEST_F(ChildTaskTest, LinesAreDeliveredCompleteAndTheLastOneWithoutALineFeedToo) {
   std::vector<std::string> lines;
   bool ended = false;

@@ -34,6 +34,10 @@ class Fault:
 
 
 FAILED = ("cd burn finished with state: DRStatusStateFailed", "CD burning failed: ")
+DVD_BURNED = ("DVDBurn finished successfully!",)
+DVD_FAILED = ("burnerrors: ",)
+# Behind the error correction block of the volume descriptors.
+FIRST_DATA_SECTOR = 32
 BURNED = ("cd burn finished with state: DRStatusStateDone",)
 
 
@@ -62,13 +66,16 @@ class Faults(RoadTest):
         if os.path.exists(gone):
             os.rename(gone, os.path.join(disc, "disc.json"))
 
+    def disc_with_session(self, media):
+        self.discs += 1
+        return self.make_disc(name=f"disc{self.discs}", media=media, source=self.source, label="SAMPLE")
+
     def digest_of_sessions(self, disc):
         tracks = [session["tracks"][0] for session in self.sessions(disc)]
         return [sha256_of_sectors(disc, track["start"], track["start"] + track["sectors"]) for track in tracks]
 
     def check(self, media, fault):
-        self.discs += 1
-        disc = self.make_disc(name=f"disc{self.discs}", media=media, source=self.source, label="SAMPLE")
+        disc = self.disc_with_session(media)
         before = self.digest_of_sessions(disc)
         self.put_script(disc, fault.script)
         edit = "head -c 3000000 /dev/urandom > new.bin; rm docs/a.txt; mv c.txt d.txt"
@@ -140,6 +147,60 @@ class FaultsOfCds(Faults):
 
     def test_the_drive_tells_of_the_new_session(self):
         self.check_all(Fault("after close: attention", state="burned", log=BURNED, disc="new"))
+
+
+class FaultsOfDvds(Faults):
+    """Media that are overwritten at will: the new session is found only once the volume descriptors, which come last, are
+    written."""
+
+    def disc_with_session(self, media):
+        if media != "dvd-rw":
+            return super().disc_with_session(media)
+        self.discs += 1
+        disc = self.make_disc(name=f"disc{self.discs}", media=media)
+        # The application itself makes it one that is overwritten.
+        self.edit(disc, f'cp -r "{self.source}"/. .')
+        return disc
+
+    def digest_of_sessions(self, disc):
+        """There is one session, which grows; its beginning is replaced."""
+        if self.ends.get(disc) is None:
+            self.ends[disc] = self.sessions(disc)[0]["tracks"][0]["sectors"]
+        return [sha256_of_sectors(disc, FIRST_DATA_SECTOR, self.ends[disc])]
+
+    def setUp(self):
+        super().setUp()
+        self.ends = {}
+
+    def check_all(self, fault):
+        for media in ("dvd-rw", "dvd+rw"):
+            self.check(media, fault)
+
+    def test_a_sector_cannot_be_written(self):
+        self.check_all(Fault("on write 20: sense 3/0C/00", key="DVDBurnError", log=DVD_FAILED))
+
+    def test_the_laser_power_cannot_be_calibrated(self):
+        self.check_all(Fault("on write and later: sense 3/73/03", key="DVDBurnError", log=DVD_FAILED))
+
+    def test_the_disc_is_full_in_the_middle(self):
+        self.check_all(Fault("on write 20 and later: full", key="DVDBurnError", log=DVD_FAILED))
+
+    def test_the_drive_disappears_in_the_middle(self):
+        self.check_all(Fault("on write 20: gone", key="DVDBurnError", log=DVD_FAILED))
+
+    def test_nobody_gets_the_drive_alone(self):
+        self.check_all(Fault("exclusive: refused", key="DVDBurnError", log=DVD_FAILED))
+
+    def test_the_session_cannot_be_closed(self):
+        # To growisofs that is no failure: all data is there. The log has its words.
+        self.check_all(Fault("on close and later: sense 3/0C/00", state="burned", disc="new",
+                             log=[*DVD_BURNED, "growisofs: :-[ CLOSE SESSION failed"]))
+
+    def test_the_new_session_is_seen_after_loading_only(self):
+        self.check_all(Fault("after close: stale", state="burned", disc="new", log=DVD_BURNED))
+
+    def test_the_drive_tells_of_the_new_session(self):
+        self.check_all(Fault("after close: attention", state="burned", disc="new", log=DVD_BURNED))
 
 
 if __name__ == "__main__":

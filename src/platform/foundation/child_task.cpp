@@ -1,11 +1,15 @@
 // SPDX-License-Identifier: GPL-2.0-or-later
 #include "platform/foundation/child_task.h"
 
+#include <fcntl.h>
 #include <unistd.h>
 
 #include <QEventLoop>
 #include <QProcess>
 #include <QProcessEnvironment>
+#include <cerrno>
+#include <climits>
+#include <cstring>
 #include <utility>
 
 namespace kelvane {
@@ -29,6 +33,7 @@ ChildTask::ChildTask() : process_(std::make_unique<QProcess>()) {
 }
 
 ChildTask::~ChildTask() {
+  closeErrorPipe();
   process_->disconnect();
   if (!isRunning()) return;
   if (session_ == Session::OfItsOwn) {
@@ -67,13 +72,35 @@ void ChildTask::setStandardStreams(StandardStreams streams) {
   process_->setProcessChannelMode(QProcess::ForwardedChannels);
 }
 
+void ChildTask::keepErrorWritesApart() {
+  keepsErrorWritesApart_ = true;
+}
+
+bool ChildTask::makeErrorPipe() {
+  if (!keepsErrorWritesApart_) return true;
+  if (pipe2(errorPipe_.data(), O_CLOEXEC | O_DIRECT) != 0) return false;
+  // A page for each write; there are 16 otherwise.
+  constexpr int kPipeBytes = 1 << 20;
+  fcntl(errorPipe_[1], F_SETPIPE_SZ, kPipeBytes);
+  return fcntl(errorPipe_[1], F_SETFL, O_DIRECT | O_NONBLOCK) == 0;
+}
+
+void ChildTask::closeErrorPipe() {
+  for (int& end : errorPipe_) {
+    if (end >= 0) close(end);
+    end = -1;
+  }
+}
+
 void ChildTask::configureChild() {
   const bool ownSession = session_ == Session::OfItsOwn;
   const bool outputToError = streams_ == StandardStreams::OwnOutputToError;
-  if (!ownSession && !outputToError) return;
+  const int errorEnd = errorPipe_[1];
+  if (!ownSession && !outputToError && errorEnd < 0) return;
   // Runs in the child, between fork and exec.
-  process_->setChildProcessModifier([ownSession, outputToError] {
+  process_->setChildProcessModifier([ownSession, outputToError, errorEnd] {
     if (ownSession) setsid();
+    if (errorEnd >= 0) dup2(errorEnd, STDERR_FILENO);
     if (outputToError) dup2(STDERR_FILENO, STDOUT_FILENO);
   });
 }
@@ -86,6 +113,10 @@ bool ChildTask::launch() {
     environment.insert(QString::fromStdString(name), QString::fromStdString(value));
   }
   process_->setProcessEnvironment(environment);
+  if (!makeErrorPipe()) {
+    pipeError_ = std::strerror(errno);
+    return false;
+  }
   configureChild();
   QObject::connect(process_.get(), &QProcess::readyReadStandardOutput, [this] { deliverLines(); });
   QObject::connect(process_.get(), &QProcess::finished, [this] {
@@ -94,11 +125,14 @@ bool ChildTask::launch() {
     if (endHandler_) endHandler_();
   });
   process_->start(QString::fromStdString(launchPath_), arguments);
-  return process_->waitForStarted(-1);
+  const bool started = process_->waitForStarted(-1);
+  // The child's end is the child's alone: with it closes the pipe.
+  if (errorPipe_[1] >= 0) close(std::exchange(errorPipe_[1], -1));
+  return started;
 }
 
 std::string ChildTask::launchError() const {
-  return process_->errorString().toStdString();
+  return pipeError_.empty() ? process_->errorString().toStdString() : pipeError_;
 }
 
 int64_t ChildTask::processIdentifier() const {
@@ -106,6 +140,14 @@ int64_t ChildTask::processIdentifier() const {
 }
 
 std::string ChildTask::availableStandardError() {
+  if (errorPipe_[0] >= 0) {
+    std::array<char, PIPE_BUF> buffer{};
+    ssize_t length = 0;
+    do {
+      length = read(errorPipe_[0], buffer.data(), buffer.size());
+    } while (length < 0 && errno == EINTR);
+    return {buffer.data(), length > 0 ? static_cast<size_t>(length) : 0};
+  }
   process_->setReadChannel(QProcess::StandardError);
   if (process_->bytesAvailable() == 0) process_->waitForReadyRead(-1);
   return process_->readAllStandardError().toStdString();

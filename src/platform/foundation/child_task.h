@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-2.0-or-later
 #pragma once
 
+#include <array>
 #include <functional>
 #include <map>
 #include <memory>
@@ -38,6 +39,12 @@ class ChildTask {
   /// Adds one variable to the environment, which otherwise is this process's own.
   void setEnvironmentVariable(const std::string& name, const std::string& value);
   void setStandardStreams(StandardStreams streams);
+  /// Has what the child writes to standard error told apart: `availableStandardError` then gives
+  /// one write of the child at a time, in pieces of 4096 bytes (pipe(7), O_DIRECT), however late it
+  /// is asked. Nothing else gives standard error then. Some hundred writes are kept; where nobody
+  /// reads them, further ones are lost, so that the child never stands still for them, not even
+  /// when this process has died. Set before `launch`.
+  void keepErrorWritesApart();
 
   /// Starts the child. False where it cannot be started; `launchError` then says why.
   bool launch();
@@ -73,6 +80,8 @@ class ChildTask {
   void kill();
 
  private:
+  bool makeErrorPipe();
+  void closeErrorPipe();
   void configureChild();
   void deliverLines();
 
@@ -85,6 +94,9 @@ class ChildTask {
   std::function<void(const std::string&)> lineHandler_;
   std::function<void()> endHandler_;
   std::string incompleteLine_;
+  std::string pipeError_;
+  bool keepsErrorWritesApart_ = false;
+  std::array<int, 2> errorPipe_ = {-1, -1};  // Where error writes are kept apart: its two ends.
 };
 
 }  // namespace kelvane
