@@ -10,6 +10,7 @@
 namespace kelvane {
 namespace {
 
+using ::testing::AllOf;
 using ::testing::HasSubstr;
 
 class FailingEraseTest : public testing::BurnerFixture {
@@ -53,7 +54,8 @@ TEST_F(FailingEraseTest, ABeginningThatCannotBeOverwrittenIsReported) {
 
 TEST_F(FailingEraseTest, ABeginningThatIsOverwrittenOnlyInPartIsReported) {
   DRDevice* device = addPreparedDrive("dvd+rw");
-  EXPECT_THAT(reasonOf(device, "on write 2: sense 3/0C/00"), HasSubstr("does not call it blank"));
+  EXPECT_THAT(reasonOf(device, "on write 2: sense 3/0C/00"),
+              AllOf(HasSubstr("does not call it blank"), HasSubstr("[3 0C 00]")));
   EXPECT_FALSE(device->mediaIsBlank());
 }
 

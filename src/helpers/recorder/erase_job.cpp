@@ -74,7 +74,7 @@ std::string EraseJob::erase() {
   if (!problem.empty()) return settledState(transport).blank ? std::string() : problem;
   reporter_.finishing();
   if (discIsBlank(transport)) return {};
-  return withDriveWords("The drive has erased the disc, but does not call it blank.");
+  return withKnownWords("The drive has erased the disc, but does not call it blank.");
 }
 
 std::string EraseJob::eraseBy(EraseMethod method) {
@@ -125,6 +125,7 @@ std::string EraseJob::overwriteBeginning(burn::burn_drive* drive) {
     }
     reporter_.erasing(block + kBlocksAtOnce, kVolumeDescriptionBlocks);
   }
+  messages_.collect();
   const int flushed = burn::burn_random_access_write(drive, 0, zeros.data(), 0, kFlushBuffer);
   if (block == 0 || flushed <= 0) {
     return withDriveWords("The beginning of the disc cannot be overwritten.");
@@ -134,6 +135,11 @@ std::string EraseJob::overwriteBeginning(burn::burn_drive* drive) {
 
 std::string EraseJob::withDriveWords(const std::string& sentence) {
   messages_.collect();
+  return withKnownWords(sentence);
+}
+
+// With what was collected while libburn ran.
+std::string EraseJob::withKnownWords(const std::string& sentence) const {
   return messages_.worst().empty() ? sentence : sentence + " " + messages_.worst();
 }
 

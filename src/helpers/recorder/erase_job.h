@@ -40,6 +40,7 @@ class EraseJob {
   std::string overwriteBeginning(burn::burn_drive* drive);
   void followBlanking(burn::burn_drive* drive);
   std::string withDriveWords(const std::string& sentence);
+  std::string withKnownWords(const std::string& sentence) const;
 
   EraseOrder order_;
   Reporter& reporter_;
