@@ -69,7 +69,10 @@ void BatchRun::lookAtRecords() {
       ++usable;
       continue;
     }
-    if (record.unsupportedString->empty()) return;  // Still loading: the next scan tells.
+    if (record.unsupportedString->empty()) {
+      discIsLoading();
+      return;
+    }
     refusals += record.description.volumename + ": " + *record.unsupportedString + " ";
   }
   if (usable == 1) return;  // The controller opens it without being asked.
@@ -210,6 +213,13 @@ void BatchRun::beginAlertSheet(const Alert& alert, std::function<void(int)>) {
     return;  // The controller's own clean-up follows.
   }
   notOpened(line);
+}
+
+// The next scan tells what disc it is. A drive that never finds out is waited for until the user has
+// enough of it.
+void BatchRun::discIsLoading() {
+  if (std::exchange(announcedLoading_, true)) return;
+  say("Waiting for the drive to find out what disc is in it.");
 }
 
 void BatchRun::mountFailed(const std::string& reason) {

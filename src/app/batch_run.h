@@ -53,6 +53,7 @@ class BatchRun final : public WindowlessOutlets {
   void commandHasEnded();
   void closeVolume();
   void volumeIsBusy(const std::string& users);
+  void discIsLoading();
   void mountFailed(const std::string& reason);
   void burnStatusChanged(const Notification& notification);
   void notOpened(const std::string& reason);
@@ -65,6 +66,7 @@ class BatchRun final : public WindowlessOutlets {
   BatchOutcome outcome_;
   std::unique_ptr<ChildTask> command_;
   bool commandFailed_ = false;
+  bool announcedLoading_ = false;
   std::optional<int> interruptedBy_;
   std::string announcedUsers_;
   int announcedTenths_ = 0;

@@ -3,6 +3,7 @@
 sessions as they were."""
 
 import os
+import signal
 import unittest
 from xml.etree import ElementTree
 
@@ -147,6 +148,27 @@ class FaultsOfCds(Faults):
 
     def test_the_drive_tells_of_the_new_session(self):
         self.check_all(Fault("after close: attention", state="burned", log=BURNED, disc="new"))
+
+    def test_the_drive_takes_its_time_with_the_disc(self):
+        disc = self.disc_with_session("cd-r")
+        self.kelvanedisc("eject", disc)
+        self.put_script(disc, "load: not ready 2500 ms")
+        shown, _ = self.edit(disc, "echo new > new.txt")
+        self.assert_last_session_equals(disc, shown)
+
+    def test_the_drive_never_knows_the_disc(self):
+        disc = self.disc_with_session("cd-r")
+        self.kelvanedisc("eject", disc)
+        self.put_script(disc, "load: never ready")
+        process = self.start_batch(disc, "false")
+        line = ""
+        while "Waiting for the drive to find out what disc is in it." not in line:
+            line = process.stderr.readline()
+            self.assertTrue(line, "ended without waiting")
+        process.send_signal(signal.SIGTERM)
+        output, errors = process.communicate(timeout=120)
+        self.assertEqual(process.returncode, 128 + signal.SIGTERM, errors)
+        self.assertIn('"interrupted"', output)
 
 
 class FaultsOfDvds(Faults):
