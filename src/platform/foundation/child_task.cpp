@@ -74,6 +74,8 @@ void ChildTask::setStandardStreams(StandardStreams streams) {
 
 void ChildTask::keepErrorWritesApart() {
   keepsErrorWritesApart_ = true;
+  // Whoever waits for the error pipe does not take in anything else.
+  process_->setStandardOutputFile(QProcess::nullDevice());
 }
 
 bool ChildTask::makeErrorPipe() {

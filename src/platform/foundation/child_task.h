@@ -41,9 +41,9 @@ class ChildTask {
   void setStandardStreams(StandardStreams streams);
   /// Has what the child writes to standard error told apart: `availableStandardError` then gives
   /// one write of the child at a time, in pieces of 4096 bytes (pipe(7), O_DIRECT), however late it
-  /// is asked. Nothing else gives standard error then. Some hundred writes are kept; where nobody
-  /// reads them, further ones are lost, so that the child never stands still for them, not even
-  /// when this process has died. Set before `launch`.
+  /// is asked. Nothing else gives standard error then, and standard output is dropped. Some hundred
+  /// writes are kept; where nobody reads them, further ones are lost, so that the child never
+  /// stands still for them, not even when this process has died. Set before `launch`.
   void keepErrorWritesApart();
 
   /// Starts the child. False where it cannot be started; `launchError` then says why.
