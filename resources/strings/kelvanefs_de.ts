@@ -318,6 +318,42 @@
         <source>An error was reported while the DVD was being written, so the new session cannot be relied on, and your changes are lost. What was burned earlier may still be readable. Insert the DVD again to see whether it opens. If it does, repeat the changes and burn at a lower speed; if not, use another DVD.</source>
         <translation>Beim Beschreiben der DVD wurde ein Fehler gemeldet. Auf die neue Sitzung ist kein Verlass, und Ihre Änderungen sind verloren. Was früher gebrannt wurde, ist vielleicht noch lesbar. Legen Sie die DVD wieder ein und sehen Sie nach, ob sie sich öffnen lässt. Wenn ja, wiederholen Sie die Änderungen und brennen Sie langsamer; wenn nein, nehmen Sie eine andere DVD.</translation>
     </message>
+    <message id="ReasonNameNotText">
+        <source>The name “%@” is not written in UTF-8, so it cannot be put on a disc. Give the item another name.</source>
+        <translation>Der Name „%@“ ist nicht in UTF-8 geschrieben und kann deshalb nicht auf eine Disc. Geben Sie dem Objekt einen anderen Namen.</translation>
+    </message>
+    <message id="ReasonNamesTooAlike">
+        <source>“%@” and “%@” differ only behind their first 103 characters, which is as much as a disc keeps. Shorten one of the names.</source>
+        <translation>„%@“ und „%@“ unterscheiden sich erst hinter den ersten 103 Zeichen, und mehr behält eine Disc nicht. Kürzen Sie einen der Namen.</translation>
+    </message>
+    <message id="ReasonFileTooLarge">
+        <source>“%@” has 4 GB or more, and a file on a disc has to be smaller. Split it into parts.</source>
+        <translation>„%@“ hat 4 GB oder mehr, und eine Datei auf einer Disc muss kleiner sein. Teilen Sie sie auf.</translation>
+    </message>
+    <message id="ReasonFileNotReadable">
+        <source>“%@” could not be read.</source>
+        <translation>„%@“ konnte nicht gelesen werden.</translation>
+    </message>
+    <message id="ReasonFolderHidden">
+        <source>Something that was deleted has a name so much like that of the folder around “%@” that both would be hidden. Rename that folder before you delete anything beside it.</source>
+        <translation>Etwas Gelöschtes hat einen so ähnlichen Namen wie der Ordner um „%@“, dass beides verborgen würde. Benennen Sie diesen Ordner um, bevor Sie neben ihm etwas löschen.</translation>
+    </message>
+    <message id="ReasonFolderForFile">
+        <source>A new folder has the name that a file on the disc has. Give the folder another name.</source>
+        <translation>Ein neuer Ordner heißt wie eine Datei auf der Disc. Geben Sie dem Ordner einen anderen Namen.</translation>
+    </message>
+    <message id="ReasonLinkTooLong">
+        <source>The disc holds a symbolic link that is too long to be read again, so no session can be added to it.</source>
+        <translation>Auf der Disc steht ein symbolischer Link, der zu lang ist, um wieder gelesen zu werden. Deshalb lässt sich keine Sitzung mehr hinzufügen.</translation>
+    </message>
+    <message id="ReasonDiscFull">
+        <source>There is not enough room on the disc for the new session.</source>
+        <translation>Auf der Disc ist für die neue Sitzung nicht genug Platz.</translation>
+    </message>
+    <message id="ReasonTemporaryFolderFull">
+        <source>The folder for temporary files is full. Make room there, as much as the new session has.</source>
+        <translation>Der Ordner für temporäre Dateien ist voll. Schaffen Sie dort so viel Platz, wie die neue Sitzung braucht.</translation>
+    </message>
     <message id="attempteraseshort">
         <source>Erase this disc?</source>
         <translation>Diese Disc löschen?</translation>

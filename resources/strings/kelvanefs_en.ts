@@ -318,6 +318,42 @@
         <source>An error was reported while the DVD was being written, so the new session cannot be relied on, and your changes are lost. What was burned earlier may still be readable. Insert the DVD again to see whether it opens. If it does, repeat the changes and burn at a lower speed; if not, use another DVD.</source>
         <translation>An error was reported while the DVD was being written, so the new session cannot be relied on, and your changes are lost. What was burned earlier may still be readable. Insert the DVD again to see whether it opens. If it does, repeat the changes and burn at a lower speed; if not, use another DVD.</translation>
     </message>
+    <message id="ReasonNameNotText">
+        <source>The name “%@” is not written in UTF-8, so it cannot be put on a disc. Give the item another name.</source>
+        <translation>The name “%@” is not written in UTF-8, so it cannot be put on a disc. Give the item another name.</translation>
+    </message>
+    <message id="ReasonNamesTooAlike">
+        <source>“%@” and “%@” differ only behind their first 103 characters, which is as much as a disc keeps. Shorten one of the names.</source>
+        <translation>“%@” and “%@” differ only behind their first 103 characters, which is as much as a disc keeps. Shorten one of the names.</translation>
+    </message>
+    <message id="ReasonFileTooLarge">
+        <source>“%@” has 4 GB or more, and a file on a disc has to be smaller. Split it into parts.</source>
+        <translation>“%@” has 4 GB or more, and a file on a disc has to be smaller. Split it into parts.</translation>
+    </message>
+    <message id="ReasonFileNotReadable">
+        <source>“%@” could not be read.</source>
+        <translation>“%@” could not be read.</translation>
+    </message>
+    <message id="ReasonFolderHidden">
+        <source>Something that was deleted has a name so much like that of the folder around “%@” that both would be hidden. Rename that folder before you delete anything beside it.</source>
+        <translation>Something that was deleted has a name so much like that of the folder around “%@” that both would be hidden. Rename that folder before you delete anything beside it.</translation>
+    </message>
+    <message id="ReasonFolderForFile">
+        <source>A new folder has the name that a file on the disc has. Give the folder another name.</source>
+        <translation>A new folder has the name that a file on the disc has. Give the folder another name.</translation>
+    </message>
+    <message id="ReasonLinkTooLong">
+        <source>The disc holds a symbolic link that is too long to be read again, so no session can be added to it.</source>
+        <translation>The disc holds a symbolic link that is too long to be read again, so no session can be added to it.</translation>
+    </message>
+    <message id="ReasonDiscFull">
+        <source>There is not enough room on the disc for the new session.</source>
+        <translation>There is not enough room on the disc for the new session.</translation>
+    </message>
+    <message id="ReasonTemporaryFolderFull">
+        <source>The folder for temporary files is full. Make room there, as much as the new session has.</source>
+        <translation>The folder for temporary files is full. Make room there, as much as the new session has.</translation>
+    </message>
     <message id="attempteraseshort">
         <source>Erase this disc?</source>
         <translation>Erase this disc?</translation>

@@ -2,7 +2,9 @@
 #include "app/batch_run.h"
 
 #include <QCoreApplication>
+#include <algorithm>
 #include <chrono>
+#include <cmath>
 #include <filesystem>
 #include <system_error>
 #include <utility>
@@ -172,6 +174,7 @@ void BatchRun::beginBurnConfirmationSheet() {
 void BatchRun::setBurnMessage(const std::string& text) {
   say("%@", text);
   if (text == localizedString("burningchangesdvd")) writingBeginsAt_ = 0.0;
+  if (text == localizedString("burningchangescd")) writingBeginsAt_ = 1.0;
   std::error_code failure;
   const std::string image = paths::burnImage(controller_->tmpDirPath());
   const uintmax_t size = std::filesystem::file_size(image, failure);
@@ -182,8 +185,10 @@ void BatchRun::setDoubleValue(double value) {
   // Of a CD the second half of the bar is the burn itself, of a DVD all of it; a line every tenth
   // of that is enough.
   constexpr double kBarEnd = 2.0;
-  const double written = (value - writingBeginsAt_) / (kBarEnd - writingBeginsAt_);
-  const int tenths = static_cast<int>(written * 10);
+  // While the image of a CD is built, the bar follows a guess of its size, which may be far off.
+  if (!writingBeginsAt_ || !std::isfinite(value)) return;
+  const double written = (value - *writingBeginsAt_) / (kBarEnd - *writingBeginsAt_);
+  const int tenths = static_cast<int>(std::clamp(written, 0.0, 1.0) * 10);
   if (tenths <= announcedTenths_) return;
   announcedTenths_ = tenths;
   say("%i% written.", tenths * 10);
@@ -215,8 +220,8 @@ void BatchRun::beginAlertSheet(const Alert& alert, std::function<void(int)>) {
   notOpened(line);
 }
 
-// The next scan tells what disc it is. A drive that never finds out is waited for until the user has
-// enough of it.
+// The next scan tells what disc it is. A drive that never finds out is waited for until the user
+// has enough of it.
 void BatchRun::discIsLoading() {
   if (std::exchange(announcedLoading_, true)) return;
   say("Waiting for the drive to find out what disc is in it.");

@@ -70,7 +70,7 @@ class BatchRun final : public WindowlessOutlets {
   std::optional<int> interruptedBy_;
   std::string announcedUsers_;
   int announcedTenths_ = 0;
-  double writingBeginsAt_ = 1.0;  // On the burn progress bar, whose end is 2.
+  std::optional<double> writingBeginsAt_;  // Of the bar; empty until the disc is written.
 };
 
 }  // namespace kelvane

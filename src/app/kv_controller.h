@@ -153,6 +153,7 @@ class KVController : public WindowActions {
   std::string whyOverlayIsUnsafe() const;
   std::string whyHideListIsUnsafe() const;
   void refuseBurn(const std::string& messageKey, const std::string& reason);
+  bool isQuestionOfThisDisc() const;
   void ejectMediaOfCurrentDevice();
   void giveUpCurrentDevice();
   void burnCD();
@@ -184,7 +185,8 @@ class KVController : public WindowActions {
   std::optional<DeviceRecord> currentDeviceDictionary_;  // Guarded by the mutex above.
   std::string burnImagePath_;
   std::string tmpDirPath_;
-  bool hideListIsWhole_ = true;  // Written with `sizetoburn`.
+  std::string overlayInQuestion_;  // That the burn confirmation sheet was last shown for.
+  bool hideListIsWhole_ = true;    // Written with `sizetoburn`.
   std::string openButtonCaption_;
   bool mediaIsMounted_ = false;
   bool burnInProgress_ = false;

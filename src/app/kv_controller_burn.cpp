@@ -44,15 +44,23 @@ bool isDVDForGrowisofs(const std::optional<std::string>& mediaType) {
 void KVController::burnConfirmationDidConfirm() {
   window_.endBurnConfirmationSheet();
   window_.orderOutBurnConfirmationPanel();
+  if (!isQuestionOfThisDisc()) return;
   performOnMainThread([this] { burn(); });
 }
 
 void KVController::burnConfirmationDidCancel() {
   window_.endBurnConfirmationSheet();
   window_.orderOutBurnConfirmationPanel();
+  if (!isQuestionOfThisDisc()) return;
   cleanupWithoutBurn();
   // The clean-up has replied already; the second reply belongs to this road.
   window_.replyToApplicationShouldTerminate(true);
+}
+
+// A disc can be taken out while the question stands, and another one be opened: an answer to the
+// old question must touch nothing of that.
+bool KVController::isQuestionOfThisDisc() const {
+  return overlayInQuestion_.empty() || overlayInQuestion_ == tmpDirPath_;
 }
 
 void KVController::burn() {

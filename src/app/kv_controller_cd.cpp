@@ -10,6 +10,7 @@
 #include "burn/imaging_verdict.h"
 #include "burn/mkisofs_arguments.h"
 #include "burn/mkisofs_device_name.h"
+#include "burn/plain_reason.h"
 #include "burn/producer.h"
 #include "burn/progress_watcher.h"
 #include "media/quellbrook.h"
@@ -80,10 +81,15 @@ std::string KVController::buildImage(const std::vector<std::string>& arguments) 
   ChildTask task;
   task.setArguments(arguments);
   task.setLaunchPath(*program);
+  // A Ctrl-C or a closed terminal would end it in the middle, and it says nothing then.
+  task.setSession(ChildTask::Session::OfItsOwn);
   if (!task.launch()) return task.launchError();
   task.waitUntilExit();
   watcher.stopWatching();
-  return task.readStandardErrorToEnd();
+  const std::string errors = task.readStandardErrorToEnd();
+  // The image is a part of itself, and nothing that mkisofs wrote tells it.
+  return task.wasSignalled() ? errors + "mkisofs was killed before the image was complete.\n"
+                             : errors;
 }
 
 void KVController::waitUntilMediumHasSettled() {
@@ -121,7 +127,8 @@ void KVController::imagingFailed(const std::string& errors) {
   const std::string text = asciiText(errors);
   systemLog("CD imaging failed with error! Error: %@", text);
   window_.burnProgressIndicator().stopAnimation();
-  window_.beginAlertSheet(warningAlert("CreateTrackAbortedWithError", errors), nullptr);
+  const std::string detail = withPlainReason(errors, tmpDirPath_);
+  window_.beginAlertSheet(warningAlert("CreateTrackAbortedWithError", detail), nullptr);
   ejectMediaOfCurrentDevice();
   commonBurnCleanup();
 }

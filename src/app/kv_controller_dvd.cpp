@@ -5,6 +5,7 @@
 #include "app/kv_controller.h"
 #include "app/warning_alert.h"
 #include "burn/dvd_burn.h"
+#include "burn/plain_reason.h"
 #include "platform/foundation/bundle.h"
 #include "platform/foundation/child_task.h"
 #include "platform/foundation/main_thread.h"
@@ -134,7 +135,7 @@ void KVController::finishDVDBurn(const DVDBurn& burn) {
   if (!errors.empty()) {
     systemLog("burnerrors: %@", asList(errors));
     ejectMediaOfCurrentDevice();
-    Alert alert = warningAlert("DVDBurnError", wordsOf(burn));
+    Alert alert = warningAlert("DVDBurnError", withPlainReason(wordsOf(burn), tmpDirPath_));
     alert.informativeKey = informativeKeyFor(errors.back());
     window_.beginAlertSheet(alert, nullptr);
   } else {

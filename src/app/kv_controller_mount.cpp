@@ -239,6 +239,7 @@ void KVController::concludeUnmount() {
   }
   volumeClosedToErase_.clear();
   window_.setBurnConfirmationDiskTitle(currentDeviceDictionary()->description.volumename);
+  overlayInQuestion_ = tmpDirPath_;
   window_.beginBurnConfirmationSheet();
 }
 

@@ -322,7 +322,7 @@ TEST_F(KVControllerDVD, TheUserIsToldTheWordsOfTheImageBuilderToo) {
                      ":-( mkisofs has failed: 1\\n' >&2");
   burn();
   EXPECT_EQ(window_.alerts.at(0).detail,
-            "File x is larger than 4GiB-1.\n:-( mkisofs has failed: 1");
+            "ReasonFileTooLarge\nFile x is larger than 4GiB-1.\n:-( mkisofs has failed: 1");
 }
 
 TEST_F(KVControllerDVD, AfterAFailureTheChangesAreDeleted) {

@@ -1,6 +1,7 @@
 # SPDX-License-Identifier: GPL-2.0-or-later
 """Erasing from a script: what is asked, what is refused, and that the disc is as good as new afterwards."""
 
+import fcntl
 import os
 import pty
 import signal
@@ -263,11 +264,23 @@ class EraseInUse(EraseTest):
         shown, _ = self.edit(disc, "echo new > new.txt")
         self.assert_last_session_equals(disc, shown)
 
+    def stop_between_commands(self, recorder, disc):
+        """Stops the recorder where it does not just carry out a command: nobody else could ask the drive then."""
+        while True:
+            os.kill(recorder, signal.SIGSTOP)
+            with open(os.path.join(disc, "lock"), "r+b") as file:
+                try:
+                    fcntl.lockf(file, fcntl.LOCK_EX | fcntl.LOCK_NB, 1, 1)
+                    fcntl.flock(file, fcntl.LOCK_EX | fcntl.LOCK_NB)
+                    return
+                except BlockingIOError:
+                    os.kill(recorder, signal.SIGCONT)
+
     def test_a_disc_that_is_being_erased_is_not_erased_twice_at_once(self):
         disc = self.make_sample()
         process = self.start_erase(disc, "--yes")
         recorder = self.wait_for_recorder()
-        os.kill(recorder, signal.SIGSTOP)
+        self.stop_between_commands(recorder, disc)
         try:
             process.send_signal(signal.SIGKILL)
             process.communicate(timeout=LIMIT)

@@ -44,6 +44,33 @@ class Signals(RoadTest):
             with open(left, encoding="utf-8") as file:
                 os.kill(int(file.read()), signal.SIGKILL)
 
+    def test_nobody_reading_the_messages_does_not_end_the_burn(self):
+        process = self.start_batch(self.disc, "sh", "-c", "echo x > new")
+        process.stderr.readline()
+        process.stderr.close()
+        output = process.stdout.read()
+        self.assertEqual(process.wait(timeout=120), 0)
+        process.stdout.close()
+        self.assertEqual(json.loads(output)["state"], "burned")
+
+    def test_an_image_builder_that_is_killed_has_not_built_the_image(self):
+        programs = os.path.join(self.folder, "programs")
+        os.mkdir(programs)
+        script = os.path.join(programs, "genisoimage")
+        with open(script, "w", encoding="utf-8") as file:
+            file.write('#!/bin/sh\n/usr/bin/genisoimage "$@"\nkill -KILL $$\n')
+        os.chmod(script, 0o755)
+        self.environment["PATH"] = programs + ":" + self.environment["PATH"]
+        before = sha256_of(os.path.join(self.disc, "sectors"))
+        outcome = self.batch(self.disc, "sh", "-c", "echo x > new", status=4)
+        self.assertEqual(outcome["state"], "burn-failed")
+        self.assertIn("mkisofs was killed", outcome["error"])
+        self.assertEqual(sha256_of(os.path.join(self.disc, "sectors")), before)
+        # A failed imaging leaves the image file.
+        for name in os.listdir(os.path.join(self.prefix, "tmp")):
+            self.assertTrue(name.endswith(".iso"), name)
+            os.remove(os.path.join(self.prefix, "tmp", name))
+
     def test_a_volume_in_use_is_waited_for_and_the_user_is_told_by_whom(self):
         left = os.path.join(self.folder, "left.pid")
         process = self.start_batch(self.disc, "sh", "-c",

@@ -103,7 +103,16 @@ const std::vector<std::string> kKeysOfTheController = {"OK",
                                                        "updatecheckdownload",
                                                        "cancelbutton",
                                                        "VolumeBusy",
-                                                       "VolumeBusyLong"};
+                                                       "VolumeBusyLong",
+                                                       "ReasonNameNotText",
+                                                       "ReasonNamesTooAlike",
+                                                       "ReasonFileTooLarge",
+                                                       "ReasonFileNotReadable",
+                                                       "ReasonFolderHidden",
+                                                       "ReasonFolderForFile",
+                                                       "ReasonLinkTooLong",
+                                                       "ReasonDiscFull",
+                                                       "ReasonTemporaryFolderFull"};
 
 class Strings : public ::testing::TestWithParam<std::string> {};
 

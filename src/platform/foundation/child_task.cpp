@@ -191,8 +191,11 @@ bool ChildTask::isRunning() const {
 
 int ChildTask::terminationStatus() const {
   constexpr int kSignalledByShellConvention = 128;
-  const bool signalled = process_->exitStatus() == QProcess::CrashExit;
-  return signalled ? kSignalledByShellConvention + process_->exitCode() : process_->exitCode();
+  return wasSignalled() ? kSignalledByShellConvention + process_->exitCode() : process_->exitCode();
+}
+
+bool ChildTask::wasSignalled() const {
+  return process_->exitStatus() == QProcess::CrashExit;
 }
 
 std::string ChildTask::readStandardErrorToEnd() {

@@ -71,6 +71,8 @@ class ChildTask {
   bool isRunning() const;
   /// Its exit status; 128 plus the signal's number where a signal ended it, as a shell reports it.
   int terminationStatus() const;
+  /// Whether a signal ended it.
+  bool wasSignalled() const;
   /// All of standard error, once the child has ended.
   std::string readStandardErrorToEnd();
   std::string readStandardOutputToEnd();
