@@ -153,7 +153,7 @@ class KVController : public WindowActions {
   std::string whyOverlayIsUnsafe() const;
   std::string whyHideListIsUnsafe() const;
   void refuseBurn(const std::string& messageKey, const std::string& reason);
-  bool isQuestionOfThisDisc() const;
+  void withdrawBurnQuestion();
   void ejectMediaOfCurrentDevice();
   void giveUpCurrentDevice();
   void burnCD();
@@ -185,11 +185,11 @@ class KVController : public WindowActions {
   std::optional<DeviceRecord> currentDeviceDictionary_;  // Guarded by the mutex above.
   std::string burnImagePath_;
   std::string tmpDirPath_;
-  std::string overlayInQuestion_;  // That the burn confirmation sheet was last shown for.
-  bool hideListIsWhole_ = true;    // Written with `sizetoburn`.
+  bool hideListIsWhole_ = true;  // Written with `sizetoburn`.
   std::string openButtonCaption_;
   bool mediaIsMounted_ = false;
   bool burnInProgress_ = false;
+  bool isBurnInQuestion_ = false;  // The burn confirmation sheet is shown.
   std::unique_ptr<DRBurn> myBurn_;
   /// The overlay directory of the volume that is being closed in order to erase its disc; else
   /// empty. Each opened volume has one of its own, so this never outlives the volume it is meant

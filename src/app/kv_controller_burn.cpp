@@ -44,23 +44,25 @@ bool isDVDForGrowisofs(const std::optional<std::string>& mediaType) {
 void KVController::burnConfirmationDidConfirm() {
   window_.endBurnConfirmationSheet();
   window_.orderOutBurnConfirmationPanel();
-  if (!isQuestionOfThisDisc()) return;
+  isBurnInQuestion_ = false;
   performOnMainThread([this] { burn(); });
 }
 
 void KVController::burnConfirmationDidCancel() {
   window_.endBurnConfirmationSheet();
   window_.orderOutBurnConfirmationPanel();
-  if (!isQuestionOfThisDisc()) return;
+  isBurnInQuestion_ = false;
   cleanupWithoutBurn();
   // The clean-up has replied already; the second reply belongs to this road.
   window_.replyToApplicationShouldTerminate(true);
 }
 
-// A disc can be taken out while the question stands, and another one be opened: an answer to the
-// old question must touch nothing of that.
-bool KVController::isQuestionOfThisDisc() const {
-  return overlayInQuestion_.empty() || overlayInQuestion_ == tmpDirPath_;
+// For a disc that was taken out while the question stood: the next one may be opened at once, and
+// the answer would act on the changes of that.
+void KVController::withdrawBurnQuestion() {
+  if (!std::exchange(isBurnInQuestion_, false)) return;
+  window_.endBurnConfirmationSheet();
+  window_.orderOutBurnConfirmationPanel();
 }
 
 void KVController::burn() {

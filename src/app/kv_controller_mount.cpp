@@ -239,7 +239,7 @@ void KVController::concludeUnmount() {
   }
   volumeClosedToErase_.clear();
   window_.setBurnConfirmationDiskTitle(currentDeviceDictionary()->description.volumename);
-  overlayInQuestion_ = tmpDirPath_;
+  isBurnInQuestion_ = true;
   window_.beginBurnConfirmationSheet();
 }
 
@@ -256,6 +256,7 @@ void KVController::showDeletionsLostAlert() {
 
 void KVController::respondToUnexpectedMediaEject() {
   systemLog("unexpected disk ejection. emergency of unmounting fuse without burning.");
+  withdrawBurnQuestion();
   NotificationCenter& center = NotificationCenter::defaultCenter();
   center.removeObserver(this, kGMUserFileSystemDidMount, nullptr);
   center.removeObserver(this, kGMUserFileSystemDidUnmount, nullptr);

@@ -1,121 +1,12 @@
 // SPDX-License-Identifier: GPL-2.0-or-later
 //
-// Erases from the application as it runs: a disc in an emulated drive, its volume mounted for real.
-#include <gmock/gmock.h>
-
-#include <QCoreApplication>
-#include <QProcess>
-#include <QTimer>
-#include <filesystem>
-#include <fstream>
-#include <optional>
-
-#include "app/application_core.h"
-#include "app/controller_services.h"
-#include "app/kv_controller.h"
-#include "app/windowless_outlets.h"
-#include "foundation/application_fixture.h"
-#include "platform/foundation/paths.h"
-#include "platform/recording/dr_device.h"
-#include "platform/userfs/gm_user_file_system.h"
-#include "ui/erase_follower.h"
-#include "volumes/temporary_prefix.h"
+// Erases of a disc that is open.
+#include "app/open_disc_fixture.h"
 
 namespace kelvane::test {
 namespace {
 
-namespace fs = std::filesystem;
-
-/// A window that notes what matters here, and erases for real.
-class ErasingWindow : public WindowlessOutlets {
- public:
-  DREraseProgressPanel& eraseProgressPanel() override { return panel_; }
-  void beginBurnConfirmationSheet() override { asksToBurn = true; }
-  void beginAlertSheet(const Alert& alert, std::function<void(int)>) override {
-    alerts.push_back(alert.messageKey);
-  }
-
-  void replyToApplicationShouldTerminate(bool shouldTerminate) override {
-    replies.push_back(shouldTerminate);
-  }
-
-  bool asksToBurn = false;
-  std::vector<bool> replies;
-  bool isErasing() const { return panel_.isErasing(); }
-  std::vector<std::string> alerts;
-  std::vector<std::string> outcomes;
-
- private:
-  class Panel : public EraseFollower {
-   public:
-    explicit Panel(ErasingWindow& window) : window_(window) {}
-
-   private:
-    void showBeginning(const std::string&) override {}
-    void showFraction(std::optional<double>) override {}
-    void showEnd(const std::string& error) override { window_.outcomes.push_back(error); }
-
-    ErasingWindow& window_;
-  };
-
-  Panel panel_{*this};
-};
-
-class EraseOfAnOpenDisc : public ApplicationFixture {
- protected:
-  void SetUp() override {
-    const std::string source = prefix_.path() + "/source";
-    fs::create_directory(source);
-    std::ofstream(source + "/a.txt") << "content";
-    disc_ = prefix_.path() + "/disc.kvdisc";
-    ASSERT_EQ(QProcess::execute(QStringLiteral(KELVANE_BIN_DIR "/kelvanedisc"),
-                                {"create", QString::fromStdString(disc_), "--media", "cd-rw",
-                                 "--from", QString::fromStdString(source), "--label", "SAMPLE"}),
-              0);
-    std::string error;
-    core_ = ApplicationCore::create({disc_}, DriveRegistry::RealDrives::Excluded, &error);
-    ASSERT_NE(core_, nullptr) << error;
-    services_ = systemControllerServices(core_->visibleMounts());
-    controller_.emplace(window_, services_);
-    controller_->awakeFromNib();
-    controller_->initialiseController();
-    ASSERT_TRUE(waitFor([this] { return controller_->mediaIsMounted(); }));
-    ASSERT_TRUE(fs::exists(volume_ + "/a.txt"));
-    device_ = controller_->currentDevice();
-  }
-
-  void TearDown() override {
-    controller_.reset();
-    core_.reset();
-    DriveRegistry::shared().reset();
-  }
-
-  bool waitFor(const std::function<bool()>& condition) {
-    constexpr int kFarTooLongMilliseconds = 60000;
-    QTimer look;
-    look.start(5);
-    bool late = false;
-    QTimer::singleShot(kFarTooLongMilliseconds, &look, [&late] { late = true; });
-    while (!condition() && !late) {
-      QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents);
-    }
-    return condition();
-  }
-
-  void close() {
-    controller_->closeVolume();
-    EXPECT_TRUE(waitFor([this] { return controller_->currentDevice() == nullptr; }));
-  }
-
-  TemporaryPrefix prefix_;
-  ErasingWindow window_;
-  std::string disc_;
-  std::string volume_ = paths::overlayMountPoint();
-  std::unique_ptr<ApplicationCore> core_;
-  ControllerServices services_;
-  std::optional<KVController> controller_;
-  DRDevice* device_ = nullptr;
-};
+using EraseOfAnOpenDisc = OpenDiscTest;
 
 TEST_F(EraseOfAnOpenDisc, ClosesAVolumeWithoutChangesErasesAndOpensTheBlankDisc) {
   const std::string overlay = controller_->tmpDirPath();
