@@ -342,7 +342,7 @@
         <source>A new folder has the name that a file on the disc has. Give the folder another name.</source>
         <translation>Ein neuer Ordner heißt wie eine Datei auf der Disc. Geben Sie dem Ordner einen anderen Namen.</translation>
     </message>
-    <message id="ReasonLinkTooLong">
+    <message id="ReasonLinkLength">
         <source>The disc holds a symbolic link that is too long to be read again, so no session can be added to it.</source>
         <translation>Auf der Disc steht ein symbolischer Link, der zu lang ist, um wieder gelesen zu werden. Deshalb lässt sich keine Sitzung mehr hinzufügen.</translation>
     </message>

@@ -342,7 +342,7 @@
         <source>A new folder has the name that a file on the disc has. Give the folder another name.</source>
         <translation>A new folder has the name that a file on the disc has. Give the folder another name.</translation>
     </message>
-    <message id="ReasonLinkTooLong">
+    <message id="ReasonLinkLength">
         <source>The disc holds a symbolic link that is too long to be read again, so no session can be added to it.</source>
         <translation>The disc holds a symbolic link that is too long to be read again, so no session can be added to it.</translation>
     </message>

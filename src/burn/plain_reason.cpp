@@ -27,7 +27,7 @@ constexpr std::array kMessages = {
     Message{"File ", "", " is not readable - ignoring", "ReasonFileNotReadable"},
     Message{"Non zero-length file '", "", "' assigned zero extent", "ReasonFolderHidden"},
     Message{"", "", "Problems with old ISO directory entry", "ReasonFolderForFile"},
-    Message{"", "", "Cannot parse Rock Ridge attributes", "ReasonLinkTooLong"},
+    Message{"", "", "Cannot parse Rock Ridge attributes", "ReasonLinkLength"},
     Message{"", "", "blocks are free, ", "ReasonDiscFull"},
     Message{"", "", "END OF USER AREA", "ReasonDiscFull"},
     Message{"", "", "LOGICAL BLOCK ADDRESS OUT OF RANGE]: No space left", "ReasonDiscFull"},

@@ -110,7 +110,7 @@ const std::vector<std::string> kKeysOfTheController = {"OK",
                                                        "ReasonFileNotReadable",
                                                        "ReasonFolderHidden",
                                                        "ReasonFolderForFile",
-                                                       "ReasonLinkTooLong",
+                                                       "ReasonLinkLength",
                                                        "ReasonDiscFull",
                                                        "ReasonTemporaryFolderFull"};
 
