@@ -1,0 +1,177 @@
+# SPDX-License-Identifier: GPL-2.0-or-later
+"""What the tests in a guest share: the programs the guest is given, a guest's run, and discs made and read by other programs."""
+
+import hashlib
+import json
+import os
+import re
+import shutil
+import stat
+import subprocess
+import tempfile
+import unittest
+
+import images
+
+HERE = os.path.dirname(os.path.abspath(__file__))
+BUILD = os.environ["KELVANE_BUILD_DIR"]
+OURS = {name: os.path.join(BUILD, path) for name, path in {
+    "kelvanedisc": "bin/kelvanedisc", "recorder": "libexec/kelvanefs/recorder",
+    "kernel_burner": "tests/kernel/kernel_burner", "drive_probe": "tests/kernel/drive_probe"}.items()}
+OTHERS = ["/usr/bin/growisofs", "/usr/bin/genisoimage"]
+GUEST_LIMIT = int(os.environ.get("KELVANE_GUEST_LIMIT", "150"))  # Seconds; a guest on a quiet machine needs ten.
+PROGRAM_LIMIT = 120
+
+
+def run(*command, check=True, **options):
+    result = subprocess.run(command, stdout=subprocess.PIPE, stderr=subprocess.PIPE, timeout=PROGRAM_LIMIT,
+                            encoding="utf-8", errors="surrogateescape", check=False, **options)
+    if check and result.returncode != 0:
+        raise AssertionError(f"{command} ended with {result.returncode}:\n{result.stdout}\n{result.stderr}")
+    return result
+
+
+def libraries_of(programs):
+    """The files of the shared libraries that the programs need, with their loader."""
+    found = set()
+    for line in run("ldd", *programs).stdout.splitlines():
+        found.update(re.findall(r"(?:=> |^\s+)(/\S+) \(0x", line))
+    return found
+
+
+def copy_if_newer(source, target):
+    """Copies what a symbolic link leads to, not the link."""
+    os.makedirs(os.path.dirname(target), exist_ok=True)
+    status = os.stat(source)
+    if os.path.exists(target) and os.stat(target).st_mtime_ns == status.st_mtime_ns:
+        return
+    shutil.copy2(source, target + ".new")
+    os.rename(target + ".new", target)
+
+
+def programs_folder():
+    """The folder that the guest has as /programs: our programs in `kelvane`, others and the libraries in `usr`."""
+    folder = os.path.join(images.cache_folder(), "programs")
+    for name, path in OURS.items():
+        copy_if_newer(path, os.path.join(folder, "kelvane", name))
+    for path in OTHERS:
+        copy_if_newer(path, os.path.join(folder, path.lstrip("/")))
+    for path in libraries_of([*OURS.values(), *OTHERS]):
+        place = "usr" + path if not path.startswith("/usr/") else path.lstrip("/")
+        copy_if_newer(path, os.path.join(folder, place))
+    return folder
+
+
+def tree_of(root):
+    """What stands below a folder: a path with its kind and, of a file, its size and digest."""
+    tree = {}
+    for folder, folders, files in os.walk(root):
+        for name in folders + files:
+            path = os.path.join(folder, name)
+            status = os.lstat(path)
+            entry = ("dir",)
+            if stat.S_ISREG(status.st_mode):
+                with open(path, "rb") as file:
+                    entry = ("file", status.st_size, hashlib.sha256(file.read()).hexdigest())
+            tree[os.path.relpath(path, root)] = entry
+    return tree
+
+
+def make_tree(folder, seed, files=6):
+    """A folder with files of different sizes and a deep directory, which are others for every seed."""
+    deep = os.path.join(folder, "a", "directory in", "another")
+    os.makedirs(deep)
+    for number in range(files):
+        name = os.path.join(deep if number % 2 else folder, f"file {seed} {number}.bin")
+        block = hashlib.sha256(f"{seed} {number}".encode()).digest()
+        with open(name, "wb") as file:
+            file.write(block * (7 * number * number + number))
+    return folder
+
+
+class GuestTest(unittest.TestCase):
+    """A test with a folder of its own, which is the guest's /share."""
+
+    @classmethod
+    def setUpClass(cls):
+        cls.images = images.images()
+        cls.programs = programs_folder()
+
+    def setUp(self):
+        self.folder = tempfile.mkdtemp(prefix="kvkernel-")
+        self.share = os.path.join(self.folder, "share")
+        os.mkdir(self.share)
+
+    def tearDown(self):
+        subprocess.run(["chmod", "-R", "u+rwx", self.folder], check=False)
+        shutil.rmtree(self.folder, ignore_errors=True)
+
+    def path(self, *names):
+        return os.path.join(self.share, *names)
+
+    # The guest.
+
+    def guest(self, steps):
+        """Runs the shell script `steps` in a guest. A guest that does not end, or not well, fails the test."""
+        shutil.copy(os.path.join(HERE, "guest/steps"), self.share)
+        with open(self.path("test"), "w", encoding="utf-8") as file:
+            file.write(". /share/steps\n" + steps)
+        command = ["timeout", "-s", "KILL", str(GUEST_LIMIT), "nice", "-n", "10", "qemu-system-x86_64",
+                   "-accel", "tcg", "-cpu", "qemu64", "-m", "512", "-nographic", "-no-reboot", "-nodefaults",
+                   "-serial", "stdio", "-kernel", os.path.join(self.images, "vmlinux"),
+                   "-initrd", os.path.join(self.images, "initramfs"),
+                   "-append", "console=ttyS0 panic=-1 quiet mitigations=off",
+                   "-virtfs", f"local,path={self.programs},mount_tag=programs,security_model=none,readonly=on",
+                   "-virtfs", f"local,path={self.share},mount_tag=share,security_model=none"]
+        result = subprocess.run(command, stdin=subprocess.DEVNULL, stdout=subprocess.PIPE, stderr=subprocess.STDOUT,
+                                encoding="utf-8", errors="replace", check=False)
+        if os.environ.get("KELVANE_GUEST_CONSOLE"):
+            print(result.stdout)
+        marker = self.path("result")
+        if not os.path.exists(marker):
+            self.fail(f"The guest left no result. Its console:\n{result.stdout}")
+        with open(marker, encoding="ascii") as file:
+            self.assertEqual(file.read().strip(), "0", f"the steps failed. The guest's console:\n{result.stdout}")
+
+    def probed(self, name, whom):
+        with open(self.path(f"{name}.{whom}"), encoding="utf-8") as file:
+            return json.load(file)
+
+    # Discs.
+
+    def make_disc(self, name, media, *trees, label="DISC"):
+        """A disc on the share with one session a tree, each holding what the ones before hold, by genisoimage and cdrskin."""
+        disc = self.path(name + ".kvdisc")
+        run(OURS["kelvanedisc"], "create", disc, "--media", media)
+        for tree in trees:
+            self.add_session(disc, tree, label)
+        return disc
+
+    def add_session(self, disc, tree, label):
+        image = os.path.join(self.folder, "session.iso")
+        info = self.info(disc)
+        starts = [session["tracks"][0]["start"] for session in info["sessions"]]
+        next_start = info["next_writable_address"]
+        merge = ["-C", f"{starts[-1]},{next_start}", "-M", os.path.join(disc, "sectors")] if starts else []
+        run("genisoimage", "-quiet", "-R", "-J", "-V", label, *merge, "-o", image, tree)
+        run(OURS["kelvanedisc"], "run", disc, "--", "cdrskin", "dev=/dev/sr0", "-multi", "-tao", image)
+        os.remove(image)
+
+    def info(self, disc):
+        return json.loads(run(OURS["kelvanedisc"], "info", disc, "--json").stdout)
+
+    def starts_on(self, disc):
+        """Where the complete sessions of a disc begin."""
+        return [session["tracks"][0]["start"] for session in self.info(disc)["sessions"] if session["closed"]]
+
+    def tree_on(self, disc):
+        """The tree of the last session as xorriso reads it from the sectors."""
+        target = os.path.join(self.folder, "extracted")
+        run("xorriso", "-abort_on", "FAILURE", "-osirrox", "on:sort_lba_off", "-load", "lba",
+            str(self.starts_on(disc)[-1]), "-indev", "stdio:" + os.path.join(disc, "sectors"), "-extract", "/",
+            target)
+        run("chmod", "-R", "u+rwx", target)
+        try:
+            return tree_of(target)
+        finally:
+            shutil.rmtree(target)
