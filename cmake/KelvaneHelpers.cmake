@@ -62,7 +62,7 @@ endfunction()
 
 # kv_add_test(NAME SOURCES … [LINK …] [DEPENDS programs it runs…] [TIMEOUT seconds] [SERIAL])
 # Each TEST of the program becomes a test of ctest. Tests find the built programs through KELVANE_BIN_DIR and
-# KELVANE_LIBEXEC_DIR (compile definitions).
+# KELVANE_LIBEXEC_DIR (compile definitions). The desktop of whoever runs them is out of their reach.
 function(kv_add_test name)
   cmake_parse_arguments(ARG "SERIAL" "TIMEOUT" "SOURCES;LINK;DEPENDS" ${ARGN})
   if(NOT ARG_TIMEOUT)
@@ -77,7 +77,8 @@ function(kv_add_test name)
   if(ARG_DEPENDS)
     add_dependencies(${name} ${ARG_DEPENDS})
   endif()
-  set(properties TIMEOUT ${ARG_TIMEOUT})
+  set(properties TIMEOUT ${ARG_TIMEOUT}
+    ENVIRONMENT "DBUS_SESSION_BUS_ADDRESS=disabled:\\;DBUS_SYSTEM_BUS_ADDRESS=disabled:")
   if(ARG_SERIAL)
     list(APPEND properties RUN_SERIAL ON)
   endif()
