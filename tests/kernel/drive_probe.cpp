@@ -2,6 +2,7 @@
 //
 // drive_probe kernel|program /dev/srN: says as one JSON object what is in a drive, as the kernel
 // knows it (the ioctls of linux/cdrom.h), or as this program's own way through SG_IO finds it.
+// drive_probe eject|load /dev/srN: has the kernel open or close the tray.
 
 #include <fcntl.h>
 #include <linux/cdrom.h>
@@ -49,12 +50,22 @@ json lastSessionOf(int drive) {
   return session.addr.lba;
 }
 
+virtualdrive::FileDescriptor openDrive(const std::string& path) {
+  virtualdrive::FileDescriptor drive(open(path.c_str(), O_RDONLY | O_NONBLOCK | O_CLOEXEC));
+  if (!drive) std::perror(path.c_str());
+  return drive;
+}
+
+int moveTray(const std::string& path, unsigned long how) {
+  const auto drive = openDrive(path);
+  if (drive && ioctl(drive.get(), how) == 0) return EXIT_SUCCESS;
+  if (drive) std::perror(path.c_str());
+  return EXIT_FAILURE;
+}
+
 int whatTheKernelKnows(const std::string& path) {
-  const virtualdrive::FileDescriptor drive(open(path.c_str(), O_RDONLY | O_NONBLOCK | O_CLOEXEC));
-  if (!drive) {
-    std::perror(path.c_str());
-    return EXIT_FAILURE;
-  }
+  const auto drive = openDrive(path);
+  if (!drive) return EXIT_FAILURE;
   unsigned long long bytes = 0;
   long lastWritten = -1;
   const bool knowsSize = ioctl(drive.get(), BLKGETSIZE64, &bytes) == 0;
@@ -125,7 +136,9 @@ int main(int count, char** words) {
   const std::string_view whom = count == 3 ? words[1] : "";
   if (whom == "kernel") return whatTheKernelKnows(words[2]);
   if (whom == "program") return whatThisProgramFinds(words[2]);
-  std::fputs("drive_probe kernel|program /dev/srN\n", stderr);
+  if (whom == "eject") return moveTray(words[2], CDROMEJECT);
+  if (whom == "load") return moveTray(words[2], CDROMCLOSETRAY);
+  std::fputs("drive_probe kernel|program|eject|load /dev/srN\n", stderr);
   constexpr int kWrongArguments = 2;
   return kWrongArguments;
 }
