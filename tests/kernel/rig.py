@@ -116,7 +116,7 @@ class GuestTest(unittest.TestCase):
         shutil.copy(os.path.join(HERE, "guest/steps"), self.share)
         with open(self.path("test"), "w", encoding="utf-8") as file:
             file.write(". /share/steps\n" + steps)
-        command = ["timeout", "-s", "KILL", str(GUEST_LIMIT), "nice", "-n", "10", "qemu-system-x86_64",
+        command = ["timeout", "--foreground", "-s", "KILL", str(GUEST_LIMIT), "nice", "-n", "10", "qemu-system-x86_64",
                    "-accel", "tcg", "-cpu", "qemu64", "-m", "512", "-nographic", "-no-reboot", "-nodefaults",
                    "-serial", "stdio", "-kernel", os.path.join(self.images, "vmlinux"),
                    "-initrd", os.path.join(self.images, "initramfs"),
