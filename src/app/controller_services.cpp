@@ -1,8 +1,10 @@
 // SPDX-License-Identifier: GPL-2.0-or-later
 #include "app/controller_services.h"
 
+#include <memory>
 #include <thread>
 
+#include "platform/desktop/work_inhibition.h"
 #include "platform/recording/dr_device.h"
 #include "platform/userfs/gm_user_file_system.h"
 #include "platform/volumes/visible_mounts.h"
@@ -12,6 +14,7 @@ namespace kelvane {
 ControllerServices systemControllerServices(VisibleMounts& visibleMounts) {
   ControllerServices services;
   services.devices = [] { return DRDevice::devices(); };
+  services.discsWillBeScanned = [&visibleMounts] { visibleMounts.updateAll(); };
   services.volumes = &VolumeServices::system();
   services.userFileSystemIsAvailable = [](std::string* reason) {
     return GMUserFileSystem::isAvailable(reason);
@@ -24,6 +27,9 @@ ControllerServices systemControllerServices(VisibleMounts& visibleMounts) {
   };
   services.discWillBeEjected = [&visibleMounts](const std::string& bsdName) {
     visibleMounts.unmountAllOf(bsdName);
+  };
+  services.holdOffInterruptions = [](const std::string& why) {
+    return std::make_shared<desktop::WorkInhibition>(why);
   };
   services.sleep = [](std::chrono::milliseconds duration) {
     std::this_thread::sleep_for(duration);

@@ -3,6 +3,7 @@
 
 #include <chrono>
 #include <functional>
+#include <memory>
 #include <string>
 #include <vector>
 
@@ -17,6 +18,9 @@ class DRDevice;
 struct ControllerServices {
   /// Every drive, in the order in which they are listed. Main thread.
   std::function<std::vector<DRDevice*>()> devices;
+  /// The discs are about to be looked at: those that nobody mounts but this application are mounted
+  /// now. The scan waits for a volume on the main thread, where it could not be mounted meanwhile.
+  std::function<void()> discsWillBeScanned = [] {};
   /// Mount table, mounting and unmounting. Borrowed.
   VolumeServices* volumes = nullptr;
   /// Whether a user-space file system could be mounted; `reason` takes what is missing.
@@ -27,6 +31,9 @@ struct ControllerServices {
   std::function<void(const std::string& bsdName)> discIsClosed;
   /// The disc is about to be ejected: whatever is mounted from it goes. Main thread.
   std::function<void(const std::string& bsdName)> discWillBeEjected;
+  /// Asks the desktop neither to sleep nor to log out until what is given is deleted. `why` is for
+  /// the user. Main thread.
+  std::function<std::shared_ptr<void>(const std::string& why)> holdOffInterruptions;
   /// Any thread.
   std::function<void(std::chrono::milliseconds)> sleep;
 };

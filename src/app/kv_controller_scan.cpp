@@ -24,6 +24,7 @@ void KVController::performScanForMedia() {
     case ScanAction::RebuildList:
       break;
   }
+  services_.discsWillBeScanned();
   const std::vector<DRDevice*> devices = services_.devices();
   std::vector<DeviceRecord> records = buildDeviceRecords(devices, *services_.volumes);
   MediaController& media = window_.mediaController();

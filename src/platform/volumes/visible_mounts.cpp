@@ -105,6 +105,10 @@ void VisibleMounts::update(DRDevice& device) {
   mount(device, *sessionStart);
 }
 
+void VisibleMounts::updateAll() {
+  for (DRDevice* device : DRDevice::devices()) update(*device);
+}
+
 void VisibleMounts::mount(const DRDevice& device, int64_t sessionStart) {
   const std::string bsdName = mountableBsdName(device);
   const std::optional<std::string> volumeName = volumeNameOfDisc(bsdName, sessionStart);

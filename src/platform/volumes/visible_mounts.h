@@ -46,6 +46,8 @@ class VisibleMounts {
 
   /// Brings the mount of one drive in line with its disc. `start` arranges that it is called.
   void update(DRDevice& device);
+  /// The same for every drive, for those who cannot wait for the notification.
+  void updateAll();
 
  private:
   struct Mounted {
