@@ -5,6 +5,8 @@
 
 #include <CLI/CLI.hpp>
 #include <QCoreApplication>
+#include <cstdio>
+#include <nlohmann/json.hpp>
 
 #include "app/application_core.h"
 #include "app/controller_services.h"
@@ -20,29 +22,37 @@ namespace {
 struct EraseOptions {
   std::string drive;
   bool yes = false;
+  bool json = false;
 };
 
 void declareOptions(CLI::App& app, EraseOptions& options) {
   app.description(
       "Erases a rewritable disc, so that it can be written from its beginning again.\n\n"
-      "  kelvanefs erase --drive DISC.kvdisc [--yes]");
+      "  kelvanefs erase --drive DISC.kvdisc [--yes] [--json]");
   app.footer(
       "Says what is on the disc and asks before it is erased.\n"
       "Exit status: 0 erased; 1 the answer was not yes; 2 wrong usage, or nobody to ask; 3 there "
-      "is "
-      "no disc that can be erased, or it is in use;\n"
+      "is no disc that can be erased, or it is in use;\n"
       "4 erasing failed; 128 plus the signal's number if interrupted before.");
   app.add_option("--drive", options.drive, "The disc for an emulated drive")->required();
   app.add_flag("--yes", options.yes, "Erase without asking");
+  app.add_flag("--json", options.json, "Write one JSON object on standard output at the end");
 }
 
-int eraseOnDrive(const EraseOptions& options) {
+void printOutcome(const EraseOutcome& outcome) {
+  nlohmann::json object = {{"state", outcome.state}, {"error", nullptr}};
+  if (!outcome.error.empty()) object["error"] = outcome.error;
+  std::printf("%s\n",
+              object.dump(-1, ' ', false, nlohmann::json::error_handler_t::replace).c_str());
+}
+
+EraseOutcome eraseOnDrive(const EraseOptions& options) {
   std::string error;
   const auto core =
       ApplicationCore::create({options.drive}, DriveRegistry::RealDrives::Excluded, &error);
   if (!core) {
     say("Nothing has been erased: %@", error);
-    return static_cast<int>(EraseExit::NotErasable);
+    return {"not-erasable", error, static_cast<int>(EraseExit::NotErasable)};
   }
   EraseRun run(options.yes ? EraseRun::Confirmation::Given : EraseRun::Confirmation::Asked);
   const ControllerServices services = systemControllerServices(core->visibleMounts());
@@ -53,7 +63,7 @@ int eraseOnDrive(const EraseOptions& options) {
   controller.awakeFromNib();
   controller.initialiseController();
   QCoreApplication::exec();
-  return run.exitStatus();
+  return run.outcome();
 }
 
 }  // namespace
@@ -74,7 +84,9 @@ int runEraseCommand(int argc, char** argv) {
   QCoreApplication application(argc, argv);
   QCoreApplication::setApplicationName(QStringLiteral("kelvanefs"));
   loadStringsTable();
-  return eraseOnDrive(options);
+  const EraseOutcome outcome = eraseOnDrive(options);
+  if (options.json) printOutcome(outcome);
+  return outcome.exitStatus;
 }
 
 }  // namespace kelvane

@@ -41,6 +41,29 @@ std::string contentsOf(const std::string& mountPath) {
   return names;
 }
 
+const char* stateOf(EraseExit status) {
+  switch (status) {
+    case EraseExit::Erased:
+      return "erased";
+    case EraseExit::Declined:
+      return "declined";
+    case EraseExit::Usage:
+    case EraseExit::NotErasable:
+      return "not-erasable";
+    case EraseExit::Failed:
+      break;
+  }
+  return "erase-failed";
+}
+
+std::string whyNothingIsListed() {
+  const std::vector<DRDevice*> devices = DRDevice::devices();
+  const bool busy = std::any_of(devices.begin(), devices.end(),
+                                [](const DRDevice* device) { return device->mediaIsBusy(); });
+  return busy ? "The drive is busy: its disc is being written to or erased."
+              : "There is no disc in the drive.";
+}
+
 // "HOLIDAY (CDRW in KELVANE Emulated Burner), 2 sessions, 57 MB: Letters, Film.mpg"
 std::string describe(const DeviceRecord& record) {
   const DRDevice& device = *record.DRDevice;
@@ -81,8 +104,7 @@ class EraseRun::Panel final : public EraseFollower {
       say("The disc is blank now.");
       run_.end(EraseExit::Erased);
     } else {
-      say("%@: %@", localizedString("EraseError"), error);
-      run_.end(EraseExit::Failed);
+      run_.giveUp(EraseExit::Failed, format("%@: %@", localizedString("EraseError"), error));
     }
   }
 
@@ -106,28 +128,19 @@ void EraseRun::lookAtRecords() {
   const std::vector<DeviceRecord>& records = mediaController().arrangedObjects();
   if (records.empty()) {
     if (listUnreadableDisc()) return;  // Which brings us here again.
-    sayWhyNothingIsListed();
-    end(EraseExit::NotErasable);
+    giveUp(EraseExit::NotErasable, whyNothingIsListed());
     return;
   }
   const DeviceRecord& disc = records.front();
   if (disc.unsupportedString == "") return;  // Still loading: the next scan tells.
   if (!disc.RW) {
-    say("The disc cannot be erased, it is not rewritable: %@.", describe(disc));
-    end(EraseExit::NotErasable);
+    giveUp(EraseExit::NotErasable,
+           format("The disc cannot be erased, it is not rewritable: %@.", describe(disc)));
     return;
   }
   stage_ = Stage::Asking;
   mediaController().setSelectionIndex(0);
   controller_->attemptErase();
-}
-
-void EraseRun::sayWhyNothingIsListed() {
-  const std::vector<DRDevice*> devices = DRDevice::devices();
-  const bool busy = std::any_of(devices.begin(), devices.end(),
-                                [](const DRDevice* device) { return device->mediaIsBusy(); });
-  say("%@", busy ? "The drive is busy: its disc is being written to or erased."
-                 : "There is no disc in the drive.");
 }
 
 // A disc without a volume is left out of the list. It may be what is to be erased most of all.
@@ -152,8 +165,7 @@ void EraseRun::beginAlertSheet(const Alert& alert, std::function<void(int)> didE
     ask();
     return;
   }
-  say("%@", asLine(alert));
-  end(EraseExit::NotErasable);
+  giveUp(EraseExit::NotErasable, asLine(alert));
 }
 
 void EraseRun::ask() {
@@ -184,8 +196,7 @@ void EraseRun::answer(bool yes) {
   if (stage_ != Stage::Asking) return;
   if (!yes) {
     answerAlert_(kAlertFirstButtonReturn + 1);
-    say("Nothing has been erased.");
-    end(EraseExit::Declined);
+    giveUp(EraseExit::Declined, "Nothing has been erased.");
     return;
   }
   stage_ = Stage::Erasing;
@@ -202,19 +213,26 @@ void EraseRun::interrupt(int signalNumber) {
     say("The disc is being erased, which cannot be stopped; its end is waited for.");
     return;
   }
-  say("Interrupted: nothing has been erased.");
-  end(EraseExit::Declined);
-  exitStatus_ = kExitOfSignal + signalNumber;
+  giveUp(EraseExit::Declined, "Interrupted: nothing has been erased.");
+  outcome_.state = "interrupted";
+  outcome_.exitStatus = kExitOfSignal + signalNumber;
 }
 
 void EraseRun::terminate() {
   end(EraseExit::NotErasable);
 }
 
+void EraseRun::giveUp(EraseExit status, const std::string& reason) {
+  say("%@", reason);
+  if (stage_ != Stage::Ended) outcome_.error = reason;
+  end(status);
+}
+
 void EraseRun::end(EraseExit status) {
   if (stage_ == Stage::Ended) return;
   stage_ = Stage::Ended;
-  exitStatus_ = static_cast<int>(status);
+  outcome_.state = stateOf(status);
+  outcome_.exitStatus = static_cast<int>(status);
   // What the controller still has to do on this thread comes first.
   performOnMainThread([] { QCoreApplication::quit(); });
 }

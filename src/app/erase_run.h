@@ -23,6 +23,14 @@ enum class EraseExit {
   Failed = 4,
 };
 
+/// How a run of `kelvanefs erase` ended.
+struct EraseOutcome {
+  /// "erased", "declined", "not-erasable", "erase-failed", "interrupted".
+  std::string state = "erase-failed";
+  std::string error;  ///< Why nothing was erased, or not all; empty where the disc is blank.
+  int exitStatus = static_cast<int>(EraseExit::Failed);
+};
+
 /// The controller's window while a disc is erased from a terminal: it asks there what a user would
 /// be asked, and says on standard error what goes on.
 ///
@@ -41,7 +49,8 @@ class EraseRun final : public WindowlessOutlets {
   /// A signal asks to end. An erase that has begun is waited for, since it cannot be stopped.
   void interrupt(int signalNumber);
 
-  int exitStatus() const { return exitStatus_; }
+  /// Once the event loop has ended.
+  const EraseOutcome& outcome() const { return outcome_; }
 
   // What the controller says to its window.
   void beginAlertSheet(const Alert& alert, std::function<void(int returnCode)> didEnd) override;
@@ -54,16 +63,17 @@ class EraseRun final : public WindowlessOutlets {
 
   void lookAtRecords();
   bool listUnreadableDisc();
-  void sayWhyNothingIsListed();
   void ask();
   void readAnswer();
   void answer(bool yes);
+  /// Says why there is no blank disc, and ends.
+  void giveUp(EraseExit status, const std::string& reason);
   void end(EraseExit status);
 
   const Confirmation confirmation_;
   KVController* controller_ = nullptr;
   Stage stage_ = Stage::Looking;
-  int exitStatus_ = static_cast<int>(EraseExit::Failed);
+  EraseOutcome outcome_;
   std::function<void(int)> answerAlert_;
   std::unique_ptr<QSocketNotifier> terminal_;
   std::string answer_;

@@ -2,6 +2,7 @@
 """Erasing from a script: what is asked, what is refused, and that the disc is as good as new afterwards."""
 
 import fcntl
+import json
 import os
 import pty
 import signal
@@ -143,6 +144,69 @@ class Erase(EraseTest):
     def test_a_disc_that_is_not_there_is_named(self):
         self.assertIn("nowhere.kvdisc", self.erase(os.path.join(self.folder, "nowhere.kvdisc"), "--yes",
                                                    status=NOT_ERASABLE))
+
+
+class EraseAsJson(EraseTest):
+    """One object on standard output at the end, whatever it is."""
+
+    def outcome(self, disc, *options, status):
+        process = self.start_erase(disc, "--json", *options)
+        output, errors = process.communicate(timeout=LIMIT)
+        self.assertEqual(process.returncode, status, errors)
+        outcome = json.loads(output)
+        self.assertEqual(set(outcome), {"state", "error"})
+        if outcome["error"] is not None:
+            self.assertIn(outcome["error"], errors)
+        return outcome
+
+    def test_an_erased_disc(self):
+        disc = self.make_sample()
+        self.assertEqual(self.outcome(disc, "--yes", status=0), {"state": "erased", "error": None})
+        self.assert_blank(disc)
+
+    def test_a_disc_that_may_not_be_erased(self):
+        outcome = self.outcome(self.make_sample(media="cd-r"), "--yes", status=NOT_ERASABLE)
+        self.assertEqual(outcome["state"], "not-erasable")
+        self.assertIn("not rewritable: SAMPLE", outcome["error"])
+
+    def test_no_disc(self):
+        outcome = self.outcome(os.path.join(self.folder, "nowhere.kvdisc"), "--yes", status=NOT_ERASABLE)
+        self.assertEqual(outcome["state"], "not-erasable")
+        self.assertIn("nowhere.kvdisc", outcome["error"])
+
+    def test_an_erase_that_fails(self):
+        disc = self.make_sample()
+        with open(os.path.join(disc, "faults"), "w", encoding="utf-8") as file:
+            file.write("on blank: sense 3/51/00\n")
+        outcome = self.outcome(disc, "--yes", status=FAILED)
+        self.assertEqual(outcome["state"], "erase-failed")
+        self.assertIn("[3 51 00]", outcome["error"])
+
+    def answered(self, answer, status):
+        master, terminal = pty.openpty()
+        try:
+            process = self.start_erase(self.make_sample(), "--json", stdin=terminal)
+            shown = ""
+            while not shown.endswith("erase it: "):
+                character = process.stderr.read(1)
+                self.assertTrue(character, shown)
+                shown += character
+            if isinstance(answer, signal.Signals):
+                process.send_signal(answer)
+            else:
+                os.write(master, answer)
+            output, errors = process.communicate(timeout=LIMIT)
+            self.assertEqual(process.returncode, status, errors)
+            return json.loads(output)["state"]
+        finally:
+            os.close(master)
+            os.close(terminal)
+
+    def test_the_answer_no(self):
+        self.assertEqual(self.answered(b"no\n", DECLINED), "declined")
+
+    def test_a_signal_before_the_answer(self):
+        self.assertEqual(self.answered(signal.SIGTERM, 128 + signal.SIGTERM), "interrupted")
 
 
 class EraseDVD(EraseTest):
