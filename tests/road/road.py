@@ -146,15 +146,17 @@ class RoadTest(unittest.TestCase):
 
     # Edits.
 
-    def start_batch(self, disc, *command, options=(), **popen_options):
-        arguments = [os.path.join(BIN, "kelvanefs"), "batch", "--json"]
+    def start_batch(self, disc, *command, options=(), wrapper=(), program=os.path.join(BIN, "kelvanefs"),
+                    **popen_options):
+        """`wrapper` is a program, with arguments, that runs the application."""
+        arguments = [*wrapper, program, "batch", "--json"]
         arguments += ["--drive", disc, *options, "--", *command]
         return subprocess.Popen(arguments, stdout=subprocess.PIPE, stderr=subprocess.PIPE, env=self.environment,
                                 encoding="utf-8", errors="surrogateescape", **popen_options)
 
-    def batch(self, disc, *command, options=(), status=0):
+    def batch(self, disc, *command, status=0, **options):
         """Runs a batch edit and gives its JSON object, with the lines of standard error under "lines"."""
-        process = self.start_batch(disc, *command, options=options)
+        process = self.start_batch(disc, *command, **options)
         try:
             output, errors = process.communicate(timeout=LIMIT)
         except subprocess.TimeoutExpired:
