@@ -114,7 +114,9 @@ class KVController : public WindowActions {
   void setCurrentDevice(DRDevice* device) { currentDevice_ = device; }
   const std::string& tmpDirPath() const { return tmpDirPath_; }
   void setTmpDirPath(const std::string& path) { tmpDirPath_ = path; }
+  /// What the overlay's own files take up, in bytes; known once the volume is unmounted.
   double sizetoburn() const { return sizetoburn_; }
+  void setSizetoburn(double bytes) { sizetoburn_ = bytes; }
 
   /// Where the content views stand: in the window, and parked to either side of it.
   static constexpr Rect inWindowRect{0, 33, 402, 86};
@@ -147,9 +149,7 @@ class KVController : public WindowActions {
   void discSizeDidChange();
 
   // Burning (kv_controller_burn.cpp, kv_controller_cd.cpp, kv_controller_dvd.cpp).
-  void removeAppleDoubleFiles();
   void removeOverlayAndHideList();
-  std::string keepChanges();
   std::string whyOverlayIsUnsafe() const;
   std::string whyHideListIsUnsafe() const;
   void refuseBurn(const std::string& messageKey, const std::string& reason);

@@ -1,16 +1,12 @@
 // SPDX-License-Identifier: GPL-2.0-or-later
 // KVController: the answer to the confirmation sheet, the start of a burn, and the two clean-ups.
-#include <fcntl.h>
-
-#include <cerrno>
-#include <cstdio>
-#include <filesystem>
-#include <system_error>
 #include <typeinfo>
 #include <utility>
 
 #include "app/kv_controller.h"
 #include "app/warning_alert.h"
+#include "burn/apple_double_files.h"
+#include "burn/kept_changes.h"
 #include "platform/foundation/main_thread.h"
 #include "platform/foundation/own_files.h"
 #include "platform/foundation/paths.h"
@@ -24,15 +20,8 @@
 namespace kelvane {
 namespace {
 
-namespace fs = std::filesystem;
-
 constexpr std::chrono::milliseconds kBarAnimationDelay{1600};
 constexpr char kForeignItem[] = "%@ is somebody else's, or not what KelvaneFS needs there.";
-
-void removeIgnoringFailure(const std::string& path) {
-  std::error_code failure;
-  fs::remove_all(path, failure);
-}
 
 bool isDVDForGrowisofs(const std::optional<std::string>& mediaType) {
   return mediaType == DRDeviceMediaTypeDVDR || mediaType == DRDeviceMediaTypeDVDRW ||
@@ -78,27 +67,14 @@ void KVController::burn() {
   window_.burnProgressIndicator().setIndeterminate(true);
   performAfterDelay(kBarAnimationDelay,
                     [this] { window_.burnProgressIndicator().startAnimation(); });
-  if (UserDefaults::standard().boolForKey("noappledoublefiles")) removeAppleDoubleFiles();
+  if (UserDefaults::standard().boolForKey("noappledoublefiles") &&
+      directoryState(tmpDirPath_) == PathState::Own) {
+    removeAppleDoubleFiles(tmpDirPath_);
+  }
   if (isDVDForGrowisofs(currentDevice()->mediaType())) {
     burnDVD();
   } else {
     burnCD();
-  }
-}
-
-void KVController::removeAppleDoubleFiles() {
-  if (directoryState(tmpDirPath_) != PathState::Own) return;
-  std::vector<fs::path> companions;
-  std::error_code failure;
-  for (fs::recursive_directory_iterator entry(tmpDirPath_, failure), end; !failure && entry != end;
-       entry.increment(failure)) {
-    if (entry->path().filename().string().starts_with("._")) companions.push_back(entry->path());
-  }
-  for (const fs::path& companion : companions) {
-    systemLog(
-        "AppleDouble files suppressed. Resourceforks and extended attributes will not be "
-        "preserved.");
-    removeIgnoringFailure(companion.string());
   }
 }
 
@@ -108,30 +84,10 @@ void KVController::removeOverlayAndHideList() {
   removeOwn(paths::hideListFile(tmpDirPath_));
 }
 
-// Moves the overlay directory to where no clean-up finds it, and gives its new path. Where it
-// cannot be moved, it stays where it is, and no clean-up will look there. Empty where there is
-// none.
-std::string KVController::keepChanges() {
-  if (directoryState(tmpDirPath_) != PathState::Own) return {};
-  constexpr int kMostNames = 100;
-  for (int number = 0; number < kMostNames; ++number) {
-    const std::string kept = tmpDirPath_ + ".kept" + (number == 0 ? "" : format("-%i", number));
-    if (renameat2(AT_FDCWD, tmpDirPath_.c_str(), AT_FDCWD, kept.c_str(), RENAME_NOREPLACE) == 0) {
-      return kept;
-    }
-    if (errno != EEXIST) break;
-  }
-  removeOwn(paths::hideListFile(tmpDirPath_));
-  return std::exchange(tmpDirPath_, {});
-}
-
 void KVController::ejectMediaOfCurrentDevice() {
   DRDevice* device = currentDevice_;
   if (device == nullptr) return;
   services_.discWillBeEjected(device->bsdName());
-  // Where the disc was still mounted out of sight until now (a closed disc with one track is not
-  // released before the burn), its folder could not be removed earlier.
-  removeOwn(paths::hiddenMountFolder());
   device->ejectMedia();
 }
 
@@ -164,6 +120,9 @@ void KVController::commonBurnCleanup() {
   setMediaIsMounted(false);
   setOpenButtonCaption(localizedString("buttonopen"));
   ejectMediaOfCurrentDevice();
+  // Where the disc was still mounted out of sight until now (a closed disc with one track is not
+  // released before the burn), its folder could not be removed earlier.
+  removeOwn(paths::hiddenMountFolder());
   giveUpCurrentDevice();
   scanForMedia();
   window_.replyToApplicationShouldTerminate(true);
@@ -190,8 +149,14 @@ void KVController::refuseBurn(const std::string& messageKey, const std::string& 
   window_.burnProgressIndicator().stopAnimation();
   Alert alert = warningAlert(messageKey, {});
   alert.informativeKey = "SessionNotPreparedLong";
-  const std::string kept = keepChanges();
-  alert.detail = kept.empty() ? reason : format("%@ Your changes are kept in %@.", reason, kept);
+  alert.detail = reason;
+  if (const std::string kept = keepChanges(tmpDirPath_); !kept.empty()) {
+    // An alert may go unread: a pending quit ends the application behind it.
+    const std::string where = format("Your changes are kept in %@.", kept);
+    systemLog("%@", where);
+    alert.detail += " " + where;
+    if (kept == tmpDirPath_) tmpDirPath_.clear();  // No clean-up may find it.
+  }
   window_.beginAlertSheet(alert, nullptr);
   ejectMediaOfCurrentDevice();
   commonBurnCleanup();

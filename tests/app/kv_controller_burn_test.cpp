@@ -9,12 +9,14 @@
 #include "app/controller_fixture.h"
 #include "platform/foundation/paths.h"
 #include "platform/foundation/user_defaults.h"
+#include "platform/recording/drive.h"
+#include "recording/scripted_transport.h"
 
 namespace kelvane::test {
 namespace {
 
-using testing::Contains;
-using testing::ElementsAre;
+using ::testing::Contains;
+using ::testing::ElementsAre;
 
 namespace fs = std::filesystem;
 
@@ -61,8 +63,9 @@ class KVControllerBurn : public ControllerFixture {
     ASSERT_EQ(window_.alerts.size(), 1u);
     EXPECT_EQ(window_.alerts[0].messageKey, "CreateTrackAbortedWithError");
     EXPECT_EQ(window_.alerts[0].informativeKey, "SessionNotPreparedLong");
-    EXPECT_THAT(window_.alerts[0].detail, testing::HasSubstr(why));
-    EXPECT_THAT(window_.alerts[0].detail, testing::HasSubstr("kept in " + kept + "."));
+    EXPECT_THAT(window_.alerts[0].detail, ::testing::HasSubstr(why));
+    EXPECT_THAT(window_.alerts[0].detail, ::testing::HasSubstr("kept in " + kept + "."));
+    EXPECT_THAT(log_.lines(), Contains("Your changes are kept in " + kept + "."));
     EXPECT_EQ(contentOf(kept + "/docs/a.txt"), "content");
     EXPECT_EQ(controller_.currentDevice(), nullptr);
     EXPECT_FALSE(controller_.burnInProgress());
@@ -102,8 +105,88 @@ TEST_F(KVControllerBurn, TheCleanUpAfterABurnClearsTheFlagAndStopsTheBarFirst) {
   expectIdle();
 }
 
+/// What stands of the opened disc at the time of each step.
+class KVControllerCleanUp : public KVControllerBurn {
+ protected:
+  void SetUp() override {
+    KVControllerBurn::SetUp();
+    controller_.setMediaIsMounted(true);
+    turn();
+    window_.onCall = [this](const std::string& call) {
+      if (call != "header headerDisksAvail" && call != "caption buttonopen" && call != "eject" &&
+          call != "reply yes") {
+        return;
+      }
+      std::string standing;
+      if (fs::exists(overlay_)) standing += " overlay";
+      if (fs::exists(paths::hideListFile(overlay_))) standing += " list";
+      if (fs::exists(paths::hiddenMountFolder())) standing += " folder";
+      moments_.push_back(call + ":" + standing);
+    };
+  }
+  std::vector<std::string> moments_;
+};
+
+TEST_F(KVControllerCleanUp, WithoutBurnTheFolderOfTheHiddenMountGoesLast) {
+  controller_.cleanupWithoutBurn();
+  EXPECT_THAT(moments_, ElementsAre("header headerDisksAvail: overlay list folder",
+                                    "caption buttonopen: overlay list folder", "eject: folder",
+                                    "reply yes:"));
+}
+
+TEST_F(KVControllerCleanUp, AfterABurnItGoesWithTheChangesBeforeAllElse) {
+  controller_.commonBurnCleanup();
+  EXPECT_THAT(
+      moments_,
+      ElementsAre("header headerDisksAvail:", "caption buttonopen:", "eject:", "reply yes:"));
+}
+
+/// A drive of the class of the machine's drives, or of one derived from it, whose lock is a file.
+template <typename Device>
+std::unique_ptr<DRDevice> lockedBy(const std::string& path) {
+  DriveIdentity identity;
+  identity.bsdName = "sr7";
+  identity.exclusiveLockPath = path;
+  return std::make_unique<Device>(std::make_unique<Drive>(
+      std::move(identity), std::make_unique<kelvane::testing::ScriptedTransport>()));
+}
+
+class DerivedDevice : public DRDevice {
+ public:
+  using DRDevice::DRDevice;
+};
+
+TEST_F(KVControllerBurn, TheCleanUpWithoutBurnDropsTheAccessToADriveOfThatClassAlone) {
+  const std::string lock = prefix_.path() + "/lock";
+  write(lock);
+  const auto other = lockedBy<DRDevice>(lock);
+  const auto exact = lockedBy<DRDevice>(lock);
+  ASSERT_TRUE(exact->acquireExclusiveAccess());
+  controller_.setCurrentDevice(exact.get());
+  controller_.cleanupWithoutBurn();
+  EXPECT_TRUE(other->acquireExclusiveAccess());
+  other->releaseExclusiveAccess();
+  const auto derived = lockedBy<DerivedDevice>(lock);
+  ASSERT_TRUE(derived->acquireExclusiveAccess());
+  controller_.setCurrentDevice(derived.get());
+  controller_.cleanupWithoutBurn();
+  EXPECT_FALSE(other->acquireExclusiveAccess());
+}
+
+TEST_F(KVControllerBurn, TheCleanUpAfterABurnLeavesTheAccessAlone) {
+  const std::string lock = prefix_.path() + "/lock";
+  write(lock);
+  const auto other = lockedBy<DRDevice>(lock);
+  const auto exact = lockedBy<DRDevice>(lock);
+  ASSERT_TRUE(exact->acquireExclusiveAccess());
+  controller_.setCurrentDevice(exact.get());
+  controller_.commonBurnCleanup();
+  EXPECT_FALSE(other->acquireExclusiveAccess());
+}
+
 TEST_F(KVControllerBurn, NeitherCleanUpDeletesTheImage) {
   write(paths::burnImage(overlay_));
+  controller_.cleanupWithoutBurn();
   controller_.commonBurnCleanup();
   EXPECT_TRUE(fs::exists(paths::burnImage(overlay_)));
 }
@@ -160,7 +243,7 @@ TEST_F(KVControllerBurn, AppleDoubleFilesAreRemovedWhereTheUserWantsThatAndOnlyT
     }
   };
   controller_.burn();
-  EXPECT_THAT(left, testing::UnorderedElementsAre("a.txt", "kept._c"));
+  EXPECT_THAT(left, ::testing::UnorderedElementsAre("a.txt", "kept._c"));
   const std::string line =
       "AppleDouble files suppressed. Resourceforks and extended attributes will not be preserved.";
   const std::vector<std::string> lines = log_.lines();
@@ -241,7 +324,7 @@ TEST_F(KVControllerBurn, AnOverlayDirectoryThatWasReplacedByALinkIsNeitherBurned
   controller_.burn();
   EXPECT_TRUE(fs::exists(prefix_.path() + "/victim/._companion"));
   ASSERT_EQ(window_.alerts.size(), 1u);
-  EXPECT_THAT(window_.alerts[0].detail, testing::HasSubstr(overlay_ + " is somebody else's"));
+  EXPECT_THAT(window_.alerts[0].detail, ::testing::HasSubstr(overlay_ + " is somebody else's"));
   EXPECT_EQ(contentOf(prefix_.path() + "/victim/docs/a.txt"), "content");
 }
 

@@ -125,7 +125,7 @@ TEST_F(KVControllerDVD, TheChosenSpeedIsAskedFor) {
   EXPECT_THAT(bundle_.notes(), HasSubstr("growisofs -speed=4 -overburn -M"));
 }
 
-TEST_F(KVControllerDVD, DVDRGoesThisWayAndDVDPlusRDoesNot) {
+TEST_F(KVControllerDVD, ADVDRGoesThisWayToo) {
   device_.type = DRDeviceMediaTypeDVDR;
   burn();
   EXPECT_EQ(bundle_.notes(), growisofsLine("-M"));

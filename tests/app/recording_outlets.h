@@ -16,7 +16,10 @@ namespace kelvane::test {
 /// in the same list, so that the order between window and drive can be seen.
 class RecordingOutlets : public WindowlessOutlets {
  public:
-  void note(const std::string& call) { calls.push_back(call); }
+  void note(const std::string& call) {
+    calls.push_back(call);
+    if (onCall) onCall(call);
+  }
 
   void centerWindows() override { note("centerWindows"); }
   void makeKeyAndOrderFront() override { note("makeKeyAndOrderFront"); }
@@ -71,6 +74,7 @@ class RecordingOutlets : public WindowlessOutlets {
   }
 
   std::vector<std::string> calls;
+  std::function<void(const std::string& call)> onCall;  ///< To look at what stands meanwhile.
   std::vector<Alert> alerts;
   std::function<void(int returnCode)> answerAlert;
   int32_t speedTag = 0;

@@ -10,6 +10,7 @@
 #include <csignal>
 #include <cstdlib>
 #include <filesystem>
+#include <fstream>
 
 #include "platform/recording/dr_device.h"
 #include "platform/recording/dr_erase.h"
@@ -36,16 +37,17 @@ class EraseProgressSheet : public WindowTest {
     DriveRegistry::shared().setRealDrives(DriveRegistry::RealDrives::Excluded);
   }
   ~EraseProgressSheet() override {
-    if (recorder_ != 0) kill(recorder_, SIGCONT);
+    goOn();
     EXPECT_TRUE(sheetHasGone());
     DriveRegistry::shared().reset();
     std::filesystem::remove_all(folder_);
   }
 
-  DRDevice* addDrive(MediumKind medium) {
+  DRDevice* addDrive(MediumKind medium, const std::string& faults = {}) {
     const std::string disc = folder_ + "/disc.kvdisc";
     std::string error;
     EXPECT_TRUE(virtualdrive::VirtualDrive::create(disc, {.medium = medium}, &error)) << error;
+    if (!faults.empty()) std::ofstream(disc + "/faults") << faults;
     return DriveRegistry::shared().addEmulatedDrive(disc, &error);
   }
 
@@ -58,15 +60,15 @@ class EraseProgressSheet : public WindowTest {
     recorder_ = static_cast<pid_t>(started->recorderProcessIdentifier());
   }
 
-  /// An erase that stands still until the recorder is told to go on.
+  /// An erase that stands still until it may go on: the recorder waits for the drive to know what
+  /// disc it has.
   void beginAndPause() {
-    begin(addDrive(MediumKind::CdRw));
+    begin(addDrive(MediumKind::CdRw, "load: never ready\n"));
     ASSERT_NE(recorder_, 0);
-    ASSERT_EQ(kill(recorder_, SIGSTOP), 0);
     ASSERT_NE(sheet(), nullptr);
   }
 
-  void goOn() { kill(recorder_, SIGCONT); }
+  void goOn() { std::filesystem::remove(folder_ + "/disc.kvdisc/faults"); }
 
   void report(double fraction) {
     DREraseStatus status;

@@ -31,6 +31,7 @@ class FakeDevice : public DRDevice {
   std::string ioRegistryEntryPath() const override { return "/emulated/" + bsdName_; }
   DRDeviceStatus status() const override { return deviceStatus; }
   std::optional<std::string> emulatedDisc() const override { return disc; }
+  Drive* drive() const override { return recordingDrive; }
 
   /// Gives the disc tracks in sessions 1, 2 … with these start addresses; the last one is open.
   void setTracks(const std::vector<std::optional<int64_t>>& starts) {
@@ -55,6 +56,7 @@ class FakeDevice : public DRDevice {
   std::optional<std::string> type = DRDeviceMediaTypeCDR;
   DRDeviceStatus deviceStatus;
   std::optional<std::string> disc;
+  Drive* recordingDrive = nullptr;  ///< Where a recorder would be sent to; borrowed.
   /// The names of the questions that decide whether the drive is listed, as they were put.
   mutable std::vector<std::string> questions;
 

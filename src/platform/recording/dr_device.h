@@ -78,7 +78,7 @@ class DRDevice {
   virtual std::optional<std::string> emulatedDisc() const;
 
   /// The road to the drive, for those who record on it. Null only for a test's stand-in.
-  Drive* drive() const { return drive_.get(); }
+  virtual Drive* drive() const { return drive_.get(); }
 
   /// Marks the beginning and end of a recording by this process. Main thread; must be paired.
   void beginRecording();
