@@ -142,6 +142,19 @@ TEST_F(ProducerTest, SizesAre32BitsWide) {
   EXPECT_EQ(request(10000).size(), 4096U);
 }
 
+TEST_F(ProducerTest, BetweenTwoAndFourGibibytesTheLengthIsNonsenseAndTheDeliveryIsNot) {
+  const std::string path = makeFile(0);
+  constexpr uintmax_t kSize = (uintmax_t{3} << 30) + 4096;
+  std::filesystem::resize_file(path, kSize);
+  producer.setFilePath(path);
+  // The size is read as a signed number; it is negative here.
+  EXPECT_EQ(producer.fileSize().frames(),
+            static_cast<uint32_t>(-static_cast<int64_t>((uintmax_t{1} << 30) - 4096) / 2048));
+  prepare(path);
+  EXPECT_EQ(request(10000).size(), 10000U);
+  EXPECT_EQ(request(10000).size(), 10000U) << "not the end of a pass";
+}
+
 TEST_F(ProducerTest, CleaningUpClosesTheFileAndMayHappenTwice) {
   const auto openDescriptors = [] {
     const std::filesystem::directory_iterator all("/proc/self/fd");
