@@ -15,9 +15,15 @@ import images
 
 HERE = os.path.dirname(os.path.abspath(__file__))
 BUILD = os.environ["KELVANE_BUILD_DIR"]
-OURS = {name: os.path.join(BUILD, path) for name, path in {
-    "kelvanedisc": "bin/kelvanedisc", "recorder": "libexec/kelvanefs/recorder",
-    "kernel_burner": "tests/kernel/kernel_burner", "drive_probe": "tests/kernel/drive_probe"}.items()}
+# Our programs, as they lie below the build tree and below /programs/kelvane.
+OURS = {
+    "bin/kelvanefs": "bin/kelvanefs",
+    "bin/kelvanedisc": "bin/kelvanedisc",
+    "tests/kernel/kernel_burner": "bin/kernel_burner",
+    "tests/kernel/drive_probe": "bin/drive_probe",
+    **{f"libexec/kelvanefs/{name}": f"libexec/kelvanefs/{name}"
+       for name in ["recorder", "isomount", "mkisofs", "growisofs", "df"]}}
+KELVANEDISC = os.path.join(BUILD, "bin/kelvanedisc")
 OTHERS = ["/usr/bin/growisofs", "/usr/bin/genisoimage"]
 GUEST_LIMIT = int(os.environ.get("KELVANE_GUEST_LIMIT", "150"))  # Seconds; a guest on a quiet machine needs ten.
 PROGRAM_LIMIT = 120
@@ -50,13 +56,13 @@ def copy_if_newer(source, target):
 
 
 def programs_folder():
-    """The folder that the guest has as /programs: our programs in `kelvane`, others and the libraries in `usr`."""
+    """The folder that the guest has as /programs: our programs in `kelvane`; others, and all libraries, in `usr`."""
     folder = os.path.join(images.cache_folder(), "programs")
-    for name, path in OURS.items():
-        copy_if_newer(path, os.path.join(folder, "kelvane", name))
+    for path, place in OURS.items():
+        copy_if_newer(os.path.join(BUILD, path), os.path.join(folder, "kelvane", place))
     for path in OTHERS:
         copy_if_newer(path, os.path.join(folder, path.lstrip("/")))
-    for path in libraries_of([*OURS.values(), *OTHERS]):
+    for path in libraries_of([*(os.path.join(BUILD, path) for path in OURS), *OTHERS]):
         place = "usr" + path if not path.startswith("/usr/") else path.lstrip("/")
         copy_if_newer(path, os.path.join(folder, place))
     return folder
@@ -92,9 +98,14 @@ def make_tree(folder, seed, files=6):
 class GuestTest(unittest.TestCase):
     """A test with a folder of its own, which is the guest's /share."""
 
+    # For the virtual machine, and for its kernel.
+    machine_options = []
+    kernel_words = ""
+    guest_files = ["steps"]
+
     @classmethod
     def setUpClass(cls):
-        cls.images = images.images()
+        cls.kernel = images.kernel_images()
         cls.programs = programs_folder()
 
     def setUp(self):
@@ -113,16 +124,17 @@ class GuestTest(unittest.TestCase):
 
     def guest(self, steps):
         """Runs the shell script `steps` in a guest. A guest that does not end, or not well, fails the test."""
-        shutil.copy(os.path.join(HERE, "guest/steps"), self.share)
+        for name in self.guest_files:
+            shutil.copy(os.path.join(HERE, "guest", name), self.share)
         with open(self.path("test"), "w", encoding="utf-8") as file:
             file.write(". /share/steps\n" + steps)
         command = ["timeout", "--foreground", "-s", "KILL", str(GUEST_LIMIT), "nice", "-n", "10", "qemu-system-x86_64",
                    "-accel", "tcg", "-cpu", "qemu64", "-m", "512", "-nographic", "-no-reboot", "-nodefaults",
-                   "-serial", "stdio", "-kernel", os.path.join(self.images, "vmlinux"),
-                   "-initrd", os.path.join(self.images, "initramfs"),
-                   "-append", "console=ttyS0 panic=-1 quiet mitigations=off",
+                   "-serial", "stdio", "-kernel", os.path.join(self.kernel, "vmlinux"),
+                   "-initrd", os.path.join(self.kernel, "initramfs"),
+                   "-append", "console=ttyS0 panic=-1 quiet mitigations=off " + self.kernel_words,
                    "-virtfs", f"local,path={self.programs},mount_tag=programs,security_model=none,readonly=on",
-                   "-virtfs", f"local,path={self.share},mount_tag=share,security_model=none"]
+                   "-virtfs", f"local,path={self.share},mount_tag=share,security_model=none", *self.machine_options]
         result = subprocess.run(command, stdin=subprocess.DEVNULL, stdout=subprocess.PIPE, stderr=subprocess.STDOUT,
                                 encoding="utf-8", errors="replace", check=False)
         if os.environ.get("KELVANE_GUEST_CONSOLE"):
@@ -142,9 +154,17 @@ class GuestTest(unittest.TestCase):
     def make_disc(self, name, media, *trees, label="DISC"):
         """A disc on the share with one session a tree, each holding what the ones before hold, by genisoimage and cdrskin."""
         disc = self.path(name + ".kvdisc")
-        run(OURS["kelvanedisc"], "create", disc, "--media", media)
+        run(KELVANEDISC, "create", disc, "--media", media)
         for tree in trees:
             self.add_session(disc, tree, label)
+        return disc
+
+    def make_dvd(self, name, media, tree, label="DISC"):
+        """A DVD with one session, by growisofs."""
+        disc = self.path(name + ".kvdisc")
+        run(KELVANEDISC, "create", disc, "--media", media)
+        run(KELVANEDISC, "run", disc, "--", "growisofs", "-Z", "/dev/sr0", "-quiet", "-R", "-J", "-V", label,
+            "-use-the-force-luke=tty", tree)
         return disc
 
     def add_session(self, disc, tree, label):
@@ -154,11 +174,11 @@ class GuestTest(unittest.TestCase):
         next_start = info["next_writable_address"]
         merge = ["-C", f"{starts[-1]},{next_start}", "-M", os.path.join(disc, "sectors")] if starts else []
         run("genisoimage", "-quiet", "-R", "-J", "-V", label, *merge, "-o", image, tree)
-        run(OURS["kelvanedisc"], "run", disc, "--", "cdrskin", "dev=/dev/sr0", "-multi", "-tao", image)
+        run(KELVANEDISC, "run", disc, "--", "cdrskin", "dev=/dev/sr0", "-multi", "-tao", image)
         os.remove(image)
 
     def info(self, disc):
-        return json.loads(run(OURS["kelvanedisc"], "info", disc, "--json").stdout)
+        return json.loads(run(KELVANEDISC, "info", disc, "--json").stdout)
 
     def starts_on(self, disc):
         """Where the complete sessions of a disc begin."""

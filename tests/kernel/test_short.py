@@ -4,7 +4,7 @@
 import os
 import unittest
 
-from rig import OURS, GuestTest, make_tree, run, tree_of
+from rig import GuestTest, make_tree, tree_of
 
 # linux/cdrom.h
 NO_DISC, TRAY_OPEN, DISC_OK = 1, 2, 4
@@ -122,7 +122,7 @@ class Burning(GuestTest):
 plug disc.kvdisc
 show before
 add_session_image second SECOND
-recorder --device "$DRIVE" --image /tmp/session.iso --appendable > /share/recorder || fail "$(cat /share/recorder)"
+$PARTS/recorder --device "$DRIVE" --image /tmp/session.iso --appendable > /share/recorder || fail "$(cat /share/recorder)"
 {between}
 probe after
 show after
@@ -149,10 +149,7 @@ keep burned
 
     def grow_dvd(self, faults, between):
         first, second = make_tree(self.path("first"), 1), make_tree(self.path("second"), 2)
-        disc = self.path("disc.kvdisc")
-        run(OURS["kelvanedisc"], "create", disc, "--media", "dvd+rw")
-        run(OURS["kelvanedisc"], "run", disc, "--", "growisofs", "-Z", "/dev/sr0", "-quiet", "-R", "-J", "-V", "FIRST",
-            "-use-the-force-luke=tty", first)
+        disc = self.make_dvd("disc", "dvd+rw", first)
         self.set_faults(disc, faults)
         self.guest(f"""
 plug disc.kvdisc
