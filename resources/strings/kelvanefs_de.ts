@@ -386,6 +386,23 @@
         <source>A program still has files or folders of the disc open, so it has not been erased. Close that program, or leave the disc’s folder in it, then erase the disc again.</source>
         <translation>Ein Programm hat noch Dateien oder Ordner der Disc geöffnet, deshalb wurde sie nicht gelöscht. Beenden Sie das Programm oder verlassen Sie darin den Ordner der Disc, und löschen Sie die Disc dann noch einmal.</translation>
     </message>
+    <!-- Notifications of the desktop -->
+    <message id="NoticeBurned">
+        <source>The changes are on the disc</source>
+        <translation>Die Änderungen sind auf der Disc</translation>
+    </message>
+    <message id="NoticeBurnedLong">
+        <source>The disc has been written and ejected.</source>
+        <translation>Die Disc ist beschrieben und ausgeworfen.</translation>
+    </message>
+    <message id="NoticeBurnFailed">
+        <source>The disc could not be written</source>
+        <translation>Die Disc konnte nicht beschrieben werden</translation>
+    </message>
+    <message id="NoticeBurnFailedLong">
+        <source>The window of KelvaneFS tells why.</source>
+        <translation>Das Fenster von KelvaneFS nennt den Grund.</translation>
+    </message>
     <!-- Update check -->
     <message id="updatecheck">
         <source>A newer version of KelvaneFS is available</source>

@@ -386,6 +386,23 @@
         <source>A program still has files or folders of the disc open, so it has not been erased. Close that program, or leave the disc’s folder in it, then erase the disc again.</source>
         <translation>A program still has files or folders of the disc open, so it has not been erased. Close that program, or leave the disc’s folder in it, then erase the disc again.</translation>
     </message>
+    <!-- Notifications of the desktop -->
+    <message id="NoticeBurned">
+        <source>The changes are on the disc</source>
+        <translation>The changes are on the disc</translation>
+    </message>
+    <message id="NoticeBurnedLong">
+        <source>The disc has been written and ejected.</source>
+        <translation>The disc has been written and ejected.</translation>
+    </message>
+    <message id="NoticeBurnFailed">
+        <source>The disc could not be written</source>
+        <translation>The disc could not be written</translation>
+    </message>
+    <message id="NoticeBurnFailedLong">
+        <source>The window of KelvaneFS tells why.</source>
+        <translation>The window of KelvaneFS tells why.</translation>
+    </message>
     <!-- Update check -->
     <message id="updatecheck">
         <source>A newer version of KelvaneFS is available</source>

@@ -105,7 +105,9 @@ class KVController : public WindowActions {
   std::optional<DeviceRecord> currentDeviceDictionary() const;
   void setCurrentDeviceDictionary(const DeviceRecord& record);
   bool burnInProgress() const { return burnInProgress_; }
-  void setBurnInProgress(bool inProgress) { burnInProgress_ = inProgress; }
+  /// While it is set the desktop is asked not to interrupt. Where it is cleared the window is told
+  /// how the burn ended.
+  void setBurnInProgress(bool inProgress);
   bool mediaIsMounted() const { return mediaIsMounted_; }
   /// Where the value changes: sets header, caption and view.
   void setMediaIsMounted(bool mounted);
@@ -189,6 +191,8 @@ class KVController : public WindowActions {
   std::string openButtonCaption_;
   bool mediaIsMounted_ = false;
   bool burnInProgress_ = false;
+  BurnEnd burnEnd_ = BurnEnd::Failed;  ///< Of the burn in progress, as far as is known.
+  std::shared_ptr<void> inhibition_;
   bool isBurnInQuestion_ = false;  // The burn confirmation sheet is shown.
   std::unique_ptr<DRBurn> myBurn_;
   /// The overlay directory of the volume that is being closed in order to erase its disc; else

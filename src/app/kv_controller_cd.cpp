@@ -160,6 +160,8 @@ void KVController::CDBurnFinished() {
         status.DRErrorStatusKey ? status.DRErrorStatusKey->DRErrorStatusErrorStringKey : "";
     systemLog("CD burning failed: %@", error);
     window_.beginAlertSheet(warningAlert("CDBurnError", error), nullptr);
+  } else {
+    burnEnd_ = BurnEnd::Succeeded;
   }
   commonBurnCleanup();
 }

@@ -140,6 +140,7 @@ void KVController::finishDVDBurn(const DVDBurn& burn) {
     window_.beginAlertSheet(alert, nullptr);
   } else {
     systemLog("DVDBurn finished successfully!");
+    burnEnd_ = BurnEnd::Succeeded;
   }
   // A failure that the verdict has missed is not lost altogether.
   for (const std::string& remark : burn.remarks().lines()) systemLog("growisofs: %@", remark);

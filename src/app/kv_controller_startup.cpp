@@ -71,6 +71,18 @@ void KVController::installationAlertDidEnd(int returnCode) {
   window_.terminate();
 }
 
+void KVController::setBurnInProgress(bool inProgress) {
+  if (inProgress == burnInProgress_) return;
+  burnInProgress_ = inProgress;
+  if (inProgress) {
+    burnEnd_ = BurnEnd::Failed;
+    inhibition_ = services_.holdOffInterruptions(localizedString("burningdisk"));
+  } else {
+    inhibition_.reset();
+    window_.burnDidEnd(burnEnd_);
+  }
+}
+
 std::optional<DeviceRecord> KVController::currentDeviceDictionary() const {
   const std::lock_guard lock(currentDeviceDictionaryMutex_);
   return currentDeviceDictionary_;

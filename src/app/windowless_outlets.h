@@ -36,6 +36,7 @@ class WindowlessOutlets : public WindowOutlets, private ProgressIndicator {
   void orderOutBurnConfirmationPanel() override {}
   void beginAlertSheet(const Alert&, std::function<void(int)>) override {}
   DREraseProgressPanel& eraseProgressPanel() override { return eraseProgressPanel_; }
+  void burnDidEnd(BurnEnd) override {}
   void beep() override {}
   void selectFile(const std::string&, const std::string&) override {}
   void openFile(const std::string&) override {}

@@ -3,6 +3,7 @@
 
 #include <utility>
 
+#include "platform/desktop/work_inhibition.h"
 #include "platform/recording/dr_erase.h"
 #include "platform/recording/dr_notification_center.h"
 
@@ -24,6 +25,7 @@ void EraseFollower::beginProgressSheetForErase(std::unique_ptr<DRErase> erase) {
         if (status != nullptr) eraseStatusChanged(*status);
       },
       DREraseStatusChangedNotification, erase_.get());
+  inhibition_ = std::make_unique<desktop::WorkInhibition>(description_);
   showBeginning(description_);
   erase_->start();
 }
@@ -37,6 +39,7 @@ void EraseFollower::eraseStatusChanged(const DREraseStatus& status) {
   }
   DRNotificationCenter::currentRunLoopCenter().removeObserver(this);
   erase_.reset();
+  inhibition_.reset();
   showEnd(status.DRErrorStatusKey ? status.DRErrorStatusKey->DRErrorStatusErrorStringKey
                                   : std::string());
 }

@@ -10,8 +10,12 @@
 
 namespace kelvane {
 
+namespace desktop {
+class WorkInhibition;
+}
+
 /// What every progress panel of erases does, however it shows it: starts the erase, follows it and
-/// lets go of it. Main thread only.
+/// lets go of it. Meanwhile the desktop is asked not to interrupt. Main thread only.
 class EraseFollower : public DREraseProgressPanel {
  public:
   EraseFollower();
@@ -39,6 +43,7 @@ class EraseFollower : public DREraseProgressPanel {
 
   std::string description_;
   std::unique_ptr<DRErase> erase_;
+  std::unique_ptr<desktop::WorkInhibition> inhibition_;
 };
 
 }  // namespace kelvane

@@ -17,7 +17,10 @@
 #include <array>
 #include <cmath>
 
+#include "platform/desktop/file_manager.h"
+#include "platform/desktop/notifications.h"
 #include "platform/foundation/bundle.h"
+#include "platform/foundation/strings_table.h"
 #include "ui/alert_sheet.h"
 #include "ui/burn_progress_bar.h"
 #include "ui/burn_view.h"
@@ -67,6 +70,7 @@ MainWindow::MainWindow(QWidget* parent) : QWidget(parent) {
   column->setSizeConstraint(QLayout::SetFixedSize);
   burnConfirmationPanel_ = new ConfirmationSheet(this);
   eraseProgressPanel_ = new EraseProgressSheet(this);
+  notifications_ = new desktop::Notifications([this] { makeKeyAndOrderFront(); }, this);
   connectActions();
   addShortcuts();
   applyScale();
@@ -356,6 +360,17 @@ DREraseProgressPanel& MainWindow::eraseProgressPanel() {
   return *eraseProgressPanel_;
 }
 
+// Whoever looks at the window sees it there.
+void MainWindow::burnDidEnd(BurnEnd end) {
+  if (QApplication::activeWindow() != nullptr) return;
+  const bool failed = end == BurnEnd::Failed;
+  desktop::Notice notice;
+  notice.kind = failed ? desktop::Notice::Kind::Failure : desktop::Notice::Kind::Success;
+  notice.summary = localizedString(failed ? "NoticeBurnFailed" : "NoticeBurned");
+  notice.body = localizedString(failed ? "NoticeBurnFailedLong" : "NoticeBurnedLong");
+  notifications_->show(notice);
+}
+
 void MainWindow::beep() {
   QApplication::beep();
 }
@@ -364,7 +379,7 @@ void MainWindow::selectFile(const std::string& path, const std::string& root) {
   // What is selected is a volume or folder, and a file manager that opens it shows what the user is
   // after; the folder around it would be one step too far up.
   Q_UNUSED(root);
-  openFile(path);
+  desktop::showInFileManager(path, this, [this, path] { openFile(path); });
 }
 
 void MainWindow::openFile(const std::string& path) {

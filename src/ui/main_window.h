@@ -14,6 +14,10 @@ class QLabel;
 
 namespace kelvane {
 
+namespace desktop {
+class Notifications;
+}
+
 class ConfirmationSheet;
 class DiscListView;
 class DiscListModel;
@@ -74,6 +78,7 @@ class MainWindow : public QWidget, public WindowOutlets {
   void orderOutBurnConfirmationPanel() override;
   void beginAlertSheet(const Alert& alert, std::function<void(int returnCode)> didEnd) override;
   DREraseProgressPanel& eraseProgressPanel() override;
+  void burnDidEnd(BurnEnd end) override;
   void beep() override;
   void selectFile(const std::string& path, const std::string& root) override;
   void openFile(const std::string& path) override;
@@ -123,6 +128,7 @@ class MainWindow : public QWidget, public WindowOutlets {
   RoomyButton* openButton_ = nullptr;
   ConfirmationSheet* burnConfirmationPanel_ = nullptr;
   EraseProgressSheet* eraseProgressPanel_ = nullptr;
+  desktop::Notifications* notifications_ = nullptr;
 };
 
 }  // namespace kelvane

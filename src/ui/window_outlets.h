@@ -31,6 +31,9 @@ enum class HideableView { OpenButton, DiskTable, DiskScroll, Message };
 
 enum class Movement { Direct, Animated };
 
+/// How a burn ended.
+enum class BurnEnd { Succeeded, Failed };
+
 /// An alert in words of the strings table: each text is a key.
 struct Alert {
   enum class Style { Warning, Informational, Critical };
@@ -95,6 +98,9 @@ class WindowOutlets {
 
   /// The shared progress panel of erases.
   virtual DREraseProgressPanel& eraseProgressPanel() = 0;
+
+  /// A burn is over. Where it failed, an alert has been begun that tells why.
+  virtual void burnDidEnd(BurnEnd end) = 0;
 
   /// The system beep: an action has been refused.
   virtual void beep() = 0;

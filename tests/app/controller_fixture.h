@@ -56,6 +56,10 @@ class ControllerFixture : public ApplicationFixture {
     services_.discWillBeEjected = [this](const std::string& name) {
       window_.note("will eject " + name);
     };
+    services_.holdOffInterruptions = [this](const std::string& why) {
+      reasonsToStayAwake_.push_back(why);
+      return awake_;
+    };
     services_.sleep = [](std::chrono::milliseconds) {};
   }
 
@@ -80,6 +84,8 @@ class ControllerFixture : public ApplicationFixture {
   NotingDevice device_{"kv0", window_};
   std::vector<DRDevice*> devices_;
   bool userFileSystemIsAvailable_ = true;
+  std::vector<std::string> reasonsToStayAwake_;
+  std::shared_ptr<void> awake_ = std::make_shared<int>();  ///< Shared while it is asked for.
   ControllerServices services_;
   KVController controller_{window_, services_};
   KVAppDelegate delegate_{controller_, window_};

@@ -239,6 +239,33 @@ TEST_F(KVControllerCD, TheOneLineThatSaysNothingWrongIsNoFailure) {
   EXPECT_TRUE(window_.alerts.empty());
 }
 
+TEST_F(KVControllerCD, TheDesktopIsNotToInterruptUntilTheBurnHasEnded) {
+  EXPECT_EQ(awake_.use_count(), 1);
+  window_.onCall = [this](const std::string& call) {
+    if (call == "acquire" || call == "release") {
+      EXPECT_EQ(awake_.use_count(), 2) << call;
+    }
+  };
+  burn();
+  EXPECT_THAT(reasonsToStayAwake_, ElementsAre("burningdisk"));
+  EXPECT_EQ(awake_.use_count(), 1);
+  EXPECT_THAT(window_.burnEnds, ElementsAre(BurnEnd::Succeeded));
+}
+
+TEST_F(KVControllerCD, ABurnThatFailsAtTheDriveIsToldAsFailed) {
+  bundle_.addProgram("recorder", recorderSaying({R"({"state":"failed","error":"no laser"})"}));
+  burn();
+  EXPECT_THAT(window_.burnEnds, ElementsAre(BurnEnd::Failed));
+  EXPECT_EQ(awake_.use_count(), 1);
+}
+
+TEST_F(KVControllerCD, ABurnWithoutAnImageIsToldAsFailed) {
+  bundle_.addProgram("mkisofs", "echo 'no room' >&2");
+  burn();
+  EXPECT_THAT(window_.burnEnds, ElementsAre(BurnEnd::Failed));
+  EXPECT_EQ(awake_.use_count(), 1);
+}
+
 TEST_F(KVControllerCD, ADriveThatSomebodyElseHoldsIsBurnedAllTheSame) {
   burner_.free = false;
   burn();

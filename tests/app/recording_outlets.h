@@ -56,6 +56,7 @@ class RecordingOutlets : public WindowlessOutlets {
     answerAlert = std::move(didEnd);
   }
   DREraseProgressPanel& eraseProgressPanel() override { return erasePanel_; }
+  void burnDidEnd(BurnEnd end) override { burnEnds.push_back(end); }
   void beep() override { note("beep"); }
   void selectFile(const std::string& path, const std::string& root) override {
     note(format("select %@ below %@", path, root));
@@ -78,6 +79,7 @@ class RecordingOutlets : public WindowlessOutlets {
   std::vector<Alert> alerts;
   std::function<void(int returnCode)> answerAlert;
   int32_t speedTag = 0;
+  std::vector<BurnEnd> burnEnds;
 
  protected:
   void setIndeterminate(bool indeterminate) override {

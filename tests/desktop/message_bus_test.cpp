@@ -42,6 +42,19 @@ TEST_F(MessageBus, ThatHasGoneIsNoLongerConnected) {
   turnUntil([] { return !sessionBus().isConnected(); });
 }
 
+TEST_F(MessageBus, ThatIsNotThereAnswersAtOnceAndFromTheEventLoop) {
+  qputenv("DBUS_SESSION_BUS_ADDRESS", "disabled:");
+  QObject context;
+  bool isAbsent = false;
+  const QDBusMessage method = QDBusMessage::createMethodCall(
+      QStringLiteral("a.b"), QStringLiteral("/"), QStringLiteral("a.b"), QStringLiteral("C"));
+  // A patience that no test outlives.
+  call(sessionBus(), method, std::chrono::hours(24), &context,
+       [&isAbsent](const QDBusMessage& answer) { isAbsent = isServiceAbsent(answer); });
+  EXPECT_FALSE(isAbsent);
+  turnUntil([&isAbsent] { return isAbsent; });
+}
+
 TEST_F(MessageBus, TellsAnAbsentServiceFromOneThatRefuses) {
   const auto error = [](QDBusError::ErrorType type) {
     return QDBusMessage::createError(type, QStringLiteral("text"));

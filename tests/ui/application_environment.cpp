@@ -13,6 +13,9 @@ class ApplicationEnvironment : public ::testing::Environment {
  public:
   void SetUp() override {
     qputenv("QT_QPA_PLATFORM", "offscreen");
+    for (const char* bus : {"DBUS_SESSION_BUS_ADDRESS", "DBUS_SYSTEM_BUS_ADDRESS"}) {
+      qputenv(bus, "disabled:");
+    }
     application_ = std::make_unique<QApplication>(argc_, argv_);
     QApplication::setApplicationName(QStringLiteral("KelvaneFS"));
     kelvane::loadStringsTable("en");

@@ -112,7 +112,11 @@ const std::vector<std::string> kKeysOfTheController = {"OK",
                                                        "ReasonFolderForFile",
                                                        "ReasonLinkLength",
                                                        "ReasonDiscFull",
-                                                       "ReasonTemporaryFolderFull"};
+                                                       "ReasonTemporaryFolderFull",
+                                                       "NoticeBurned",
+                                                       "NoticeBurnedLong",
+                                                       "NoticeBurnFailed",
+                                                       "NoticeBurnFailedLong"};
 
 class Strings : public ::testing::TestWithParam<std::string> {};
 

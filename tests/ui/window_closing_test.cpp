@@ -112,9 +112,12 @@ class OpenedFiles : public QObject {
 
 TEST_F(WindowClosing, FilesAndVolumesAreOpenedByTheDesktop) {
   OpenedFiles opened;
-  window_.selectFile("/Volumes/tarnwick", "/Volumes/");
   window_.openFile("/tmp/a file #1");
-  EXPECT_THAT(opened.paths, ElementsAre("/Volumes/tarnwick", "/tmp/a file #1"));
+  EXPECT_THAT(opened.paths, ElementsAre("/tmp/a file #1"));
+  // Without a file manager to be asked, a volume is opened like a file.
+  window_.selectFile("/Volumes/tarnwick", "/Volumes/");
+  while (opened.paths.size() < 2) QApplication::processEvents(QEventLoop::WaitForMoreEvents);
+  EXPECT_EQ(opened.paths.back(), "/Volumes/tarnwick");
 }
 
 }  // namespace

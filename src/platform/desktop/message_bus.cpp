@@ -50,6 +50,12 @@ QDBusConnection systemBus() {
 void call(const QDBusConnection& bus, const QDBusMessage& method,
           std::chrono::milliseconds patience, QObject* context,
           std::function<void(const QDBusMessage& answer)> answered) {
+  if (!bus.isConnected()) {
+    QTimer::singleShot(0, context, [answered = std::move(answered)] {
+      answered(QDBusMessage::createError(QDBusError::Disconnected, QStringLiteral("no bus")));
+    });
+    return;
+  }
   auto* watcher = new QDBusPendingCallWatcher(
       bus.asyncCall(method, static_cast<int>(patience.count())), context);
   // A call that is on its way when the bus itself goes away never ends, so time is kept here, too.

@@ -1,0 +1,106 @@
+// SPDX-License-Identifier: GPL-2.0-or-later
+// The window among the services of the desktop.
+#include <QApplication>
+#include <QDesktopServices>
+#include <QTemporaryDir>
+#include <QTest>
+#include <QUrl>
+
+#include "desktop/fake_services.h"
+#include "desktop/private_bus.h"
+#include "platform/foundation/strings_table.h"
+#include "ui/window_test.h"
+
+namespace kelvane {
+namespace {
+
+using namespace kelvane::testing;
+using test::FakeFileManager;
+using test::FakeNotifications;
+using test::Manner;
+using ::testing::ElementsAre;
+using ::testing::IsEmpty;
+
+class DesktopWindow : public WindowTest {
+ protected:
+  static void turnUntil(const std::function<bool()>& condition) {
+    while (!condition()) QApplication::processEvents(QEventLoop::WaitForMoreEvents, 50);
+  }
+
+  /// Another application's window is in front.
+  static void putBehind() { QApplication::setActiveWindow(nullptr); }
+
+  test::PrivateBus bus_;
+};
+
+/// Takes the place of the desktop for file URLs while it lives.
+class OpenedUrls : public QObject {
+  Q_OBJECT
+
+ public:
+  OpenedUrls() { QDesktopServices::setUrlHandler("file", this, "note"); }
+  ~OpenedUrls() override { QDesktopServices::unsetUrlHandler("file"); }
+
+  std::vector<std::string> paths;
+
+ public Q_SLOTS:
+  void note(const QUrl& url) { paths.push_back(url.toLocalFile().toStdString()); }
+};
+
+TEST_F(DesktopWindow, AVolumeIsShownByTheFileManagerAndByNobodyElse) {
+  FakeFileManager manager(bus_.services());
+  OpenedUrls opened;
+  const QTemporaryDir volume;
+  window_.selectFile(volume.path().toStdString(), "/Volumes/");
+  turnUntil([&manager] { return !manager.calls.empty(); });
+  EXPECT_THAT(manager.calls, ElementsAre("ShowFolders file://" + volume.path().toStdString()));
+  EXPECT_THAT(opened.paths, IsEmpty());
+}
+
+TEST_F(DesktopWindow, WhereTheFileManagerRefusesTheVolumeIsOpenedLikeAFile) {
+  FakeFileManager manager(bus_.services());
+  manager.manner = Manner::Refuses;
+  OpenedUrls opened;
+  window_.selectFile("/Volumes/tarnwick", "/Volumes/");
+  turnUntil([&opened] { return !opened.paths.empty(); });
+  EXPECT_THAT(opened.paths, ElementsAre("/Volumes/tarnwick"));
+}
+
+TEST_F(DesktopWindow, TheEndOfABurnIsToldWhereTheWindowIsNotInFront) {
+  FakeNotifications desktop(bus_.services());
+  putBehind();
+  window_.burnDidEnd(BurnEnd::Succeeded);
+  window_.burnDidEnd(BurnEnd::Failed);
+  turnUntil([&desktop] { return desktop.shown.size() == 2; });
+  EXPECT_EQ(desktop.shown[0].summary, "The changes are on the disc");
+  EXPECT_EQ(desktop.shown[0].category, "transfer.complete");
+  EXPECT_EQ(desktop.shown[1].summary, "The disc could not be written");
+  EXPECT_EQ(desktop.shown[1].body, "The window of KelvaneFS tells why.");
+}
+
+TEST_F(DesktopWindow, WhoLooksAtTheWindowIsNotToldTwice) {
+  FakeNotifications desktop(bus_.services());
+  QApplication::setActiveWindow(&window_);
+  window_.burnDidEnd(BurnEnd::Succeeded);
+  putBehind();
+  window_.burnDidEnd(BurnEnd::Failed);
+  turnUntil([&desktop] { return !desktop.shown.empty(); });
+  ASSERT_EQ(desktop.shown.size(), 1U);
+  EXPECT_EQ(desktop.shown[0].category, "transfer.error") << "the success had been seen";
+}
+
+TEST_F(DesktopWindow, AClickOnTheNotificationBringsTheWindowBack) {
+  FakeNotifications desktop(bus_.services());
+  window_.hideApplication();
+  putBehind();
+  window_.burnDidEnd(BurnEnd::Failed);
+  turnUntil([&desktop] { return desktop.shown.size() == 1; });
+  // The window hears of the notification's number before it hears of the click.
+  desktop.click(1);
+  turnUntil([this] { return !window_.isMinimized(); });
+}
+
+}  // namespace
+}  // namespace kelvane
+
+#include "desktop_window_test.moc"
