@@ -8,6 +8,8 @@
 #include <thread>
 
 #include "platform/foundation/main_thread.h"
+#include "platform/recording/drive_watcher.h"
+#include "platform/recording/file_lock.h"
 #include "recording/burner_fixture.h"
 
 namespace kelvane {
@@ -127,6 +129,29 @@ TEST_F(DRNotificationCenterTest, ABurnIsToldOfWhenTheDriveGetsBusyAndWhenTheDisc
   EXPECT_TRUE(
       loop.runUntil([this, device] { return changes[device] > 0 && !device->mediaIsBusy(); }));
   EXPECT_FALSE(device->mediaIsBlank());
+}
+
+TEST_F(DRNotificationCenterTest, DrivesAtRestAreNotPolled) {
+  const DRDevice* device = addDrive();
+  observeDevices();
+  ASSERT_TRUE(hearsOf(device));
+  EXPECT_FALSE(DriveWatcher::shared().isPolling());
+}
+
+TEST_F(DRNotificationCenterTest, TheEndOfAnotherProgramsRecordingIsWaitedForByPolling) {
+  const DRDevice* device = addDrive();
+  observeDevices();
+  ASSERT_TRUE(hearsOf(device));
+  auto recording =
+      FileLock::acquire(*device->emulatedDisc() + "/sectors", std::chrono::seconds(60));
+  ASSERT_TRUE(recording.has_value());
+  DriveWatcher::shared().checkSoon();
+  ASSERT_TRUE(hearsOf(device));
+  EXPECT_TRUE(DriveWatcher::shared().isPolling());
+  recording.reset();
+  ASSERT_TRUE(hearsOf(device));
+  EXPECT_FALSE(device->mediaIsBusy());
+  EXPECT_FALSE(DriveWatcher::shared().isPolling());
 }
 
 TEST_F(DRNotificationCenterTest, ObserversHearOnlyOfTheirObjectAndName) {

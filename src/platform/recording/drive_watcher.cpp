@@ -4,11 +4,13 @@
 #include <QCoreApplication>
 #include <QFileSystemWatcher>
 #include <QTimer>
+#include <algorithm>
 #include <chrono>
 
 #include "platform/recording/dr_device.h"
 #include "platform/recording/dr_notification_center.h"
 #include "platform/recording/drive.h"
+#include "platform/recording/drive_events.h"
 
 namespace kelvane {
 namespace {
@@ -16,6 +18,7 @@ namespace {
 // One change of a disc is several changes in its folder; they are looked at together.
 constexpr std::chrono::milliseconds kSettlingTime{20};
 constexpr std::chrono::milliseconds kPollInterval{2000};
+constexpr char kRealDrives[] = "sr";
 
 bool isEmulated(const DRDevice& device) {
   return device.emulatedDisc().has_value();
@@ -42,7 +45,7 @@ void DriveWatcher::start() {
   soon_->setSingleShot(true);
   QObject::connect(soon_.get(), &QTimer::timeout, [this] { check(); });
   QObject::connect(poll_.get(), &QTimer::timeout, [this] { poll(); });
-  poll_->start(kPollInterval);
+  events_ = DriveEvents::listen(DriveEvents::systemChannel(), kRealDrives, [this] { checkSoon(); });
   check();
 }
 
@@ -50,7 +53,12 @@ void DriveWatcher::stop() {
   folders_.reset();
   soon_.reset();
   poll_.reset();
+  events_.reset();
   watched_.clear();
+}
+
+bool DriveWatcher::isPolling() const {
+  return poll_ && poll_->isActive();
 }
 
 void DriveWatcher::checkSoon() {
@@ -77,6 +85,7 @@ void DriveWatcher::check() {
     watched_[device].observation = now;
     DRNotificationCenter::currentRunLoopCenter().post(DRDeviceStatusChangedNotification, device);
   }
+  pollWhileNeeded();
 }
 
 // The watch of a folder ends with the folder; one that has come back is watched anew.
@@ -88,6 +97,27 @@ void DriveWatcher::watchFolders() {
   }
 }
 
+// The end of a recording by another program and of a disc's loading, the return of a folder: nobody
+// tells of these.
+bool DriveWatcher::needsPoll(const DRDevice& device) const {
+  const bool mediaAreToldOf = isEmulated(device) || (events_ && events_->tellsOfMedia());
+  const auto known = watched_.find(&device);
+  return !mediaAreToldOf || known == watched_.end() || known->second.observation.busy ||
+         known->second.observation.media.transitioning || !known->second.observation.valid;
+}
+
+void DriveWatcher::pollWhileNeeded() {
+  const std::vector<DRDevice*> devices = DRDevice::devices();
+  const bool needed =
+      !events_ || std::any_of(devices.begin(), devices.end(),
+                              [this](const DRDevice* device) { return needsPoll(*device); });
+  if (!needed) {
+    poll_->stop();
+  } else if (!poll_->isActive()) {
+    poll_->start(kPollInterval);
+  }
+}
+
 // Looks closer only where something may have happened that no folder tells of.
 void DriveWatcher::poll() {
   bool worthALook = false;
@@ -96,7 +126,10 @@ void DriveWatcher::poll() {
     const bool changing = known == watched_.end() || known->second.observation.busy ||
                           known->second.observation.media.transitioning ||
                           known->second.observation.valid != device->isValid();
-    const bool moved = !isEmulated(*device) && trayHasMoved(*device);
+    // What the drive has told once it does not tell again; where the kernel asks it, it is the
+    // kernel that has to hear of it.
+    const bool moved =
+        !isEmulated(*device) && !(events_ && events_->tellsOfMedia()) && trayHasMoved(*device);
     worthALook = worthALook || changing || moved;
   }
   if (worthALook) check();

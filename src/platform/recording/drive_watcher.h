@@ -14,12 +14,15 @@ class QTimer;
 namespace kelvane {
 
 class DRDevice;
+class DriveEvents;
 
 /// Notices what happens to the drives, and posts DRDeviceStatusChangedNotification for each change.
 ///
-/// The folder of an emulated disc is watched by the kernel; a real drive is asked every two seconds
-/// whether its medium has changed. Either only makes the watcher look: a notification is posted
-/// where the drive is in another state than before. Main thread only.
+/// The folder of an emulated disc is watched by the kernel, and udev tells of real drives; where no
+/// udevd runs, these are asked every two seconds whether their medium has changed. All of it only
+/// makes the watcher look: a notification is posted where the drive is in another state than
+/// before. It also looks every two seconds as long as something goes on at a drive whose end nobody
+/// tells. With nothing to ask for, it sleeps. Main thread only.
 class DriveWatcher {
  public:
   static DriveWatcher& shared();
@@ -32,6 +35,9 @@ class DriveWatcher {
   void start();
   /// Stops. Called by itself when the application object goes.
   void stop();
+
+  /// Whether it looks every two seconds at present.
+  bool isPolling() const;
 
   /// Looks at every drive soon, from the event loop. Without effect before `start`.
   void checkSoon();
@@ -54,12 +60,15 @@ class DriveWatcher {
   static Observation observe(const DRDevice& device);
   void check();
   void poll();
+  void pollWhileNeeded();
+  bool needsPoll(const DRDevice& device) const;
   void watchFolders();
   bool trayHasMoved(const DRDevice& device);
 
   std::unique_ptr<QFileSystemWatcher> folders_;
   std::unique_ptr<QTimer> soon_;
   std::unique_ptr<QTimer> poll_;
+  std::unique_ptr<DriveEvents> events_;  // Null where nothing can be heard.
   std::map<const DRDevice*, Watched> watched_;
 };
 

@@ -1,0 +1,90 @@
+// SPDX-License-Identifier: GPL-2.0-or-later
+#include "platform/recording/drive_events.h"
+
+#include <libudev.h>
+#include <unistd.h>
+
+#include <QSocketNotifier>
+#include <string_view>
+#include <utility>
+
+namespace kelvane {
+namespace {
+
+constexpr char kUdevControl[] = "/run/udev/control";
+
+template <auto release>
+struct Release {
+  template <typename Handle>
+  void operator()(Handle* handle) const {
+    release(handle);
+  }
+};
+using UdevContext = std::unique_ptr<udev, Release<udev_unref>>;
+using UdevMonitor = std::unique_ptr<udev_monitor, Release<udev_monitor_unref>>;
+using UdevDevice = std::unique_ptr<udev_device, Release<udev_device_unref>>;
+
+UdevMonitor openMonitor(udev* context, DriveEvents::Channel channel) {
+  const char* name = channel == DriveEvents::Channel::Udev ? "udev" : "kernel";
+  UdevMonitor monitor(udev_monitor_new_from_netlink(context, name));
+  if (!monitor) return nullptr;
+  if (udev_monitor_filter_add_match_subsystem_devtype(monitor.get(), "block", "disk") < 0 ||
+      udev_monitor_enable_receiving(monitor.get()) < 0) {
+    return nullptr;
+  }
+  return monitor;
+}
+
+}  // namespace
+
+class DriveEvents::Connection {
+ public:
+  Connection(UdevContext context, UdevMonitor monitor, std::string prefix,
+             std::function<void()> handler)
+      : context_(std::move(context)),
+        monitor_(std::move(monitor)),
+        prefix_(std::move(prefix)),
+        handler_(std::move(handler)),
+        readable_(udev_monitor_get_fd(monitor_.get()), QSocketNotifier::Read) {
+    QObject::connect(&readable_, &QSocketNotifier::activated, [this] { receive(); });
+  }
+
+ private:
+  // The monitor's socket does not block, so that all that has come can be taken.
+  void receive() {
+    bool concernsDrives = false;
+    while (const UdevDevice device{udev_monitor_receive_device(monitor_.get())}) {
+      const char* name = udev_device_get_sysname(device.get());
+      concernsDrives = concernsDrives || (name && std::string_view(name).starts_with(prefix_));
+    }
+    if (concernsDrives) handler_();
+  }
+
+  UdevContext context_;
+  UdevMonitor monitor_;
+  std::string prefix_;
+  std::function<void()> handler_;
+  QSocketNotifier readable_;
+};
+
+DriveEvents::Channel DriveEvents::systemChannel() {
+  return access(kUdevControl, F_OK) == 0 ? Channel::Udev : Channel::Kernel;
+}
+
+std::unique_ptr<DriveEvents> DriveEvents::listen(Channel channel, const std::string& prefix,
+                                                 std::function<void()> handler) {
+  UdevContext context(udev_new());
+  if (!context) return nullptr;
+  UdevMonitor monitor = openMonitor(context.get(), channel);
+  if (!monitor) return nullptr;
+  return std::unique_ptr<DriveEvents>(
+      new DriveEvents(channel, std::make_unique<Connection>(std::move(context), std::move(monitor),
+                                                            prefix, std::move(handler))));
+}
+
+DriveEvents::DriveEvents(Channel channel, std::unique_ptr<Connection> connection)
+    : channel_(channel), connection_(std::move(connection)) {}
+
+DriveEvents::~DriveEvents() = default;
+
+}  // namespace kelvane
