@@ -16,6 +16,7 @@
 
 #include "platform/foundation/notification_center.h"
 #include "platform/foundation/placeholders.h"
+#include "platform/userfs/fuse_device.h"
 #include "platform/userfs/mount_options.h"
 #include "platform/userfs/mount_point.h"
 #include "platform/userfs/mount_session.h"
@@ -184,20 +185,11 @@ GMUserFileSystem::~GMUserFileSystem() {
 }
 
 bool GMUserFileSystem::isAvailable(std::string* reason) {
-  constexpr char kDevice[] = "/dev/fuse";
-  std::string missing;
-  const int descriptor = open(kDevice, O_RDWR | O_CLOEXEC);
-  if (descriptor < 0) {
-    missing = format("The device %@ cannot be opened: %@.", kDevice, std::strerror(errno));
-  } else {
-    struct stat status {};
-    if (fstat(descriptor, &status) != 0 || !S_ISCHR(status.st_mode)) {
-      missing = format("%@ is no device: this system has no user-space file systems.", kDevice);
-    }
-    close(descriptor);
-  }
+  std::string missing = userfs::whyFuseDeviceIsUnusable();
   if (missing.empty() && geteuid() != 0 && userfs::mountHelperPath().empty()) {
-    missing = "The program fusermount3, which mounts for ordinary users, is not installed.";
+    missing =
+        "The program fusermount3, which mounts for ordinary users, is not installed. It comes with "
+        "the package fuse3.";
   }
   if (reason != nullptr && !missing.empty()) *reason = missing;
   return missing.empty();
