@@ -247,8 +247,8 @@
         <translation>KelvaneFS kann FUSE auf diesem Rechner nicht benutzen</translation>
     </message>
     <message id="InstallationIncompleteLong">
-        <source>Discs are opened as writable volumes by means of FUSE, and it is not installed here or you may not use it. No disc has been touched. Choose Install to have the package “fuse3” installed, then start KelvaneFS again.</source>
-        <translation>KelvaneFS öffnet Discs mithilfe von FUSE als beschreibbare Volumes; FUSE ist hier nicht installiert, oder Sie dürfen es nicht benutzen. Keine Disc wurde verändert. Wählen Sie „Installieren“, um das Paket „fuse3“ installieren zu lassen, und starten Sie KelvaneFS danach neu.</translation>
+        <source>Discs are opened as writable volumes by means of FUSE, and it is not installed here or you may not use it. No disc has been touched. The report says what is missing. Where it is the package “fuse3”, choose Install to have it installed, then start KelvaneFS again.</source>
+        <translation>KelvaneFS öffnet Discs mithilfe von FUSE als beschreibbare Volumes; FUSE ist hier nicht installiert, oder Sie dürfen es nicht benutzen. Keine Disc wurde verändert. Der Bericht nennt, was fehlt. Ist es das Paket „fuse3“, wählen Sie „Installieren“, um es installieren zu lassen, und starten Sie KelvaneFS danach neu.</translation>
     </message>
     <message id="Unmountfailed">
         <source>The disc could not be opened</source>
@@ -273,6 +273,14 @@
     <message id="MountFailedLong">
         <source>The writable volume could not be mounted. Nothing on the disc has changed. Check that you may use FUSE and that no other volume lies at the place where KelvaneFS shows its discs, then open the disc again.</source>
         <translation>Das beschreibbare Volume konnte nicht eingehängt werden. Auf der Disc hat sich nichts geändert. Prüfen Sie, ob Sie FUSE benutzen dürfen und ob dort, wo KelvaneFS seine Discs zeigt, kein anderes Volume liegt, und öffnen Sie die Disc dann noch einmal.</translation>
+    </message>
+    <message id="DriveClosed">
+        <source>You may not write with this drive</source>
+        <translation>Sie dürfen mit diesem Laufwerk nicht schreiben</translation>
+    </message>
+    <message id="DriveClosedLong">
+        <source>Discs in it are missing from the list, or can be opened but not burned. The report says what would give you access.</source>
+        <translation>Discs darin fehlen in der Liste, oder sie lassen sich öffnen, aber nicht brennen. Der Bericht sagt, was Ihnen den Zugriff gibt.</translation>
     </message>
     <message id="CreateTrackAbortedWithError">
         <source>The new session could not be prepared</source>

@@ -247,8 +247,8 @@
         <translation>KelvaneFS cannot use FUSE on this computer</translation>
     </message>
     <message id="InstallationIncompleteLong">
-        <source>Discs are opened as writable volumes by means of FUSE, and it is not installed here or you may not use it. No disc has been touched. Choose Install to have the package “fuse3” installed, then start KelvaneFS again.</source>
-        <translation>Discs are opened as writable volumes by means of FUSE, and it is not installed here or you may not use it. No disc has been touched. Choose Install to have the package “fuse3” installed, then start KelvaneFS again.</translation>
+        <source>Discs are opened as writable volumes by means of FUSE, and it is not installed here or you may not use it. No disc has been touched. The report says what is missing. Where it is the package “fuse3”, choose Install to have it installed, then start KelvaneFS again.</source>
+        <translation>Discs are opened as writable volumes by means of FUSE, and it is not installed here or you may not use it. No disc has been touched. The report says what is missing. Where it is the package “fuse3”, choose Install to have it installed, then start KelvaneFS again.</translation>
     </message>
     <message id="Unmountfailed">
         <source>The disc could not be opened</source>
@@ -273,6 +273,14 @@
     <message id="MountFailedLong">
         <source>The writable volume could not be mounted. Nothing on the disc has changed. Check that you may use FUSE and that no other volume lies at the place where KelvaneFS shows its discs, then open the disc again.</source>
         <translation>The writable volume could not be mounted. Nothing on the disc has changed. Check that you may use FUSE and that no other volume lies at the place where KelvaneFS shows its discs, then open the disc again.</translation>
+    </message>
+    <message id="DriveClosed">
+        <source>You may not write with this drive</source>
+        <translation>You may not write with this drive</translation>
+    </message>
+    <message id="DriveClosedLong">
+        <source>Discs in it are missing from the list, or can be opened but not burned. The report says what would give you access.</source>
+        <translation>Discs in it are missing from the list, or can be opened but not burned. The report says what would give you access.</translation>
     </message>
     <message id="CreateTrackAbortedWithError">
         <source>The new session could not be prepared</source>

@@ -43,6 +43,8 @@ int runWindowCommand(int argc, char** argv) {
   }
   QApplication application(argc, argv);
   QApplication::setApplicationName(QStringLiteral("kelvanefs"));
+  // By its entry the desktop knows which icon the windows have.
+  QApplication::setDesktopFileName(QStringLiteral("kelvanefs"));
   QApplication::setApplicationDisplayName(QStringLiteral("KelvaneFS"));
   QApplication::setQuitOnLastWindowClosed(false);
   loadStringsTable();

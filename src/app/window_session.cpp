@@ -15,6 +15,7 @@ namespace kelvane {
 WindowSession::WindowSession(std::unique_ptr<ApplicationCore> core)
     : core_(std::move(core)),
       services_(systemControllerServices(core_->visibleMounts())),
+      closedDrives_(window_),
       controller_(window_, services_),
       delegate_(controller_, window_),
       signals_([this](int) { quitRequested(); }) {

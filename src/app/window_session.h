@@ -4,6 +4,7 @@
 #include <memory>
 
 #include "app/application_core.h"
+#include "app/closed_drives.h"
 #include "app/controller_services.h"
 #include "app/kv_app_delegate.h"
 #include "app/kv_controller.h"
@@ -34,6 +35,7 @@ class WindowSession {
   std::unique_ptr<ApplicationCore> core_;
   MainWindow window_;
   ControllerServices services_;
+  ClosedDrives closedDrives_;
   KVController controller_;
   KVAppDelegate delegate_;
   TerminationSignals signals_;

@@ -12,6 +12,8 @@
 #include <filesystem>
 #include <fstream>
 
+#include "desktop/fake_services.h"
+#include "desktop/private_bus.h"
 #include "platform/recording/dr_device.h"
 #include "platform/recording/dr_erase.h"
 #include "platform/recording/dr_notification_center.h"
@@ -153,6 +155,28 @@ TEST_F(EraseProgressSheet, RecorderThatDiesIsAFailure) {
   ASSERT_TRUE(sheetHasGone());
   ASSERT_NE(alert(), nullptr);
   EXPECT_TRUE(alert()->informativeText().contains("signal 9"));
+}
+
+TEST_F(EraseProgressSheet, TheMachineStaysAwakeUntilTheEraseHasEnded) {
+  const test::PrivateBus bus;
+  test::FakeLoginManager manager(bus.services());
+  beginAndPause();
+  EXPECT_TRUE(QTest::qWaitFor([&manager] { return manager.held() == 1; }, kFarTooLong));
+  EXPECT_THAT(manager.calls, ::testing::ElementsAre(
+                                 "sleep:shutdown:idle | KelvaneFS | Erasing the disc… | block"));
+  goOn();
+  ASSERT_TRUE(sheetHasGone());
+  EXPECT_TRUE(QTest::qWaitFor([&manager] { return manager.held() == 0; }, kFarTooLong));
+}
+
+TEST_F(EraseProgressSheet, TheMachineMaySleepAfterARecorderThatDied) {
+  const test::PrivateBus bus;
+  test::FakeLoginManager manager(bus.services());
+  beginAndPause();
+  EXPECT_TRUE(QTest::qWaitFor([&manager] { return manager.held() == 1; }, kFarTooLong));
+  kill(recorder_, SIGKILL);
+  ASSERT_TRUE(sheetHasGone());
+  EXPECT_TRUE(QTest::qWaitFor([&manager] { return manager.held() == 0; }, kFarTooLong));
 }
 
 }  // namespace

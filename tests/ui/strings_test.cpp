@@ -114,6 +114,8 @@ const std::vector<std::string> kKeysOfTheController = {"OK",
                                                        "ReasonDiscFull",
                                                        "ReasonTemporaryFolderFull",
                                                        "NoticeBurned",
+                                                       "DriveClosed",
+                                                       "DriveClosedLong",
                                                        "NoticeBurnedLong",
                                                        "NoticeBurnFailed",
                                                        "NoticeBurnFailedLong"};
