@@ -1,9 +1,11 @@
 // SPDX-License-Identifier: GPL-2.0-or-later
-// Draws the disc of the disc list and of the volume, and writes it as diskicon.png and disk.icns
-// into the folder given.
+// Draws the disc of the disc list, of the volume and of the application, and writes it into the
+// folder given: as diskicon.png and disk.icns, and for the desktop as kelvanefs.png in the sizes of
+// an icon theme.
 #include <QBuffer>
 #include <QConicalGradient>
 #include <QDataStream>
+#include <QDir>
 #include <QFile>
 #include <QGuiApplication>
 #include <QImage>
@@ -103,6 +105,15 @@ bool write(const QString& path, const QByteArray& bytes) {
   return file.open(QIODevice::WriteOnly) && file.write(bytes) == bytes.size();
 }
 
+bool writeThemeIcons(const QString& folder) {
+  for (const int size : {16, 22, 24, 32, 48, 64, 128, 256}) {
+    const QString place = QStringLiteral("%1hicolor/%2x%2/apps").arg(folder).arg(size);
+    if (!QDir().mkpath(place)) return false;
+    if (!write(place + QStringLiteral("/kelvanefs.png"), asPng(picture(size)))) return false;
+  }
+  return true;
+}
+
 }  // namespace
 
 int main(int argc, char** argv) {
@@ -111,6 +122,7 @@ int main(int argc, char** argv) {
   if (arguments.size() != 2) return 2;
   const QString folder = arguments.at(1) + QLatin1Char('/');
   const bool written = write(folder + QStringLiteral("diskicon.png"), asPng(picture(128))) &&
-                       write(folder + QStringLiteral("disk.icns"), asIconFile());
+                       write(folder + QStringLiteral("disk.icns"), asIconFile()) &&
+                       writeThemeIcons(folder);
   return written ? 0 : 1;
 }
