@@ -3,6 +3,7 @@
 
 import os
 import shutil
+import stat
 import subprocess
 import unittest
 
@@ -129,6 +130,43 @@ class BadInput(RoadTest):
                                 capture_output=True, encoding="utf-8", timeout=120, check=False)
         self.assertEqual(result.returncode, 3, result.stderr)
         self.assertIn("/dev/fuse", result.stderr)
+
+    @unittest.skipIf(os.geteuid() != 0, "only root can give a process another /dev/fuse and another user")
+    def test_a_user_who_may_not_use_fuse_is_told_the_rule(self):
+        disc = self.make_sample()
+        os.chmod(os.path.join(self.prefix, "Volumes"), 0o1777)
+        closed = os.path.join(self.folder, "closed")
+        os.mknod(closed, 0o600 | stat.S_IFCHR, os.makedev(10, 229))
+        result = self.as_ordinary_user(disc, f'mount --bind "{closed}" /dev/fuse')
+        self.assertEqual(result.returncode, 3, result.stderr)
+        self.assertIn("The device /dev/fuse cannot be opened: Permission denied.", result.stderr)
+        self.assertIn('KERNEL=="fuse", MODE="0666"', result.stderr)
+
+    @unittest.skipIf(os.geteuid() != 0, "root makes what an ordinary user may not write to")
+    def test_a_folder_of_volumes_that_others_may_not_use_is_named_with_what_helps(self):
+        disc = self.make_sample()
+        volumes = os.path.join(self.prefix, "Volumes")
+        os.chmod(volumes, 0o755)
+        result = self.as_ordinary_user(disc, "true")
+        self.assertEqual(result.returncode, 3, result.stderr)
+        self.assertIn(f"No volume can be mounted in {volumes}: Permission denied.", result.stderr)
+        self.assertIn(f"install -d -m 1777 {volumes}", result.stderr)
+
+    def as_ordinary_user(self, disc, preparation):
+        """Runs a batch as an ordinary user, in a mount namespace of its own that root has prepared."""
+        user = ["setpriv", "--reuid=65534", "--regid=65534", "--clear-groups"]
+        kelvanefs = os.path.join(BIN, "kelvanefs")
+        if run(*user, "test", "-x", kelvanefs, check=False).returncode != 0:
+            self.skipTest("others may not run the programs of this build")
+        for folder in (self.folder, self.prefix):
+            os.chmod(folder, 0o755)
+        os.chmod(os.path.join(self.prefix, "tmp"), 0o1777)
+        for folder, _, files in os.walk(disc):
+            for path in [folder] + [os.path.join(folder, name) for name in files]:
+                os.chown(path, 65534, 65534)
+        command = [*user, kelvanefs, "batch", "--drive", disc, "--", "true"]
+        return subprocess.run(["unshare", "--mount", "sh", "-ec", preparation + '; exec "$@"', "sh", *command],
+                              env=self.environment, capture_output=True, encoding="utf-8", timeout=120, check=False)
 
     def test_a_second_run_at_the_same_time_says_so(self):
         first_disc = self.make_sample()
