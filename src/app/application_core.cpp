@@ -24,7 +24,11 @@ bool volumesDirectoryIsUsable(std::string* error) {
     rmdir(attempt.c_str());
     return true;
   }
-  *error = format("No volume can be mounted in %@: %@.", folder, std::strerror(errno));
+  const int code = errno;
+  *error = format("No volume can be mounted in %@: %@.", folder, std::strerror(code));
+  if (code == ENOENT || code == EACCES) {
+    *error += format(" As root, run: install -d -m 1777 %@.", folder);
+  }
   return false;
 }
 
