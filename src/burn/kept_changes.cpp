@@ -54,8 +54,7 @@ std::string keepChanges(const std::string& overlayDirectory) {
   if (directoryState(overlayDirectory) != PathState::Own) return {};
   const std::string hideList = paths::hideListFile(overlayDirectory);
   for (int number = 0; number < kMostNames; ++number) {
-    const std::string kept =
-        overlayDirectory + ".kept" + (number == 0 ? "" : format("-%i", number));
+    std::string kept = overlayDirectory + ".kept" + (number == 0 ? "" : format("-%i", number));
     if (moveToFreeName(overlayDirectory, kept)) {
       if (plainFileState(hideList) == PathState::Own) {
         removePlaceholders(hideList, overlayDirectory, kept);

@@ -107,18 +107,25 @@ TEST_F(VisibleMountsTest, AVolumeWithoutANameIsMountedAsCdrom) {
   EXPECT_TRUE(isMountedFrom(visible("CDROM"), "/dev/kv0s0"));
 }
 
-TEST_F(VisibleMountsTest, ABlankOrForeignDiscAndARealDriveGetNoMount) {
+TEST_F(VisibleMountsTest, ABlankOrForeignDiscGetsNoMount) {
   VisibleMounts mounts;
   drive_.blank = true;
   mounts.update(drive_);
   EXPECT_TRUE(volumesAreEmpty());
   drive_.blank = false;
-  drive_.disc.reset();
+  makeForeignDisc("kv0");
   mounts.update(drive_);
   EXPECT_TRUE(volumesAreEmpty());
-  makeForeignDisc("kv0");
-  drive_.disc = discFolder("kv0");
+}
+
+TEST_F(VisibleMountsTest, ADiscInARealDriveThatNoDesktopMountsIsMountedToo) {
+  drive_.disc.reset();  // As far as the drive tells; its name still leads to the disc.
+  VisibleMounts mounts;
   mounts.update(drive_);
+  EXPECT_TRUE(isMountedFrom(visible("DISC"), "/dev/kv0s0"));
+  mounts.update(drive_);
+  EXPECT_FALSE(std::filesystem::exists(visible("DISC 1"))) << "mounted twice";
+  mounts.unmountAllOf("kv0");
   EXPECT_TRUE(volumesAreEmpty());
 }
 

@@ -8,6 +8,7 @@
 #include <cerrno>
 #include <cstring>
 
+#include "platform/desktop/disc_service.h"
 #include "platform/foundation/paths.h"
 #include "platform/foundation/system_log.h"
 #include "platform/recording/dr_device.h"
@@ -41,6 +42,22 @@ std::optional<std::string> makeVisibleFolder(const std::string& volumeName) {
 std::optional<int64_t> mountableSessionStart(const DRDevice& device) {
   if (!device.isValid() || !device.mediaIsPresent() || device.mediaIsBlank()) return std::nullopt;
   return lastSessionStart(device.status());
+}
+
+bool isMountedByOthers(const std::string& bsdName) {
+  const std::vector<MountTableLine> table = readMountTable();
+  const std::vector<MountTableLine> own = ownMounts(table, ownMountPoints());
+  return std::any_of(table.begin(), table.end(), [&](const MountTableLine& line) {
+    return line.mountedFrom == "/dev/" + bsdName &&
+           std::find(own.begin(), own.end(), line) == own.end();
+  });
+}
+
+// A desktop that does so by itself may have been faster.
+bool desktopMounts(const std::string& bsdName) {
+  const auto answer = desktop::mountThroughDiscService(bsdName);
+  return answer == desktop::DiscServiceAnswer::Done ||
+         answer == desktop::DiscServiceAnswer::AlreadyMounted;
 }
 
 }  // namespace
@@ -86,7 +103,6 @@ void VisibleMounts::unmountAllOf(const std::string& bsdName) {
 }
 
 void VisibleMounts::update(DRDevice& device) {
-  if (!device.emulatedDisc()) return;
   const std::string bsdName = device.bsdName();
   drives_.insert(bsdName);
   if (device.mediaIsBusy() || device.mediaIsTransitioning()) return;
@@ -101,7 +117,10 @@ void VisibleMounts::update(DRDevice& device) {
       isMountPoint(mounted->second.mountPoint)) {
     return;
   }
+  const bool isReal = !device.emulatedDisc();
+  if (isReal && isMountedByOthers(bsdName)) return;
   unmountAllOf(bsdName);
+  if (isReal && desktopMounts(bsdName)) return;
   mount(device, *sessionStart);
 }
 

@@ -13,9 +13,9 @@ namespace kelvane {
 
 class DRDevice;
 
-/// Mounts the discs of emulated drives where the desktop would mount those of real ones: visibly,
-/// each in a folder of its own below the folder of volumes, from the moment a disc with content is
-/// inserted until it is gone. Main thread only.
+/// Mounts discs that the desktop does not: visibly, each in a folder of its own below the folder of
+/// volumes, from the moment a disc with content is inserted until it is gone. That is every disc in
+/// an emulated drive; of a real one, the desktop is asked to mount it first. Main thread only.
 ///
 /// A volume is named after the disc: "/" and control characters become "_", no name at all becomes
 /// "CDROM", and where the name is taken " 1", " 2" … is appended. The mount's source is the first
@@ -24,7 +24,7 @@ class DRDevice;
 class VisibleMounts {
  public:
   VisibleMounts() = default;
-  /// Unmounts everything that was mounted from the emulated drives, whoever mounted it.
+  /// Unmounts everything that this application has mounted from the drives, whichever instance.
   ~VisibleMounts();
   VisibleMounts(const VisibleMounts&) = delete;
   VisibleMounts& operator=(const VisibleMounts&) = delete;
@@ -40,8 +40,9 @@ class VisibleMounts {
   /// Ends that, and brings the drive's mount up to date at once.
   void release(const std::string& bsdName);
 
-  /// Unmounts all that is mounted from the drive, visible or hidden, whether it is in use or not,
-  /// as a disc that leaves the drive does. To be called right before a disc is ejected.
+  /// Unmounts all that this application has mounted from the drive, visible or hidden, whether it
+  /// is in use or not, as a disc that leaves the drive does. To be called right before a disc is
+  /// ejected.
   void unmountAllOf(const std::string& bsdName);
 
   /// Brings the mount of one drive in line with its disc. `start` arranges that it is called.
@@ -60,7 +61,7 @@ class VisibleMounts {
 
   std::map<std::string, Mounted> mounted_;  // By the drive's BSD name.
   std::set<std::string> held_;
-  std::set<std::string> drives_;  // Every emulated drive seen.
+  std::set<std::string> drives_;  // Every drive seen.
 };
 
 /// The BSD name of what is mounted of the drive's disc: the first slice of a CD-R or CD-RW
