@@ -7,6 +7,7 @@
 #include <cstdio>
 
 #include "app/window_session.h"
+#include "platform/desktop/running_instance.h"
 #include "platform/foundation/bundle.h"
 #include "platform/foundation/strings_table.h"
 
@@ -50,7 +51,11 @@ int runWindowCommand(int argc, char** argv) {
   loadStringsTable();
   std::string error;
   auto core = ApplicationCore::create(discs, DriveRegistry::RealDrives::Included, &error);
-  if (!core) return cannotStart(error);
+  if (!core) {
+    // Who starts the application again wants its window.
+    if (desktop::showRunningInstance()) return 0;
+    return cannotStart(error);
+  }
   WindowSession session(std::move(core));
   session.start();
   return QApplication::exec();

@@ -18,7 +18,8 @@ WindowSession::WindowSession(std::unique_ptr<ApplicationCore> core)
       closedDrives_(window_),
       controller_(window_, services_),
       delegate_(controller_, window_),
-      signals_([this](int) { quitRequested(); }) {
+      signals_([this](int) { quitRequested(); }),
+      instance_([this] { delegate_.applicationShouldOpenUntitledFile(); }) {
   window_.setActions(&controller_);
   wireQuitting();
   wireEmulatedDrives();

@@ -9,6 +9,7 @@
 #include "app/kv_app_delegate.h"
 #include "app/kv_controller.h"
 #include "app/termination_signals.h"
+#include "platform/desktop/running_instance.h"
 #include "ui/main_window.h"
 
 namespace kelvane {
@@ -39,6 +40,7 @@ class WindowSession {
   KVController controller_;
   KVAppDelegate delegate_;
   TerminationSignals signals_;
+  desktop::RunningInstance instance_;
   bool quitIsPending_ = false;
 };
 
