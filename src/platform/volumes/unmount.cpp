@@ -4,6 +4,8 @@
 #include <sys/mount.h>
 
 #include <cerrno>
+#include <utility>
+#include <vector>
 
 #include "platform/foundation/child_task.h"
 #include "platform/volumes/mount_table.h"
@@ -15,11 +17,13 @@ int statusOfErrno(int code) {
   return code == EBUSY ? kUnmountBusy : code;
 }
 
-// fusermount3 tells its reason only in words: "failed to unmount /x: Device or resource busy".
-int unmountWithFusermount(const std::string& mountPoint, UnmountManner manner) {
+// The programs tell their reason only in words: "failed to unmount /x: Device or resource busy".
+int unmountWith(const std::string& program, std::vector<std::string> arguments,
+                const std::string& mountPoint) {
+  arguments.insert(arguments.end(), {"--", mountPoint});
   ChildTask task;
-  task.setLaunchPath("fusermount3");
-  task.setArguments({manner == UnmountManner::Detach ? "-uz" : "-u", "--", mountPoint});
+  task.setLaunchPath(program);
+  task.setArguments(std::move(arguments));
   task.setEnvironmentVariable("LC_ALL", "C");
   if (!task.launch()) return ENOENT;
   task.waitBlocking(-1);
@@ -28,14 +32,28 @@ int unmountWithFusermount(const std::string& mountPoint, UnmountManner manner) {
   return busy ? kUnmountBusy : EPERM;
 }
 
+// What a user mounted through FUSE is his to unmount. Of another mount umount(8) knows who made it
+// for him, and asks that service: UDisks2 for what the desktop mounted.
+int unmountAsUser(const MountTableLine& mount, UnmountManner manner) {
+  const bool detach = manner == UnmountManner::Detach;
+  if (mount.kernelType.starts_with("fuse")) {
+    return unmountWith("fusermount3", {detach ? "-uz" : "-u"}, mount.mountedOn);
+  }
+  return unmountWith("umount", detach ? std::vector<std::string>{"-l"} : std::vector<std::string>(),
+                     mount.mountedOn);
+}
+
 }  // namespace
 
 int unmountAtPath(const std::string& mountPoint, UnmountManner manner) {
   const int flags = UMOUNT_NOFOLLOW | (manner == UnmountManner::Detach ? MNT_DETACH : 0);
   if (umount2(mountPoint.c_str(), flags) == 0) return kUnmountDone;
   if (errno != EPERM) return statusOfErrno(errno);
-  if (!isMountPoint(mountPoint)) return EINVAL;
-  return unmountWithFusermount(mountPoint, manner);
+  const std::string resolved = resolvedMountPoint(mountPoint);
+  const std::vector<MountTableLine> table = readMountTable();
+  const MountTableLine* mount = mountOfPath(table, resolved);
+  if (mount == nullptr || mount->mountedOn != resolved) return EINVAL;
+  return unmountAsUser(*mount, manner);
 }
 
 }  // namespace kelvane

@@ -19,8 +19,9 @@ enum class UnmountManner {
 
 /// Unmounts what is mounted at `mountPoint` and waits for it: once this returns kUnmountDone the
 /// mount is gone from the mount table. As root by the system call, as another user through
-/// fusermount3. Returns kUnmountDone, kUnmountBusy, or the errno value of any other failure
-/// (EINVAL: nothing is mounted there). Any thread.
+/// fusermount3 or, where the desktop made the mount, through umount(8), which asks UDisks2. Returns
+/// kUnmountDone, kUnmountBusy, or the errno value of any other failure (EINVAL: nothing is mounted
+/// there). Any thread.
 int unmountAtPath(const std::string& mountPoint, UnmountManner manner);
 
 }  // namespace kelvane
