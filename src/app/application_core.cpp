@@ -35,7 +35,7 @@ bool volumesDirectoryIsUsable(std::string* error) {
 }  // namespace
 
 std::unique_ptr<ApplicationCore> ApplicationCore::create(
-    const std::vector<std::string>& emulatedDiscs, DriveRegistry::RealDrives realDrives,
+    const std::vector<std::string>& namedDrives, DriveRegistry::RealDrives realDrives,
     std::string* error) {
   std::optional<MountPointsLock> lock = MountPointsLock::acquire(error);
   if (!lock) return nullptr;
@@ -43,8 +43,11 @@ std::unique_ptr<ApplicationCore> ApplicationCore::create(
   cleanUpStaleMounts(*lock);
   DriveRegistry& drives = DriveRegistry::shared();
   drives.setRealDrives(realDrives);
-  for (const std::string& disc : emulatedDiscs) {
-    if (drives.addEmulatedDrive(disc, error) == nullptr) return nullptr;
+  for (const std::string& drive : namedDrives) {
+    const bool isNode = drive.starts_with("/dev/");
+    const DRDevice* device =
+        isNode ? drives.addRealDrive(drive, error) : drives.addEmulatedDrive(drive, error);
+    if (device == nullptr) return nullptr;
   }
   return std::unique_ptr<ApplicationCore>(new ApplicationCore(std::move(*lock)));
 }

@@ -17,9 +17,10 @@ namespace kelvane {
 class ApplicationCore {
  public:
   /// Null, with one sentence for the user in `error`, where another instance runs, the folder of
-  /// volumes cannot be used, or one of the discs for emulated drives cannot be opened. What an
-  /// instance that was killed has left mounted is cleaned away first.
-  static std::unique_ptr<ApplicationCore> create(const std::vector<std::string>& emulatedDiscs,
+  /// volumes cannot be used, or one of the drives that are asked for by name is none: a node below
+  /// /dev, or the disc for an emulated drive. What an instance that was killed has left mounted is
+  /// cleaned away first.
+  static std::unique_ptr<ApplicationCore> create(const std::vector<std::string>& namedDrives,
                                                  DriveRegistry::RealDrives realDrives,
                                                  std::string* error);
 

@@ -24,7 +24,7 @@ void declareOptions(CLI::App& app, BatchOptions& options) {
   app.description(
       "Opens a disc as a writable volume, runs a command on it, closes it and burns the "
       "changes.\n\n"
-      "  kelvanefs batch --drive DISC.kvdisc [--name VOLUME] [--speed N] [--discard] [--json] -- "
+      "  kelvanefs batch --drive DRIVE [--name VOLUME] [--speed N] [--discard] [--json] -- "
       "COMMAND [ARG…]");
   app.footer(
       "COMMAND runs with the volume as its working directory; KELVANEFS_VOLUME holds its path.\n"
@@ -33,7 +33,8 @@ void declareOptions(CLI::App& app, BatchOptions& options) {
       "2 wrong usage; 3 the disc could not be opened; 4 the burn failed; 128 plus the signal's "
       "number if interrupted.");
   app.add_option("--drive", options.drives,
-                 "A disc for an emulated drive; may be given several times")
+                 "A drive such as /dev/sr0, or DISC.kvdisc, the disc for an emulated one; may be "
+                 "given several times")
       ->required()
       ->allow_extra_args(false)
       ->multi_option_policy(CLI::MultiOptionPolicy::TakeAll);

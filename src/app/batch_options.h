@@ -10,7 +10,7 @@ namespace kelvane {
 
 /// What a batch run is asked to do.
 struct BatchOptions {
-  std::vector<std::string> drives;   ///< Folders of emulated discs, one a drive.
+  std::vector<std::string> drives;   ///< Nodes of drives, or folders of emulated discs.
   std::optional<std::string> name;   ///< The new session's volume name; absent: the disc's own.
   int32_t speedTag = 0;              ///< As the speed pop-up's tags: 0 the fastest.
   bool discard = false;              ///< Throw the changes away instead of burning them.

@@ -192,6 +192,15 @@ TEST_F(DRDeviceTest, OneDiscCannotBeInTwoDrivesHoweverItIsWritten) {
   }
 }
 
+TEST_F(DRDeviceTest, OfTheMachineIsNotFoundUnderANameThatIsNoOpticalDrive) {
+  for (const std::string path : {"/dev/null", "/dev/sr987", "/dev/", "/dev/../tmp/sr0"}) {
+    std::string error;
+    EXPECT_EQ(DriveRegistry::shared().addRealDrive(path, &error), nullptr) << path;
+    EXPECT_EQ(error, path + " is no optical drive.");
+  }
+  EXPECT_TRUE(DriveRegistry::shared().devices().empty());
+}
+
 TEST_F(DRDeviceTest, ExclusiveAccessKeepsOthersOutUntilItIsReleased) {
   DRDevice* device = addDrive();
   constexpr std::chrono::milliseconds kNoPatience{0};

@@ -12,7 +12,8 @@ class DRDevice;
 /// Knows every drive of this process, and owns the DRDevice objects. Main thread only.
 class DriveRegistry {
  public:
-  /// Whether the machine's own drives belong to the list. Batch mode uses only those it was given.
+  /// Whether all of the machine's own drives belong to the list. Batch mode uses only those it was
+  /// given.
   enum class RealDrives { Included, Excluded };
 
   static DriveRegistry& shared();
@@ -30,6 +31,11 @@ class DriveRegistry {
   /// drive already.
   DRDevice* addEmulatedDrive(const std::string& path, std::string* error);
 
+  /// Adds one of the machine's own drives to those of the list, where not all of them are in it,
+  /// and returns the device. `path` is its node, or a link to it. Null, with a sentence in `error`,
+  /// where it is none.
+  DRDevice* addRealDrive(const std::string& path, std::string* error);
+
   /// See DRDevice::devices. Looks for real drives anew at each call.
   std::vector<DRDevice*> devices();
 
@@ -38,11 +44,15 @@ class DriveRegistry {
 
  private:
   void findRealDrives();
+  DRDevice* realDrive(const std::string& name);
+  bool isListed(const DRDevice& realDevice) const;
   void publishEmulatedDrives() const;
 
   RealDrives realDrives_ = RealDrives::Included;
   std::vector<std::unique_ptr<DRDevice>> emulated_;
   std::vector<std::unique_ptr<DRDevice>> real_;
+  /// The names of the real drives that were added one by one.
+  std::vector<std::string> added_;
 };
 
 }  // namespace kelvane
