@@ -11,6 +11,8 @@
 
 #include <CLI/CLI.hpp>
 #include <csignal>
+#include <cstdio>
+#include <exception>
 
 #include "helpers/recorder/erase_job.h"
 #include "helpers/recorder/recording_job.h"
@@ -51,9 +53,7 @@ JobOutcome carryOut(const RecordingOrder& order, bool erases) {
   return RecordingJob(order, reporter).run();
 }
 
-}  // namespace
-
-int main(int argc, char** argv) {
+int run(int argc, char** argv) {
   RecordingOrder order;
   bool erases = false;
   CLI::App arguments("Writes an image to a disc as a new session, or erases the disc.", "recorder");
@@ -66,4 +66,15 @@ int main(int argc, char** argv) {
   }
   outliveTheApplication();
   return carryOut(order, erases) == JobOutcome::Done ? 0 : 1;
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+  try {
+    return run(argc, argv);
+  } catch (const std::exception& failure) {
+    std::fprintf(stderr, "recorder: %s\n", failure.what());
+    return 1;
+  }
 }

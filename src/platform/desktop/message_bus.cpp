@@ -20,7 +20,7 @@ QString environment(const char* name) {
 QDBusConnection busAt(const QString& address) {
   if (address.isEmpty()) return QDBusConnection(QString());
   const QString name = QStringLiteral("kelvanefs:") + address;
-  const QDBusConnection known(name);
+  QDBusConnection known(name);
   if (known.isConnected()) return known;
   // A bus that has gone, and come back under the same address, is connected to anew.
   QDBusConnection::disconnectFromBus(name);
