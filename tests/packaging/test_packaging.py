@@ -8,6 +8,7 @@ import shutil
 import subprocess
 import sys
 import tempfile
+import textwrap
 import unittest
 
 SOURCE = os.environ["KELVANE_SOURCE_DIR"]
@@ -161,10 +162,49 @@ class InstalledTree(Installed):
 
 
 class DebianPackage(Installed):
+    @classmethod
+    def setUpClass(cls):
+        super().setUpClass()
+        place = tempfile.TemporaryDirectory(prefix="kvpackage-")
+        cls.addClassCleanup(place.cleanup)
+        cls.package = run(os.path.join(PACKAGING, "deb", "build-deb"), BUILD, place.name).stdout.strip()
+
     def setUp(self):
         super().setUp()
-        self.package = run(os.path.join(PACKAGING, "deb", "build-deb"), BUILD, self.folder).stdout.strip()
         self.root = os.path.join(self.folder, "unpacked")
+
+    @unittest.skipIf(os.geteuid() != 0, "only root can install a package")
+    def test_the_package_is_installed_used_and_removed_by_dpkg(self):
+        # A copy of this machine to write in, which is gone with the last process of its mount namespace.
+        prepare = textwrap.dedent("""
+            mount -t tmpfs none /mnt && mkdir /mnt/new /mnt/work /mnt/machine || exit 77
+            mount -t overlay overlay -o lowerdir=/,upperdir=/mnt/new,workdir=/mnt/work /mnt/machine || exit 77
+            mount --bind /dev /mnt/machine/dev && mount -t proc proc /mnt/machine/proc || exit 77
+            mount -t tmpfs none /mnt/machine/tmp && chmod 1777 /mnt/machine/tmp || exit 77
+            cp "$1" /mnt/machine/root/kelvanefs.deb
+            exec chroot /mnt/machine sh -ec "$2"
+        """)
+        use = textwrap.dedent("""
+            if dpkg-query -W kelvanefs >/dev/null 2>&1; then dpkg --purge kelvanefs; fi
+            dpkg -i /root/kelvanefs.deb
+            stat -c 'volumes %a %U' /Volumes
+            cd /root
+            kelvanedisc create disc.kvdisc --media cd-r
+            kelvanefs batch --drive disc.kvdisc -- sh -ec 'echo "mounted at $(pwd)"; echo new > new.txt'
+            kelvanedisc ls disc.kvdisc
+            man -w kelvanefs kelvanedisc
+            dpkg --verify kelvanefs
+            dpkg --purge kelvanefs
+            if [ -e /Volumes ]; then echo "the folder of volumes is left"; fi
+        """)
+        environment = {"PATH": "/usr/sbin:/usr/bin:/sbin:/bin", "LC_ALL": "C.UTF-8", "HOME": "/root"}
+        result = run("unshare", "--mount", "sh", "-c", prepare, "sh", self.package, use, env=environment, check=False)
+        if result.returncode == 77:
+            self.skipTest("this machine lets nobody make a copy of itself: " + result.stderr)
+        self.assertEqual(result.returncode, 0, result.stdout + result.stderr)
+        for words in ("volumes 1777 root", "mounted at /Volumes/tarnwick", "new.txt", "/man1/kelvanedisc.1.gz"):
+            self.assertIn(words, result.stdout)
+        self.assertNotIn("is left", result.stdout)
 
     def field(self, name):
         return run("dpkg-deb", "--field", self.package, name).stdout.strip()
