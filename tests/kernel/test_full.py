@@ -1,6 +1,7 @@
 # SPDX-License-Identifier: GPL-2.0-or-later
 """The application on a system with a desktop's services: udev, D-Bus, polkit, UDisks2, and an ordinary user."""
 
+import json
 import os
 import unittest
 
@@ -55,22 +56,32 @@ eventually "udev sees that there is none" has_property ID_CDROM_MEDIA ""
 
 
 class Application(SystemTest):
-    """The whole road of a disc on /dev/sr0, for an ordinary user, with the kernel's own mount before and after."""
+    """The whole road of a disc on /dev/sr0, with the kernel's own mount of the new session at the end."""
 
-    def edit(self, media):
-        first = make_tree(self.path("first"), 1)
-        if media.startswith("cd"):
-            self.make_disc("disc", media, first, label="DISC")
-        else:
-            self.make_dvd("disc", media, first, label="DISC")
-        self.guest("""
-plug disc.kvdisc
-eventually "udev knows the disc" has_property ID_FS_LABEL DISC
+    # The disc's own volume, as it is visible before.
+    BY_KERNEL = """
 mkdir /Volumes/DISC
 mount -t iso9660 -o ro "$DRIVE" /Volumes/DISC || fail "the kernel mounts nothing"
-as_user kelvanefs batch --drive "$DRIVE" --json -- \\
+WHO=
+"""
+    BY_DESKTOP = """
+as_user udisksctl mount -b "$DRIVE" || fail "the user cannot mount the disc"
+WHO=as_user
+"""
+
+    def edit(self, media, mount):
+        first = make_tree(self.path("first"), 1)
+        if media.startswith("cd"):
+            self.make_disc("disc", media, first)
+        else:
+            self.make_dvd("disc", media, first)
+        self.guest(f"""
+plug disc.kvdisc
+eventually "udev knows the disc" has_property ID_FS_LABEL DISC
+{mount}
+$WHO kelvanefs batch --drive "$DRIVE" --json -- \\
   sh -ec 'echo new > new.txt; rm -r a; cp -r . /tmp/shown' > /share/outcome 2> /share/words ||
-  fail "batch ended with $?: $(cat /share/words)"
+  fail "batch ended with $?: $(cat /share/words /share/outcome)"
 cp -r /tmp/shown /share/shown
 drive_probe load "$DRIVE"
 show after
@@ -79,20 +90,36 @@ keep burned
 """)
         shown = tree_of(self.path("shown"))
         self.assertIn("new.txt", shown)
+        self.assertNotIn("a", shown)
         self.assertEqual(tree_of(self.path("after")), shown)
         self.assertEqual(self.tree_on(self.path("burned.kvdisc")), shown)
 
     def test_a_cd_r_is_opened_changed_and_burned(self):
-        self.edit("cd-r")
+        self.edit("cd-r", self.BY_DESKTOP)
 
     def test_a_cd_rw_is_opened_changed_and_burned(self):
-        self.edit("cd-rw")
+        self.edit("cd-rw", self.BY_KERNEL)
 
     def test_a_dvd_rw_is_opened_changed_and_burned(self):
-        self.edit("dvd-rw-ro")
+        self.edit("dvd-rw-ro", self.BY_KERNEL)
 
     def test_a_dvd_plus_rw_is_opened_changed_and_burned(self):
-        self.edit("dvd+rw")
+        self.edit("dvd+rw", self.BY_DESKTOP)
+
+    def test_a_dvd_r_is_refused(self):
+        first = make_tree(self.path("first"), 1)
+        self.make_dvd("disc", "dvd-r", first)
+        self.guest(f"""
+plug disc.kvdisc
+eventually "udev knows the disc" has_property ID_FS_LABEL DISC
+{self.BY_DESKTOP}
+as_user kelvanefs batch --drive "$DRIVE" --json -- true > /share/outcome 2> /share/words
+equal "the exit status" 3 $?
+show after
+""")
+        self.assertEqual(tree_of(self.path("after")), tree_of(first))
+        with open(self.path("outcome"), encoding="utf-8") as file:
+            self.assertEqual(json.load(file)["state"], "not-opened")
 
 
 if __name__ == "__main__":
