@@ -15,7 +15,14 @@ import subprocess
 import tempfile
 import time
 
-from emulated_discs import Programs, load, row, status_of, wait_until, with_descendants
+from emulated_discs import Programs, load, row, status_of, wait_until
+
+
+def command_line_of(process):
+    try:
+        return pathlib.Path(f"/proc/{process}/cmdline").read_bytes()
+    except OSError:
+        return b""
 
 
 class Application:
@@ -23,13 +30,19 @@ class Application:
         command = [programs.bin / "kelvanefs"]
         for disc in discs:
             command += ["--drive", disc]
+        self.root = os.fsencode(programs.root)
         self.process = subprocess.Popen(command, env=programs.environment, stdout=subprocess.DEVNULL,
                                         stderr=subprocess.DEVNULL)
+
+    def processes(self):
+        """The application, and the mounts of discs, which are nobody's children any more."""
+        mounts = [process for process in filter(str.isdigit, os.listdir("/proc")) if self.root in command_line_of(process)]
+        return [self.process.pid] + [int(process) for process in mounts if int(process) != self.process.pid]
 
     def threads(self):
         """(process, thread) -> its name, voluntary changes of context, and seconds of processor time."""
         found = {}
-        for process in with_descendants(self.process.pid):
+        for process in self.processes():
             for thread in os.listdir(f"/proc/{process}/task"):
                 folder = f"/proc/{process}/task/{thread}"
                 status = status_of(f"{folder}/status")
