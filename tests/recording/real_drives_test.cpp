@@ -1,12 +1,19 @@
 // SPDX-License-Identifier: GPL-2.0-or-later
 #include "platform/recording/real_drives.h"
 
+#include <fcntl.h>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+#include <linux/loop.h>
+#include <sys/ioctl.h>
+#include <unistd.h>
 
 #include <filesystem>
 
 #include "platform/recording/dr_device.h"
+#include "platform/recording/drive.h"
+#include "platform/recording/file_lock.h"
+#include "platform/recording/mmc/sg_io_transport.h"
 #include "recording/temporary_folder.h"
 
 namespace kelvane {
@@ -23,6 +30,15 @@ class RealDrivesTest : public ::testing::Test {
     std::filesystem::create_directories(device);
     std::filesystem::create_directories(folder.file("class"));
     std::filesystem::create_directory_symlink(device, folder.file("class/" + name));
+  }
+
+  // Empty where there is none.
+  static std::string freeLoopDevice() {
+    const int control = open("/dev/loop-control", O_RDWR | O_CLOEXEC);
+    if (control < 0) return {};
+    const int number = ioctl(control, LOOP_CTL_GET_FREE);
+    close(control);
+    return number < 0 ? std::string() : "/dev/loop" + std::to_string(number);
   }
 
   testing::TemporaryFolder folder;
@@ -61,6 +77,30 @@ TEST_F(RealDrivesTest, OneThatDoesNotAnswerHasNoDiscAndNoAbilities) {
   EXPECT_EQ(device.displayName(), "sr987");
   EXPECT_FALSE(device.ejectMedia());
   EXPECT_FALSE(device.acquireExclusiveAccess());
+}
+
+TEST_F(RealDrivesTest, OneThatAnybodyRecordsOnIsBusy) {
+  addBlockDevice("sr987");
+  const DRDevice device(openRealDrive("sr987", folder.file("class")));
+  auto recorder =
+      FileLock::acquire(device.drive()->identity().recordingLockPath, std::chrono::seconds(60));
+  ASSERT_TRUE(recorder);
+  EXPECT_TRUE(device.mediaIsBusy());
+  recorder.reset();
+  EXPECT_FALSE(device.mediaIsBusy());
+}
+
+// A loop device stands for the drive: the kernel gives an exclusive descriptor of it once only.
+TEST_F(RealDrivesTest, OneThatAnotherProgramHasForItselfCannotBeHad) {
+  const std::string device = freeLoopDevice();
+  if (access(device.c_str(), R_OK) != 0) GTEST_SKIP() << "no loop device may be used here";
+  mmc::SgIoTransport transport(device);
+  EXPECT_FALSE(transport.refusesExclusiveAccess());
+  const int burner = open(device.c_str(), O_RDONLY | O_EXCL | O_CLOEXEC);
+  ASSERT_GE(burner, 0);
+  EXPECT_TRUE(transport.refusesExclusiveAccess());
+  close(burner);
+  EXPECT_FALSE(transport.refusesExclusiveAccess());
 }
 
 TEST_F(RealDrivesTest, OneThatWasUnpluggedIsNoLongerValid) {

@@ -15,6 +15,8 @@
 namespace kelvane::launchers {
 namespace {
 
+const std::string kBlockDevices = "/sys/class/block/";
+
 // Whoever only looks whether the lock is free holds it for a moment, so it is tried for a second.
 // The descriptor is closed neither here nor when the program takes over.
 bool lockForRecording(const std::string& path) {
@@ -64,7 +66,13 @@ std::optional<DriveAccess> accessToDrive(std::string_view name,
   }
   DriveAccess access;
   access.path = device->path;
-  if (device->kind == ResolvedDevice::Kind::LinuxDevice) return access;
+  if (device->kind == ResolvedDevice::Kind::LinuxDevice) {
+    const std::string folder = kBlockDevices + device->path.substr(device->path.rfind('/') + 1);
+    std::error_code failure;
+    // The program says itself that there is no such drive.
+    if (std::filesystem::exists(folder, failure)) access.recordingLockPath = folder;
+    return access;
+  }
   access.path = virtualdrive::kDefaultShownDevice;
   access.recordingLockPath = device->path;
   auto environment =

@@ -17,8 +17,9 @@ struct DriveAccess {
   std::string path;  ///< The device node that the program is to be given.
   /// What its environment needs besides.
   std::vector<virtualdrive::EnvironmentVariable> environment;
-  /// The file of an emulated drive that is locked (flock) while somebody writes to its disc; empty
-  /// for a drive of this machine.
+  /// What is locked (flock) while somebody writes to the disc: of an emulated drive the file of its
+  /// sectors, of one of this machine its folder below /sys;
+  /// empty where it has none.
   std::string recordingLockPath;
 };
 

@@ -24,7 +24,7 @@ struct DriveIdentity {
   std::string presencePath;
   /// Locked by the process that has the drive for itself.
   std::string exclusiveLockPath;
-  /// Locked by a recorder while it writes; empty where recorders exclude each other anyhow.
+  /// Locked by a recorder while it writes, so that everybody sees that the drive is busy.
   std::string recordingLockPath;
   /// The folder of an emulated drive's disc.
   std::optional<std::string> emulatedDisc;

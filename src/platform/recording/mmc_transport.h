@@ -52,8 +52,8 @@ class Transport {
   virtual Answer write(std::span<const uint8_t> commandBlock, std::span<const uint8_t> data,
                        std::chrono::milliseconds timeLimit) = 0;
 
-  /// Whether the drive lets nobody have it alone, whatever the locks say. Real drives have no such
-  /// will.
+  /// Whether nobody can have the drive alone now, whatever the locks say: somebody else has it, or
+  /// it cannot be opened.
   virtual bool refusesExclusiveAccess() const { return false; }
 };
 

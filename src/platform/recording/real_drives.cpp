@@ -48,6 +48,8 @@ std::unique_ptr<Drive> openRealDrive(const std::string& name, const std::string&
   identity.ioRegistryEntryPath = failure ? sysfsEntry : sysfsPath.string();
   identity.presencePath = sysfsEntry;
   identity.exclusiveLockPath = node;
+  // Not the node: a recorder's descriptor of that would keep the kernel from noticing the new disc.
+  identity.recordingLockPath = sysfsEntry;
   identity.programPath = node;
   return std::make_unique<Drive>(std::move(identity), std::make_unique<mmc::SgIoTransport>(node));
 }

@@ -57,6 +57,12 @@ Answer SgIoTransport::write(std::span<const uint8_t> commandBlock, std::span<con
   return execute(commandBlock, source, data.size(), direction, timeLimit);
 }
 
+bool SgIoTransport::refusesExclusiveAccess() const {
+  const int descriptor = open(devicePath_.c_str(), O_RDONLY | O_NONBLOCK | O_EXCL | O_CLOEXEC);
+  if (descriptor >= 0) close(descriptor);
+  return descriptor < 0;
+}
+
 Answer SgIoTransport::execute(std::span<const uint8_t> commandBlock, void* data, size_t size,
                               int direction, std::chrono::milliseconds timeLimit) const {
   if (commandBlock.empty() || commandBlock.size() > kLongestCommandBlock) {

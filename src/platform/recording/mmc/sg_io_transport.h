@@ -23,6 +23,10 @@ class SgIoTransport : public Transport {
   Answer write(std::span<const uint8_t> commandBlock, std::span<const uint8_t> data,
                std::chrono::milliseconds timeLimit) override;
 
+  /// Whether the kernel refuses an exclusive descriptor (O_EXCL) of the node: a burning program has
+  /// one, or a volume is mounted from it.
+  bool refusesExclusiveAccess() const override;
+
  private:
   Answer execute(std::span<const uint8_t> commandBlock, void* data, size_t size, int direction,
                  std::chrono::milliseconds timeLimit) const;
