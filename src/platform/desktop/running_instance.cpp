@@ -5,6 +5,7 @@
 #include <QVariantMap>
 #include <utility>
 
+#include "platform/desktop/application_object.h"
 #include "platform/desktop/message_bus.h"
 
 namespace kelvane::desktop {
@@ -29,34 +30,20 @@ QDBusMessage toBus(const QString& method) {
 
 }  // namespace
 
-class RunningInstance::Object : public QObject {
-  Q_OBJECT
-  Q_CLASSINFO("D-Bus Interface", "org.freedesktop.Application")
-
- public:
-  explicit Object(std::function<void()> activated) : activated_(std::move(activated)) {}
-
-  QDBusConnection bus = sessionBus();
-
- public Q_SLOTS:
-  void Activate(const QVariantMap& /*platformData*/) { activated_(); }
-
- private:
-  std::function<void()> activated_;
-};
-
 RunningInstance::RunningInstance(std::function<void()> activated)
-    : object_(std::make_unique<Object>(std::move(activated))) {
-  if (!object_->bus.isConnected()) return;
-  object_->bus.registerObject(objectPath(), object_.get(), QDBusConnection::ExportAllSlots);
-  call(object_->bus, toBus(QStringLiteral("RequestName")) << applicationName() << kDoNotQueue,
-       kPatience, object_.get(), [](const QDBusMessage&) {});
+    : object_(std::make_unique<ApplicationObject>(std::move(activated))) {
+  QDBusConnection bus = sessionBus();
+  if (!bus.isConnected()) return;
+  bus.registerObject(objectPath(), object_.get(), QDBusConnection::ExportAllSlots);
+  call(bus, toBus(QStringLiteral("RequestName")) << applicationName() << kDoNotQueue, kPatience,
+       object_.get(), [](const QDBusMessage&) {});
 }
 
 RunningInstance::~RunningInstance() {
-  if (!object_->bus.isConnected()) return;
-  object_->bus.unregisterObject(objectPath());
-  object_->bus.send(toBus(QStringLiteral("ReleaseName")) << applicationName());
+  QDBusConnection bus = sessionBus();
+  if (!bus.isConnected()) return;
+  bus.unregisterObject(objectPath());
+  bus.send(toBus(QStringLiteral("ReleaseName")) << applicationName());
 }
 
 bool showRunningInstance(std::chrono::milliseconds patience) {
@@ -75,5 +62,3 @@ bool showRunningInstance(std::chrono::milliseconds patience) {
 }
 
 }  // namespace kelvane::desktop
-
-#include "running_instance.moc"

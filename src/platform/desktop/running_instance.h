@@ -9,6 +9,8 @@
 
 namespace kelvane::desktop {
 
+class ApplicationObject;
+
 /// Makes this process the one that the user's session means by the application
 /// (org.freedesktop.Application at the name org.kelvanefs.kelvanefs), for as long as it lives.
 /// Where there is no session bus, or another process is that already, nothing happens. Main thread
@@ -22,8 +24,7 @@ class RunningInstance {
   RunningInstance& operator=(const RunningInstance&) = delete;
 
  private:
-  class Object;
-  std::unique_ptr<Object> object_;
+  std::unique_ptr<ApplicationObject> object_;
 };
 
 /// Asks the instance that runs in this session to show itself, and waits for its answer, with the
