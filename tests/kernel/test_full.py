@@ -62,26 +62,38 @@ class Application(SystemTest):
     BY_KERNEL = """
 mkdir /Volumes/DISC
 mount -t iso9660 -o ro "$DRIVE" /Volumes/DISC || fail "the kernel mounts nothing"
-WHO=
 """
     BY_DESKTOP = """
 as_user udisksctl mount -b "$DRIVE" || fail "the user cannot mount the disc"
-WHO=as_user
+"""
+    # What the user does on the volume, and how its end is noted.
+    EDIT = """
+{who} kelvanefs batch --drive "$DRIVE" --json -- \\
+  sh -ec 'echo new > new.txt; rm -rf a; rm -rf /tmp/shown; cp -r . /tmp/shown; {command}' \\
+  > /share/outcome 2> /share/words
+status=$?
 """
 
-    def edit(self, media, mount):
-        first = make_tree(self.path("first"), 1)
-        if media.startswith("cd"):
-            self.make_disc("disc", media, first)
-        else:
-            self.make_dvd("disc", media, first)
-        self.guest(f"""
+    def plugged(self, media, faults=""):
+        """A disc with one session, and the steps that plug in its drive."""
+        self.first = make_tree(self.path("first"), 1)
+        make = self.make_disc if media.startswith("cd") else self.make_dvd
+        disc = make("disc", media, self.first)
+        if faults:
+            with open(os.path.join(disc, "faults"), "w", encoding="ascii") as file:
+                file.write(faults)
+        return """
 plug disc.kvdisc
 eventually "udev knows the disc" has_property ID_FS_LABEL DISC
-{mount}
-$WHO kelvanefs batch --drive "$DRIVE" --json -- \\
-  sh -ec 'echo new > new.txt; rm -r a; cp -r . /tmp/shown' > /share/outcome 2> /share/words ||
-  fail "batch ended with $?: $(cat /share/words /share/outcome)"
+"""
+
+    def outcome(self):
+        with open(self.path("outcome"), encoding="utf-8") as file:
+            return json.load(file)
+
+    def edit(self, media, mount, who, faults=""):
+        self.guest(self.plugged(media, faults) + mount + self.EDIT.format(who=who, command=":") + """
+[ $status = 0 ] || fail "batch ended with $status: $(cat /share/words /share/outcome)"
 cp -r /tmp/shown /share/shown
 drive_probe load "$DRIVE"
 show after
@@ -95,31 +107,65 @@ keep burned
         self.assertEqual(self.tree_on(self.path("burned.kvdisc")), shown)
 
     def test_a_cd_r_is_opened_changed_and_burned(self):
-        self.edit("cd-r", self.BY_DESKTOP)
+        self.edit("cd-r", self.BY_DESKTOP, "as_user")
 
-    def test_a_cd_rw_is_opened_changed_and_burned(self):
-        self.edit("cd-rw", self.BY_KERNEL)
+    def test_a_cd_rw_is_opened_changed_and_burned_by_root(self):
+        self.edit("cd-rw", self.BY_KERNEL, "")
+
+    def test_a_cd_rw_in_a_drive_that_shows_the_new_session_when_it_is_loaded_anew(self):
+        self.edit("cd-rw", self.BY_DESKTOP, "as_user", "after close: stale\n")
+
+    def test_a_cd_rw_in_a_drive_that_tells_of_the_new_session(self):
+        self.edit("cd-rw", self.BY_DESKTOP, "as_user", "after close: attention\n")
 
     def test_a_dvd_rw_is_opened_changed_and_burned(self):
-        self.edit("dvd-rw-ro", self.BY_KERNEL)
+        self.edit("dvd-rw-ro", self.BY_DESKTOP, "as_user")
 
     def test_a_dvd_plus_rw_is_opened_changed_and_burned(self):
-        self.edit("dvd+rw", self.BY_DESKTOP)
+        self.edit("dvd+rw", self.BY_DESKTOP, "as_user")
+
+    def test_a_disc_that_nobody_has_mounted(self):
+        self.edit("cd-r", "", "as_user")
 
     def test_a_dvd_r_is_refused(self):
-        first = make_tree(self.path("first"), 1)
-        self.make_dvd("disc", "dvd-r", first)
-        self.guest(f"""
-plug disc.kvdisc
-eventually "udev knows the disc" has_property ID_FS_LABEL DISC
-{self.BY_DESKTOP}
-as_user kelvanefs batch --drive "$DRIVE" --json -- true > /share/outcome 2> /share/words
-equal "the exit status" 3 $?
+        self.guest(self.plugged("dvd-r") + self.BY_DESKTOP + self.EDIT.format(who="as_user", command=":") + """
+equal "the exit status" 3 $status
+as_user udisksctl unmount -b "$DRIVE" || fail "the desktop's mount is gone"
 show after
 """)
-        self.assertEqual(tree_of(self.path("after")), tree_of(first))
-        with open(self.path("outcome"), encoding="utf-8") as file:
-            self.assertEqual(json.load(file)["state"], "not-opened")
+        self.assertEqual(tree_of(self.path("after")), tree_of(self.first))
+        self.assertEqual(self.outcome()["state"], "not-opened")
+
+    def test_a_user_who_may_not_use_the_drive_is_told_so(self):
+        self.guest(self.plugged("cd-r") + self.EDIT.format(who="as_stranger", command=":") + """
+equal "the exit status" 3 $status
+show after
+""")
+        self.assertEqual(tree_of(self.path("after")), tree_of(self.first))
+        self.assertIn("cdrom", self.outcome()["error"])
+
+    def test_a_drive_pulled_out_while_the_volume_is_open_ends_the_run(self):
+        self.guest(self.plugged("cd-r") + self.BY_DESKTOP + """
+pull() {
+  eventually "the volume is changed" test -e /tmp/shown/new.txt
+  unplug
+  touch /tmp/pulled
+}
+pull &
+""" + self.EDIT.format(who="as_user", command="until [ -e /tmp/pulled ]; do sleep 0.1; done") + """
+echo $status > /share/status
+eventually "the volumes are gone" eval '! grep -q kelvane /proc/self/mounts'
+""")
+        self.assertNotEqual(self.outcome()["state"], "burned")
+
+    def test_a_drive_pulled_out_while_it_burns_ends_the_run_with_a_failed_burn(self):
+        self.guest(self.plugged("cd-r", "on write 5: gone\n") + self.BY_DESKTOP
+                   + self.EDIT.format(who="as_user", command="head -c 2000000 /dev/urandom > large") + """
+equal "the exit status" 4 $status
+eventually "the drive is gone" test ! -e "$DRIVE"
+wait "$BURNER" || fail "the burner ended with $?"
+""")
+        self.assertEqual(self.outcome()["state"], "burn-failed")
 
 
 if __name__ == "__main__":
