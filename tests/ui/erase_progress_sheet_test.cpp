@@ -45,11 +45,10 @@ class EraseProgressSheet : public WindowTest {
     std::filesystem::remove_all(folder_);
   }
 
-  DRDevice* addDrive(MediumKind medium, const std::string& faults = {}) {
+  DRDevice* addDrive(MediumKind medium) {
     const std::string disc = folder_ + "/disc.kvdisc";
     std::string error;
     EXPECT_TRUE(virtualdrive::VirtualDrive::create(disc, {.medium = medium}, &error)) << error;
-    if (!faults.empty()) std::ofstream(disc + "/faults") << faults;
     return DriveRegistry::shared().addEmulatedDrive(disc, &error);
   }
 
@@ -62,15 +61,28 @@ class EraseProgressSheet : public WindowTest {
     recorder_ = static_cast<pid_t>(started->recorderProcessIdentifier());
   }
 
-  /// An erase that stands still until it may go on: the recorder waits for the drive to know what
-  /// disc it has.
+  /// An erase that stands still until it may go on: what is started as the recorder waits for that
+  /// before it becomes the real one.
   void beginAndPause() {
-    begin(addDrive(MediumKind::CdRw, "load: never ready\n"));
+    namespace fs = std::filesystem;
+    const fs::path programs = fs::path(folder_) / "libexec/kelvanefs";
+    fs::create_directories(programs);
+    for (const auto& entry : fs::directory_iterator(KELVANE_LIBEXEC_DIR)) {
+      if (entry.path().filename() == "recorder") continue;
+      fs::create_symlink(entry.path(), programs / entry.path().filename());
+    }
+    std::ofstream(programs / "recorder")
+        << "#!/bin/sh\n"
+        << "until [ -e " << folder_ << "/go ]; do sleep 0.01; done\n"
+        << "exec " KELVANE_LIBEXEC_DIR "/recorder \"$@\"\n";
+    fs::permissions(programs / "recorder", fs::perms::owner_all);
+    setenv("KELVANEFS_EXECUTABLE", (folder_ + "/bin/kelvanefs").c_str(), 1);
+    begin(addDrive(MediumKind::CdRw));
     ASSERT_NE(recorder_, 0);
     ASSERT_NE(sheet(), nullptr);
   }
 
-  void goOn() { std::filesystem::remove(folder_ + "/disc.kvdisc/faults"); }
+  void goOn() { std::ofstream(folder_ + "/go").close(); }
 
   void report(double fraction) {
     DREraseStatus status;
