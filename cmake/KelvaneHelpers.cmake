@@ -77,8 +77,10 @@ function(kv_add_test name)
   if(ARG_DEPENDS)
     add_dependencies(${name} ${ARG_DEPENDS})
   endif()
+  # Two properties, since the discovery of tests takes a list apart.
   set(properties TIMEOUT ${ARG_TIMEOUT}
-    ENVIRONMENT "DBUS_SESSION_BUS_ADDRESS=disabled:\\;DBUS_SYSTEM_BUS_ADDRESS=disabled:")
+    ENVIRONMENT DBUS_SESSION_BUS_ADDRESS=disabled:
+    ENVIRONMENT_MODIFICATION DBUS_SYSTEM_BUS_ADDRESS=set:disabled:)
   if(ARG_SERIAL)
     list(APPEND properties RUN_SERIAL ON)
   endif()
