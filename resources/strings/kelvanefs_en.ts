@@ -411,6 +411,23 @@
         <source>The window of KelvaneFS tells why.</source>
         <translation>The window of KelvaneFS tells why.</translation>
     </message>
+    <!-- Licence agreement. The resource is the name of the agreement in this language. -->
+    <message id="LicenseResource">
+        <source>license_en</source>
+        <translation>license_en</translation>
+    </message>
+    <message id="LicenseTitle">
+        <source>Licence Agreement</source>
+        <translation>Licence Agreement</translation>
+    </message>
+    <message id="LicenseAgree">
+        <source>Agree</source>
+        <translation>Agree</translation>
+    </message>
+    <message id="LicenseDisagree">
+        <source>Disagree</source>
+        <translation>Disagree</translation>
+    </message>
     <!-- Update check -->
     <message id="updatecheck">
         <source>A newer version of KelvaneFS is available</source>

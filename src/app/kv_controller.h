@@ -22,6 +22,7 @@ class DRBurn;
 class DRDevice;
 class DVDBurn;
 class GMUserFileSystem;
+class KVLicenseController;
 struct ScanOutcome;
 
 /// The one long-lived controller: it holds the state of the current disc, mount and burn, drives
@@ -44,7 +45,8 @@ class KVController : public WindowActions {
   // Start-up.
   /// Prepares the window, once it exists.
   void awakeFromNib();
-  /// The start-up sequence; called once, after launching.
+  /// The start-up sequence; called once, after launching. Goes no further than the licence
+  /// agreement where the user does not agree.
   void initialiseController();
   /// Reserves every drive and registers for the notifications of drives and burns. The first scan
   /// runs with the first notification of a drive.
@@ -91,6 +93,9 @@ class KVController : public WindowActions {
   /// listed, for whoever is after something else than its files. Opened unless set.
   enum class SingleDisc { Opened, Listed };
   void setSingleDisc(SingleDisc treatment) { singleDisc_ = treatment; }
+
+  /// Who asks for the user's agreement at start-up; borrowed, null where nobody is asked.
+  void setLicenseController(KVLicenseController* controller) { licenseController_ = controller; }
 
   // Properties.
   bool allowMainWindowUnhide() const { return allowMainWindowUnhide_; }
@@ -180,6 +185,7 @@ class KVController : public WindowActions {
   WindowOutlets& window_;
   const ControllerServices& services_;
 
+  KVLicenseController* licenseController_ = nullptr;
   bool allowMainWindowUnhide_ = false;
   SingleDisc singleDisc_ = SingleDisc::Opened;
   std::atomic<DRDevice*> currentDevice_ = nullptr;

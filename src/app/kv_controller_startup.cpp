@@ -9,6 +9,7 @@
 #include "platform/recording/dr_device.h"
 #include "platform/recording/dr_notification_center.h"
 #include "platform/userfs/gm_user_file_system.h"
+#include "services/kv_license_controller.h"
 
 namespace kelvane {
 
@@ -36,6 +37,7 @@ void KVController::awakeFromNib() {
 }
 
 void KVController::initialiseController() {
+  if (licenseController_ && !licenseController_->showLicenseIfNeeded()) return;
   setAllowMainWindowUnhide(true);
   window_.makeKeyAndOrderFront();
   std::string reason;

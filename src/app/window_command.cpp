@@ -9,6 +9,7 @@
 #include "app/window_session.h"
 #include "platform/desktop/running_instance.h"
 #include "platform/foundation/bundle.h"
+#include "platform/foundation/main_thread.h"
 #include "platform/foundation/strings_table.h"
 
 namespace kelvane {
@@ -57,7 +58,7 @@ int runWindowCommand(int argc, char** argv) {
     return cannotStart(error);
   }
   WindowSession session(std::move(core));
-  session.start();
+  performOnMainThread([&session] { session.start(); });
   return QApplication::exec();
 }
 

@@ -17,10 +17,11 @@ WindowSession::WindowSession(std::unique_ptr<ApplicationCore> core)
       services_(systemControllerServices(core_->visibleMounts())),
       closedDrives_(window_),
       controller_(window_, services_),
-      delegate_(controller_, window_),
+      delegate_(controller_, window_, UpdateSource::ofThisBuild()),
       signals_([this](int) { quitRequested(); }),
-      instance_([this] { delegate_.applicationShouldOpenUntitledFile(); }) {
+      instance_([this] { reopen(); }) {
   window_.setActions(&controller_);
+  controller_.setLicenseController(&licenseController_);
   wireQuitting();
   wireEmulatedDrives();
   NotificationCenter::defaultCenter().addObserver(
@@ -39,7 +40,6 @@ WindowSession::~WindowSession() {
 
 void WindowSession::start() {
   controller_.awakeFromNib();
-  window_.show();
   delegate_.applicationDidFinishLaunching();
 }
 
@@ -68,6 +68,11 @@ void WindowSession::quit() {
   window_.allowClosing();
   // What the clean-up has queued on this thread comes first.
   performOnMainThread([] { QCoreApplication::quit(); });
+}
+
+void WindowSession::reopen() {
+  licenseWindow_.makeKeyAndOrderFront();
+  delegate_.applicationShouldOpenUntitledFile();
 }
 
 void WindowSession::wireEmulatedDrives() {

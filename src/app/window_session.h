@@ -10,6 +10,8 @@
 #include "app/kv_controller.h"
 #include "app/termination_signals.h"
 #include "platform/desktop/running_instance.h"
+#include "services/kv_license_controller.h"
+#include "ui/agreement_window.h"
 #include "ui/main_window.h"
 
 namespace kelvane {
@@ -21,7 +23,8 @@ class WindowSession {
   explicit WindowSession(std::unique_ptr<ApplicationCore> core);
   ~WindowSession();
 
-  /// Shows the window and starts the controller.
+  /// Starts the controller, which shows the window. Called in the event loop, so that the user can
+  /// quit while the licence agreement is shown.
   void start();
 
  private:
@@ -31,10 +34,14 @@ class WindowSession {
   void offerEjectedDiscs();
   void quitRequested();
   void quit();
+  /// The user has started the application once more.
+  void reopen();
   void mountFailed(const std::string& reason);
 
   std::unique_ptr<ApplicationCore> core_;
   MainWindow window_;
+  AgreementWindow licenseWindow_;
+  KVLicenseController licenseController_{licenseWindow_, [this] { window_.terminate(); }};
   ControllerServices services_;
   ClosedDrives closedDrives_;
   KVController controller_;

@@ -35,11 +35,16 @@ class WindowlessOutlets : public WindowOutlets, private ProgressIndicator {
   void endBurnConfirmationSheet() override {}
   void orderOutBurnConfirmationPanel() override {}
   void beginAlertSheet(const Alert&, std::function<void(int)>) override {}
+  int runAlertModal(const Alert& alert) override {
+    const int buttons = static_cast<int>(alert.buttonKeys.size());
+    return buttons == 0 ? kAlertFirstButtonReturn : kAlertFirstButtonReturn + buttons - 1;
+  }
   DREraseProgressPanel& eraseProgressPanel() override { return eraseProgressPanel_; }
   void burnDidEnd(BurnEnd) override {}
   void beep() override {}
   void selectFile(const std::string&, const std::string&) override {}
   void openFile(const std::string&) override {}
+  void openURL(const std::string&) override {}
   void hideApplication() override {}
   void terminate() override {}
   void replyToApplicationShouldTerminate(bool) override {}

@@ -94,6 +94,25 @@ std::vector<QPushButton*> addButtons(QMessageBox& box, std::vector<std::string> 
   return buttons;
 }
 
+/// Fills an empty box, and gives its buttons in order.
+std::vector<QPushButton*> fill(QMessageBox& box, const Alert& alert) {
+  box.setIcon(iconOf(alert.style));
+  setTexts(box, alert);
+  std::vector<QPushButton*> buttons = addButtons(box, alert.buttonKeys);
+  box.setEscapeButton(buttons.back());
+  box.setDefaultButton(alert.style == Alert::Style::Warning ? buttons.back() : buttons.front());
+  widen(box);
+  return buttons;
+}
+
+/// Which button ended the box.
+int returnCodeOf(const QMessageBox& box, const std::vector<QPushButton*>& buttons) {
+  const auto clicked = std::find(buttons.begin(), buttons.end(), box.clickedButton());
+  const auto index = clicked == buttons.end() ? buttons.size() - 1
+                                              : static_cast<size_t>(clicked - buttons.begin());
+  return kAlertFirstButtonReturn + static_cast<int>(index);
+}
+
 }  // namespace
 
 void openAlertSheet(QWidget* parent, const Alert& alert,
@@ -102,19 +121,20 @@ void openAlertSheet(QWidget* parent, const Alert& alert,
   box->setObjectName(QStringLiteral("alertSheet"));
   box->setAttribute(Qt::WA_DeleteOnClose);
   box->setWindowModality(Qt::WindowModal);
-  box->setIcon(iconOf(alert.style));
-  setTexts(*box, alert);
-  const std::vector<QPushButton*> buttons = addButtons(*box, alert.buttonKeys);
-  box->setEscapeButton(buttons.back());
-  box->setDefaultButton(alert.style == Alert::Style::Warning ? buttons.back() : buttons.front());
+  const std::vector<QPushButton*> buttons = fill(*box, alert);
   QObject::connect(box, &QMessageBox::finished, parent, [box, buttons, didEnd] {
-    const auto clicked = std::find(buttons.begin(), buttons.end(), box->clickedButton());
-    const auto index = clicked == buttons.end() ? buttons.size() - 1
-                                                : static_cast<size_t>(clicked - buttons.begin());
-    if (didEnd) didEnd(kAlertFirstButtonReturn + static_cast<int>(index));
+    if (didEnd) didEnd(returnCodeOf(*box, buttons));
   });
-  widen(*box);
   box->open();
+}
+
+int runAlertModal(QWidget* parent, const Alert& alert) {
+  QMessageBox box(parent);
+  box.setObjectName(QStringLiteral("alertPanel"));
+  box.setWindowModality(Qt::ApplicationModal);
+  const std::vector<QPushButton*> buttons = fill(box, alert);
+  box.exec();
+  return returnCodeOf(box, buttons);
 }
 
 }  // namespace kelvane

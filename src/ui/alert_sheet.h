@@ -18,4 +18,9 @@ namespace kelvane {
 void openAlertSheet(QWidget* parent, const Alert& alert,
                     std::function<void(int returnCode)> didEnd);
 
+/// Shows `alert` before all windows of the application, over `parent` where there is one, and gives
+/// the button that ended it, counted in the same way. Where the application quits meanwhile, it is
+/// the last one.
+int runAlertModal(QWidget* parent, const Alert& alert);
+
 }  // namespace kelvane

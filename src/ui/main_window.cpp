@@ -356,6 +356,11 @@ void MainWindow::beginAlertSheet(const Alert& alert, std::function<void(int retu
   openAlertSheet(this, alert, std::move(didEnd));
 }
 
+// Until start-up is through, another window may be the one that is shown.
+int MainWindow::runAlertModal(const Alert& alert) {
+  return kelvane::runAlertModal(isVisible() ? this : QApplication::activeModalWidget(), alert);
+}
+
 DREraseProgressPanel& MainWindow::eraseProgressPanel() {
   return *eraseProgressPanel_;
 }
@@ -384,6 +389,10 @@ void MainWindow::selectFile(const std::string& path, const std::string& root) {
 
 void MainWindow::openFile(const std::string& path) {
   QDesktopServices::openUrl(QUrl::fromLocalFile(toText(path)));
+}
+
+void MainWindow::openURL(const std::string& url) {
+  QDesktopServices::openUrl(QUrl(toText(url)));
 }
 
 void MainWindow::hideApplication() {

@@ -77,11 +77,13 @@ class MainWindow : public QWidget, public WindowOutlets {
   void endBurnConfirmationSheet() override;
   void orderOutBurnConfirmationPanel() override;
   void beginAlertSheet(const Alert& alert, std::function<void(int returnCode)> didEnd) override;
+  int runAlertModal(const Alert& alert) override;
   DREraseProgressPanel& eraseProgressPanel() override;
   void burnDidEnd(BurnEnd end) override;
   void beep() override;
   void selectFile(const std::string& path, const std::string& root) override;
   void openFile(const std::string& path) override;
+  void openURL(const std::string& url) override;
   void hideApplication() override;
   void terminate() override;
   void replyToApplicationShouldTerminate(bool shouldTerminate) override;

@@ -54,7 +54,7 @@ inline constexpr int kAlertFirstButtonReturn = 1000;
 /// of the window's outlets.
 ///
 /// The Qt window implements it, batch mode does without widgets, and tests record it. Main thread
-/// only. Nothing here waits for the user: sheets are opened and return at once.
+/// only. Sheets are opened and return at once; nothing but `runAlertModal` waits for the user.
 class WindowOutlets {
  public:
   virtual ~WindowOutlets() = default;
@@ -96,6 +96,10 @@ class WindowOutlets {
   /// has gone.
   virtual void beginAlertSheet(const Alert& alert, std::function<void(int returnCode)> didEnd) = 0;
 
+  /// Shows an alert before all windows of the application, and gives the button that ended it, as
+  /// the end handler of a sheet hears of it. Events are handled meanwhile.
+  virtual int runAlertModal(const Alert& alert) = 0;
+
   /// The shared progress panel of erases.
   virtual DREraseProgressPanel& eraseProgressPanel() = 0;
 
@@ -107,6 +111,8 @@ class WindowOutlets {
   /// Shows the item in the desktop's file manager, with `root` as the top of what it shows.
   virtual void selectFile(const std::string& path, const std::string& root) = 0;
   virtual void openFile(const std::string& path) = 0;
+  /// Opens a web page in the user's browser.
+  virtual void openURL(const std::string& url) = 0;
   virtual void hideApplication() = 0;
 
   /// Asks the application to quit, as the user would.

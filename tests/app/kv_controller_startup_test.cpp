@@ -2,8 +2,11 @@
 #include <gmock/gmock.h>
 
 #include "app/controller_fixture.h"
+#include "foundation/temporary_user_defaults.h"
 #include "platform/recording/dr_burn_status.h"
 #include "platform/recording/dr_notification_center.h"
+#include "services/kv_license_controller.h"
+#include "services/recording_license_window.h"
 
 namespace kelvane::test {
 namespace {
@@ -63,6 +66,58 @@ TEST_F(KVControllerStartup, QuitIsRefusedDuringABurnDeferredWithAnOpenDiscAndImm
   newCalls();
   EXPECT_EQ(delegate_.applicationShouldTerminate(), TerminateReply::Cancel);
   EXPECT_THAT(newCalls(), ElementsAre("beep"));
+}
+
+/// Start-up with a licence agreement that nobody has agreed to yet.
+class StartupWithLicense : public ControllerFixture {
+ protected:
+  StartupWithLicense() {
+    devices_ = {&device_};
+    controller_.setLicenseController(&license_);
+  }
+
+  TemporaryUserDefaults defaults_;
+  RecordingLicenseWindow licenseWindow_;
+  KVLicenseController license_{licenseWindow_, [this] { window_.terminate(); }};
+};
+
+TEST_F(StartupWithLicense, TheAgreementComesBeforeTheWindowAndTheDrives) {
+  licenseWindow_.whileModal = [this] {
+    EXPECT_FALSE(controller_.allowMainWindowUnhide());
+    EXPECT_FALSE(delegate_.applicationShouldOpenUntitledFile());
+    EXPECT_TRUE(newCalls().empty());
+    license_.agree();
+  };
+  controller_.initialiseController();
+  EXPECT_THAT(newCalls(), ElementsAre("makeKeyAndOrderFront", "reserve"));
+}
+
+TEST_F(StartupWithLicense, WithoutAgreementNothingFollowsButTheQuit) {
+  licenseWindow_.whileModal = [this] { license_.disagree(); };
+  controller_.initialiseController();
+  EXPECT_THAT(newCalls(), ElementsAre("terminate"));
+  EXPECT_FALSE(controller_.allowMainWindowUnhide());
+}
+
+TEST_F(StartupWithLicense, OnceAgreedToItIsNotInTheWay) {
+  licenseWindow_.whileModal = [this] { license_.agree(); };
+  controller_.initialiseController();
+  newCalls();
+  licenseWindow_.calls.clear();
+  controller_.initialiseController();
+  EXPECT_THAT(licenseWindow_.calls, ElementsAre("text"));
+  EXPECT_THAT(newCalls(), ElementsAre("makeKeyAndOrderFront", "reserve"));
+}
+
+TEST_F(StartupWithLicense, TheAgreementComesBeforeAMissingUserSpaceFileSystemIsTold) {
+  userFileSystemIsAvailable_ = false;
+  licenseWindow_.whileModal = [this] {
+    EXPECT_TRUE(newCalls().empty());
+    license_.agree();
+  };
+  controller_.initialiseController();
+  EXPECT_THAT(newCalls(), ElementsAre("makeKeyAndOrderFront",
+                                      "alert InstallationIncomplete InstallationIncompleteLong"));
 }
 
 TEST_F(KVControllerStartup, AStatusOfABurnMovesTheSecondHalfOfTheBar) {

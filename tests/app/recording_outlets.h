@@ -55,6 +55,11 @@ class RecordingOutlets : public WindowlessOutlets {
     alerts.push_back(alert);
     answerAlert = std::move(didEnd);
   }
+  int runAlertModal(const Alert& alert) override {
+    note(format("modal alert %@ %@", alert.messageKey, alert.informativeKey));
+    alerts.push_back(alert);
+    return modalAlertAnswer;
+  }
   DREraseProgressPanel& eraseProgressPanel() override { return erasePanel_; }
   void burnDidEnd(BurnEnd end) override { burnEnds.push_back(end); }
   void beep() override { note("beep"); }
@@ -62,6 +67,7 @@ class RecordingOutlets : public WindowlessOutlets {
     note(format("select %@ below %@", path, root));
   }
   void openFile(const std::string& path) override { note("open " + path); }
+  void openURL(const std::string& url) override { note("browse " + url); }
   void hideApplication() override { note("hideApplication"); }
   void terminate() override { note("terminate"); }
   void replyToApplicationShouldTerminate(bool shouldTerminate) override {
@@ -78,6 +84,7 @@ class RecordingOutlets : public WindowlessOutlets {
   std::function<void(const std::string& call)> onCall;  ///< To look at what stands meanwhile.
   std::vector<Alert> alerts;
   std::function<void(int returnCode)> answerAlert;
+  int modalAlertAnswer = kAlertFirstButtonReturn + 1;
   int32_t speedTag = 0;
   std::vector<BurnEnd> burnEnds;
 

@@ -26,6 +26,14 @@ class Programs:
             folder.mkdir(parents=True, exist_ok=True)
         self.environment = dict(os.environ, KELVANEFS_PREFIX=str(self.prefix), LC_ALL="C.UTF-8",
                                 XDG_CONFIG_HOME=str(root / "config"), QT_QPA_PLATFORM="offscreen")
+        self.agree_to_license()
+
+    def agree_to_license(self):
+        version = subprocess.run([self.bin / "kelvanefs", "--version"], check=True, env=self.environment,
+                                 capture_output=True, text=True).stdout.strip()
+        defaults = self.root / "config/kelvanefs/kelvanefs.ini"
+        defaults.parent.mkdir(parents=True, exist_ok=True)
+        defaults.write_text(f"[General]\nlicenseShownForVersion={version}\n")
 
     def make_disc(self, name, media, *options):
         disc = self.root / f"{name}.kvdisc"

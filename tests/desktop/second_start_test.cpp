@@ -4,6 +4,9 @@
 #include <QProcess>
 
 #include "desktop/desktop_fixture.h"
+#include "foundation/temporary_user_defaults.h"
+#include "platform/foundation/bundle.h"
+#include "platform/foundation/user_defaults.h"
 #include "volumes/temporary_prefix.h"
 
 namespace kelvane {
@@ -31,12 +34,21 @@ class SecondStart : public test::DesktopFixture {
   }
   static bool hasEnded(const QProcess& process) { return process.state() == QProcess::NotRunning; }
 
+  /// The user has agreed to the licence of this version.
+  static void agreeToLicense() {
+    UserDefaults::standard().setString(Bundle::mainBundle().shortVersionString(),
+                                       "licenseShownForVersion");
+  }
+
+  test::TemporaryUserDefaults defaults_;
+  test::ScopedVariable configuration_{"XDG_CONFIG_HOME", defaults_.folder()};
   test::TemporaryPrefix prefix_;
   QProcess first_;
   QProcess second_;
 };
 
 TEST_F(SecondStart, EndsAtOnceBecauseTheFirstShowsItsWindow) {
+  agreeToLicense();
   first_.start();
   turnUntil([this] { return isRunning() || hasEnded(first_); });
   ASSERT_FALSE(hasEnded(first_)) << first_.readAll().toStdString();
@@ -48,6 +60,20 @@ TEST_F(SecondStart, EndsAtOnceBecauseTheFirstShowsItsWindow) {
   turnUntil([this] { return hasEnded(first_); });
   EXPECT_EQ(first_.exitCode(), 0) << first_.readAll().toStdString();
   EXPECT_FALSE(isRunning());
+}
+
+TEST_F(SecondStart, EndsAtOnceAlsoWhileTheFirstAsksForTheAgreementWhichASignalEndsUnanswered) {
+  first_.start();
+  turnUntil([this] { return isRunning() || hasEnded(first_); });
+  ASSERT_FALSE(hasEnded(first_)) << first_.readAll().toStdString();
+  second_.start();
+  turnUntil([this] { return hasEnded(second_); });
+  EXPECT_EQ(second_.exitCode(), 0) << second_.readAll().toStdString();
+  first_.terminate();
+  turnUntil([this] { return hasEnded(first_); });
+  EXPECT_EQ(first_.exitStatus(), QProcess::NormalExit);
+  EXPECT_EQ(first_.exitCode(), 0) << first_.readAll().toStdString();
+  EXPECT_FALSE(UserDefaults::standard().stringForKey("licenseShownForVersion").has_value());
 }
 
 }  // namespace

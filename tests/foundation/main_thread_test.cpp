@@ -43,6 +43,31 @@ TEST_F(MainThreadTest, WorkOfTheMainThreadWaitsForTheCurrentEvent) {
   EXPECT_TRUE(done);
 }
 
+TEST_F(MainThreadTest, WhoeverWaitsGoesOnAfterTheWork) {
+  bool done = false;
+  std::jthread worker([&](const std::stop_token& stop) {
+    performOnMainThreadAndWait(
+        [&] {
+          EXPECT_TRUE(isMainThread());
+          done = true;
+        },
+        stop);
+    EXPECT_TRUE(done);
+    performOnMainThread([] { QCoreApplication::quit(); });
+  });
+  QCoreApplication::exec();
+  EXPECT_TRUE(done);
+}
+
+TEST_F(MainThreadTest, WhoeverWaitsIsFreedByAStopAndTheWorkIsNeverDone) {
+  std::jthread worker(
+      [](const std::stop_token& stop) { performOnMainThreadAndWait([] { FAIL(); }, stop); });
+  worker.request_stop();
+  worker.join();
+  performOnMainThread([] { QCoreApplication::quit(); });
+  QCoreApplication::exec();
+}
+
 TEST_F(MainThreadTest, DelayedWorkRuns) {
   bool done = false;
   performAfterDelay(std::chrono::milliseconds(1), [&] {

@@ -1,9 +1,11 @@
 // SPDX-License-Identifier: GPL-2.0-or-later
 // Alerts: their texts, and which answer reaches the end handler.
+#include <QApplication>
 #include <QLabel>
 #include <QMessageBox>
 #include <QPushButton>
 #include <QTest>
+#include <QTimer>
 
 #include "platform/foundation/strings_table.h"
 #include "ui/window_test.h"
@@ -14,6 +16,60 @@ namespace {
 using ::testing::ElementsAre;
 using ::testing::IsEmpty;
 using namespace kelvane::testing;
+
+class AlertPanel : public WindowTest {
+ protected:
+  /// Runs an alert before all windows, and lets the user do something with it.
+  int run(const std::function<void(QMessageBox& panel)>& user) {
+    QTimer::singleShot(0, &window_, [user] {
+      auto* panel = qobject_cast<QMessageBox*>(QApplication::activeModalWidget());
+      ASSERT_NE(panel, nullptr);
+      EXPECT_TRUE(QTest::qWaitForWindowActive(panel));
+      user(*panel);
+    });
+    return window_.runAlertModal({.style = Alert::Style::Informational,
+                                  .buttonKeys = {"updatecheckdownload", "cancelbutton"},
+                                  .messageKey = "updatecheck",
+                                  .informativeKey = "updatechecklong",
+                                  .detail = {}});
+  }
+  static void clickIn(QMessageBox& panel, const char* name) {
+    QTest::mouseClick(panel.findChild<QPushButton*>(name), Qt::LeftButton);
+  }
+};
+
+TEST_F(AlertPanel, ShowsTheTextsOfItsKeysBeforeAllWindows) {
+  run([this](QMessageBox& panel) {
+    EXPECT_EQ(panel.windowModality(), Qt::ApplicationModal);
+    EXPECT_EQ(panel.parentWidget(), &window_);
+    EXPECT_EQ(panel.icon(), QMessageBox::Information);
+    EXPECT_EQ(panel.text().toStdString(), localizedString("updatecheck"));
+    EXPECT_EQ(panel.informativeText().toStdString(), localizedString("updatechecklong"));
+    clickIn(panel, "alertButton1");
+  });
+  EXPECT_EQ(QApplication::activeModalWidget(), nullptr);
+}
+
+TEST_F(AlertPanel, GivesTheButtonThatEndedIt) {
+  EXPECT_EQ(run([](QMessageBox& panel) { clickIn(panel, "alertButton0"); }), 1000);
+  EXPECT_EQ(run([](QMessageBox& panel) { clickIn(panel, "alertButton1"); }), 1001);
+}
+
+TEST_F(AlertPanel, ReturnIsTheFirstButtonEscapeAndClosingTheLast) {
+  EXPECT_EQ(run([](QMessageBox& panel) { QTest::keyClick(&panel, Qt::Key_Return); }), 1000);
+  EXPECT_EQ(run([](QMessageBox& panel) { QTest::keyClick(&panel, Qt::Key_Escape); }), 1001);
+  EXPECT_EQ(run([](QMessageBox& panel) { panel.close(); }), 1001);
+}
+
+TEST_F(AlertPanel, OfAnApplicationWhoseWindowIsHiddenStandsOnItsOwn) {
+  window_.allowClosing();
+  window_.hide();
+  EXPECT_EQ(run([](QMessageBox& panel) {
+              EXPECT_EQ(panel.parentWidget(), nullptr);
+              clickIn(panel, "alertButton0");
+            }),
+            1000);
+}
 
 class AlertSheet : public WindowTest {
  protected:

@@ -4,13 +4,19 @@
 #include <QApplication>
 #include <QDir>
 #include <QElapsedTimer>
+#include <QFile>
 #include <QMenu>
 #include <QPainter>
 #include <QPixmap>
+#include <QScrollBar>
+#include <QTextBrowser>
+#include <QTimer>
 #include <cstdio>
 
+#include "platform/foundation/bundle.h"
 #include "platform/foundation/placeholders.h"
 #include "platform/foundation/strings_table.h"
+#include "ui/agreement_window.h"
 #include "ui/main_window.h"
 #include "ui/sample_records.h"
 #include "ui/sliding_area.h"
@@ -99,6 +105,8 @@ class Gallery {
                    .messageKey = "InstallationIncomplete",
                    .informativeKey = "InstallationIncompleteLong",
                    .detail = {}});
+    update();
+    license();
     return allSaved_;
   }
 
@@ -177,6 +185,35 @@ class Gallery {
     for (QWidget* widget : QApplication::topLevelWidgets()) {
       if (widget->objectName() == QStringLiteral("alertSheet")) delete widget;
     }
+  }
+
+  void update() {
+    QTimer::singleShot(0, &window_, [this] {
+      shoot(QStringLiteral("update"));
+      QApplication::activeModalWidget()->close();
+    });
+    window_.runAlertModal({.style = Alert::Style::Informational,
+                           .buttonKeys = {"updatecheckdownload", "cancelbutton"},
+                           .messageKey = "updatecheck",
+                           .informativeKey = "updatechecklong",
+                           .detail = {}});
+  }
+
+  /// The agreement with its own text, at its start and at its end.
+  void license() {
+    AgreementWindow license;
+    const auto path =
+        Bundle::mainBundle().pathForResource(localizedString("LicenseResource"), "html");
+    QFile file(QString::fromStdString(path.value_or(std::string())));
+    if (file.open(QIODevice::ReadOnly)) license.setLicenseText(file.readAll().toStdString());
+    QTimer::singleShot(0, &license, [this, &license] {
+      shoot(QStringLiteral("license"));
+      QScrollBar* bar = license.findChild<QTextBrowser*>()->verticalScrollBar();
+      bar->setValue(bar->maximum());
+      shoot(QStringLiteral("license-end"));
+      license.stopModal();
+    });
+    license.runModal();
   }
 
   QString folder_;

@@ -4,6 +4,9 @@
 #include <QCoreApplication>
 #include <QThread>
 #include <QTimer>
+#include <condition_variable>
+#include <memory>
+#include <mutex>
 #include <utility>
 
 namespace kelvane {
@@ -12,6 +15,24 @@ void performOnMainThread(std::function<void()> work) {
   QCoreApplication* application = QCoreApplication::instance();
   if (application == nullptr) return;
   QMetaObject::invokeMethod(application, std::move(work), Qt::QueuedConnection);
+}
+
+void performOnMainThreadAndWait(std::function<void()> work, const std::stop_token& stop) {
+  struct Completion {
+    std::mutex mutex;
+    std::condition_variable_any changed;
+    bool done = false;  // Guarded by the mutex.
+  };
+  // The queue may keep its copy longer than this function runs.
+  const auto completion = std::make_shared<Completion>();
+  performOnMainThread([completion, stop, work = std::move(work)] {
+    if (!stop.stop_requested()) work();
+    const std::lock_guard lock(completion->mutex);
+    completion->done = true;
+    completion->changed.notify_all();
+  });
+  std::unique_lock lock(completion->mutex);
+  completion->changed.wait(lock, stop, [&completion] { return completion->done; });
 }
 
 void performAfterDelay(std::chrono::milliseconds delay, std::function<void()> work) {

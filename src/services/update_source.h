@@ -1,0 +1,20 @@
+// SPDX-License-Identifier: GPL-2.0-or-later
+#pragma once
+
+#include <string>
+
+namespace kelvane {
+
+/// Where newer versions are looked for and found.
+struct UpdateSource {
+  /// HTTP or HTTPS address that answers with the newest version's build number in decimal digits.
+  /// Empty where nothing is to be asked.
+  std::string versionEndpoint;
+  /// Web page from which that version can be had.
+  std::string productPage;
+
+  /// The settings KELVANE_UPDATE_ENDPOINT and KELVANE_PRODUCT_PAGE of this build.
+  static UpdateSource ofThisBuild();
+};
+
+}  // namespace kelvane
