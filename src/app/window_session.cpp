@@ -15,7 +15,6 @@ namespace kelvane {
 WindowSession::WindowSession(std::unique_ptr<ApplicationCore> core)
     : core_(std::move(core)),
       services_(systemControllerServices(core_->visibleMounts())),
-      closedDrives_(window_),
       controller_(window_, services_),
       delegate_(controller_, window_, UpdateSource::ofThisBuild()),
       signals_([this](int) { quitRequested(); }),
@@ -23,7 +22,6 @@ WindowSession::WindowSession(std::unique_ptr<ApplicationCore> core)
   window_.setActions(&controller_);
   controller_.setLicenseController(&licenseController_);
   wireQuitting();
-  wireEmulatedDrives();
   NotificationCenter::defaultCenter().addObserver(
       this, kGMUserFileSystemMountFailed, nullptr, [this](const Notification& notification) {
         const auto* reason = std::any_cast<std::string>(&notification.userInfo);
@@ -41,6 +39,14 @@ WindowSession::~WindowSession() {
 void WindowSession::start() {
   controller_.awakeFromNib();
   delegate_.applicationDidFinishLaunching();
+  if (!controller_.allowMainWindowUnhide()) return;
+  closedDrives_.emplace(window_);
+  wireEmulatedDrives();
+  // The drives have reported once, to whoever observed them first. The controller observes them
+  // only when the user has agreed to the licence, and would wait for the next change.
+  for (const DRDevice* device : DRDevice::devices()) {
+    DRNotificationCenter::currentRunLoopCenter().post(DRDeviceStatusChangedNotification, device);
+  }
 }
 
 void WindowSession::wireQuitting() {

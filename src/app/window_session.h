@@ -2,6 +2,7 @@
 #pragma once
 
 #include <memory>
+#include <optional>
 
 #include "app/application_core.h"
 #include "app/closed_drives.h"
@@ -43,7 +44,7 @@ class WindowSession {
   AgreementWindow licenseWindow_;
   KVLicenseController licenseController_{licenseWindow_, [this] { window_.terminate(); }};
   ControllerServices services_;
-  ClosedDrives closedDrives_;
+  std::optional<ClosedDrives> closedDrives_;
   KVController controller_;
   KVAppDelegate delegate_;
   TerminationSignals signals_;
