@@ -76,5 +76,25 @@ TEST_F(SecondStart, EndsAtOnceAlsoWhileTheFirstAsksForTheAgreementWhichASignalEn
   EXPECT_FALSE(UserDefaults::standard().stringForKey("licenseShownForVersion").has_value());
 }
 
+TEST_F(SecondStart, ADiscThatIsThereAtTheStartIsOpened) {
+  agreeToLicense();
+  const QString disc = QString::fromStdString(prefix_.path() + "/disc.kvdisc");
+  ASSERT_EQ(QProcess::execute(QStringLiteral(KELVANE_BIN_DIR "/kelvanedisc"),
+                              {QStringLiteral("create"), disc, QStringLiteral("--media"),
+                               QStringLiteral("cd-r")}),
+            0);
+  first_.setArguments({QStringLiteral("--drive"), disc});
+  first_.start();
+  QByteArray said;
+  turnUntil([&] {
+    said += first_.readAll();
+    return said.contains("did mount") || hasEnded(first_);
+  });
+  EXPECT_FALSE(hasEnded(first_)) << said.toStdString();
+  first_.terminate();
+  turnUntil([this] { return hasEnded(first_); });
+  EXPECT_EQ(first_.exitCode(), 0) << first_.readAll().toStdString();
+}
+
 }  // namespace
 }  // namespace kelvane
