@@ -358,6 +358,14 @@
         <source>There is not enough room on the disc for the new session.</source>
         <translation>Auf der Disc ist für die neue Sitzung nicht genug Platz.</translation>
     </message>
+    <message id="ReasonSessionLimit">
+        <source>The next session would begin beyond 4 GB of the disc, where no session can be added. Nothing more can be put on this disc.</source>
+        <translation>Die nächste Sitzung würde hinter 4 GB der Disc beginnen, wo keine Sitzung mehr möglich ist. Auf diese Disc passt nichts mehr.</translation>
+    </message>
+    <message id="ReasonFormatUnknown">
+        <source>The drive does not tell how the disc can be formatted. Try another drive.</source>
+        <translation>Das Laufwerk sagt nicht, wie die Disc formatiert werden kann. Versuchen Sie es mit einem anderen Laufwerk.</translation>
+    </message>
     <message id="ReasonTemporaryFolderFull">
         <source>The folder for temporary files is full. Make room there, as much as the new session has.</source>
         <translation>Der Ordner für temporäre Dateien ist voll. Schaffen Sie dort so viel Platz, wie die neue Sitzung braucht.</translation>

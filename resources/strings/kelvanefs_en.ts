@@ -358,6 +358,14 @@
         <source>There is not enough room on the disc for the new session.</source>
         <translation>There is not enough room on the disc for the new session.</translation>
     </message>
+    <message id="ReasonSessionLimit">
+        <source>The next session would begin beyond 4 GB of the disc, where no session can be added. Nothing more can be put on this disc.</source>
+        <translation>The next session would begin beyond 4 GB of the disc, where no session can be added. Nothing more can be put on this disc.</translation>
+    </message>
+    <message id="ReasonFormatUnknown">
+        <source>The drive does not tell how the disc can be formatted. Try another drive.</source>
+        <translation>The drive does not tell how the disc can be formatted. Try another drive.</translation>
+    </message>
     <message id="ReasonTemporaryFolderFull">
         <source>The folder for temporary files is full. Make room there, as much as the new session has.</source>
         <translation>The folder for temporary files is full. Make room there, as much as the new session has.</translation>

@@ -23,13 +23,13 @@ enum class BatchExit {
   Burned = 0,  ///< Or there was nothing to burn.
   Usage = 2,
   NotOpened = 3,
-  BurnFailed = 4,
+  BurnFailed = 4,  ///< Or the disc was gone before.
 };
 
 /// How a batch run ended.
 struct BatchOutcome {
   /// "burned", "unchanged", "discarded", "command-failed", "interrupted", "not-opened",
-  /// "burn-failed".
+  /// "burn-failed", "disc-gone".
   std::string state;
   /// The number of the session that was burned, from 1; absent for a DVD, which mostly has one that
   /// grows.

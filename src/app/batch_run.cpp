@@ -122,6 +122,7 @@ void BatchRun::runCommand() {
 }
 
 void BatchRun::commandHasEnded() {
+  if (discHasGone_) return;  // The controller's own clean-up ends the run.
   const int status = command_->terminationStatus();
   if (status != 0 && !interruptedBy_) {
     commandFailed_ = true;
@@ -196,12 +197,17 @@ void BatchRun::setDoubleValue(double value) {
 
 void BatchRun::burnStatusChanged(const Notification& notification) {
   const auto* status = std::any_cast<DRBurnStatus>(&notification.userInfo);
-  if (status == nullptr || status->DRStatusStateKey != DRStatusStateDone) return;
-  outcome_.state = "burned";
+  if (status == nullptr) return;
   const DRDevice* device = controller_->currentDevice();
-  if (device == nullptr) return;
-  const auto media = device->status().DRDeviceMediaInfoKey;
-  if (media) outcome_.session = media->DRDeviceMediaSessionCountKey;
+  // What the drive says afterwards may be old: not every drive sees the new session before the disc
+  // is loaded again.
+  if (status->DRStatusStateKey == DRStatusStatePreparing && device != nullptr) {
+    const auto media = device->status().DRDeviceMediaInfoKey;
+    if (media) sessionsBefore_ = media->DRDeviceMediaSessionCountKey;
+  }
+  if (status->DRStatusStateKey != DRStatusStateDone) return;
+  outcome_.state = "burned";
+  if (sessionsBefore_) outcome_.session = *sessionsBefore_ + 1;
 }
 
 void BatchRun::beginAlertSheet(const Alert& alert, std::function<void(int)>) {
@@ -264,6 +270,12 @@ void BatchRun::interrupt(int signalNumber) {
   }
 }
 
+// What the command still does is for nothing.
+void BatchRun::discHasGone() {
+  discHasGone_ = true;
+  if (stage_ == Stage::Running) command_->terminate();
+}
+
 void BatchRun::terminate() {
   end();
 }
@@ -281,6 +293,11 @@ void BatchRun::end() {
     outcome_.exitStatus = kExitOfSignal + *interruptedBy_;
   } else if (commandFailed_) {
     outcome_.state = "command-failed";
+  } else if (discHasGone_) {
+    outcome_.state = "disc-gone";
+    outcome_.error = "The disc disappeared while it was open. The changes are lost.";
+    outcome_.exitStatus = static_cast<int>(BatchExit::BurnFailed);
+    say("%@", outcome_.error);
   } else if (outcome_.state.empty()) {
     outcome_.state = "unchanged";
     say("Nothing has changed; nothing is burned.");

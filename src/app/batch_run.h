@@ -39,6 +39,7 @@ class BatchRun final : public WindowlessOutlets {
   int32_t burnSpeedTag() override { return options_.speedTag; }
   void beginBurnConfirmationSheet() override;
   void beginAlertSheet(const Alert& alert, std::function<void(int returnCode)> didEnd) override;
+  void discHasGone() override;
   void terminate() override;
   void replyToApplicationShouldTerminate(bool shouldTerminate) override;
 
@@ -68,6 +69,8 @@ class BatchRun final : public WindowlessOutlets {
   bool commandFailed_ = false;
   bool announcedLoading_ = false;
   std::optional<int> interruptedBy_;
+  bool discHasGone_ = false;
+  std::optional<uint32_t> sessionsBefore_;
   std::string announcedUsers_;
   int announcedTenths_ = 0;
   std::optional<double> writingBeginsAt_;  // Of the bar; empty until the disc is written.

@@ -25,6 +25,7 @@ namespace {
 
 constexpr int kExitOfSignal = 128;
 constexpr size_t kMostNamesShown = 5;
+constexpr char kDiscHasChanged[] = "The disc has been changed meanwhile; nothing has been erased.";
 
 // The first names in the top folder of the disc's volume.
 std::string contentsOf(const std::string& mountPath) {
@@ -124,7 +125,7 @@ void EraseRun::start(KVController& controller) {
 }
 
 void EraseRun::lookAtRecords() {
-  if (stage_ != Stage::Looking) return;
+  if (stage_ != Stage::Looking && stage_ != Stage::Asking) return;
   const std::vector<DeviceRecord>& records = mediaController().arrangedObjects();
   if (records.empty()) {
     if (listUnreadableDisc()) return;  // Which brings us here again.
@@ -132,6 +133,11 @@ void EraseRun::lookAtRecords() {
     return;
   }
   const DeviceRecord& disc = records.front();
+  if (stage_ == Stage::Asking) {
+    // The question is about the disc that was there when it was put.
+    if (disc != asked_) giveUp(EraseExit::NotErasable, kDiscHasChanged);
+    return;
+  }
   if (disc.unsupportedString == "") return;  // Still loading: the next scan tells.
   if (!disc.RW) {
     giveUp(EraseExit::NotErasable,
@@ -139,6 +145,7 @@ void EraseRun::lookAtRecords() {
     return;
   }
   stage_ = Stage::Asking;
+  asked_ = disc;
   mediaController().setSelectionIndex(0);
   controller_->attemptErase();
 }
@@ -216,6 +223,11 @@ void EraseRun::interrupt(int signalNumber) {
   giveUp(EraseExit::Declined, "Interrupted: nothing has been erased.");
   outcome_.state = "interrupted";
   outcome_.exitStatus = kExitOfSignal + signalNumber;
+}
+
+// The disc has gone between the answer and the erase.
+void EraseRun::beep() {
+  giveUp(EraseExit::NotErasable, kDiscHasChanged);
 }
 
 void EraseRun::terminate() {

@@ -55,6 +55,7 @@ class EraseRun final : public WindowlessOutlets {
   // What the controller says to its window.
   void beginAlertSheet(const Alert& alert, std::function<void(int returnCode)> didEnd) override;
   DREraseProgressPanel& eraseProgressPanel() override;
+  void beep() override;
   void terminate() override;
 
  private:
@@ -77,6 +78,7 @@ class EraseRun final : public WindowlessOutlets {
   std::function<void(int)> answerAlert_;
   std::unique_ptr<QSocketNotifier> terminal_;
   std::string answer_;
+  std::optional<DeviceRecord> asked_;  ///< The disc that the question is about.
   std::unique_ptr<Panel> panel_;
 };
 

@@ -56,7 +56,7 @@ void KVController::withdrawBurnQuestion() {
 
 void KVController::burn() {
   // The disc may have left the drive while the question stood; the clean-up has run then.
-  if (currentDevice_ == nullptr) {
+  if (currentDevice_ == nullptr || burnInProgress_) {
     window_.beep();
     return;
   }

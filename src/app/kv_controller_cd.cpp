@@ -13,6 +13,7 @@
 #include "burn/plain_reason.h"
 #include "burn/producer.h"
 #include "burn/progress_watcher.h"
+#include "burn/volume_identifier.h"
 #include "media/quellbrook.h"
 #include "platform/foundation/bundle.h"
 #include "platform/foundation/child_task.h"
@@ -51,7 +52,7 @@ void KVController::burnCD() {
 
   SessionImageRequest request;
   request.sessionString = *sessionString;
-  request.volumeName = window_.burnConfirmationDiskTitle();
+  request.volumeName = volumeIdentifierOf(window_.burnConfirmationDiskTitle());
   request.imagePath = burnImagePath_;
   request.hideListPath = paths::hideListFile(tmpDirPath_);
   request.deviceName = deviceName;
@@ -159,7 +160,8 @@ void KVController::CDBurnFinished() {
     const std::string error =
         status.DRErrorStatusKey ? status.DRErrorStatusKey->DRErrorStatusErrorStringKey : "";
     systemLog("CD burning failed: %@", error);
-    window_.beginAlertSheet(warningAlert("CDBurnError", error), nullptr);
+    const std::string detail = withPlainReason(error, tmpDirPath_);
+    window_.beginAlertSheet(warningAlert("CDBurnError", detail), nullptr);
   } else {
     burnEnd_ = BurnEnd::Succeeded;
   }

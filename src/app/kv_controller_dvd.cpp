@@ -6,6 +6,7 @@
 #include "app/warning_alert.h"
 #include "burn/dvd_burn.h"
 #include "burn/plain_reason.h"
+#include "burn/volume_identifier.h"
 #include "platform/foundation/bundle.h"
 #include "platform/foundation/child_task.h"
 #include "platform/foundation/main_thread.h"
@@ -105,7 +106,7 @@ void KVController::startDVDBurn(DRDevice& device) {
       this, kKelvaneDidFinishDVD, nullptr,
       [this](const Notification& notification) { burnDVDDidFinish(notification); });
   DVDBurnParameters parameters;
-  parameters.dvdvolumename = window_.burnConfirmationDiskTitle();
+  parameters.dvdvolumename = volumeIdentifierOf(window_.burnConfirmationDiskTitle());
   parameters.bsddevicepath = format("/dev/r%@", device.bsdName());
   parameters.sourcepath = tmpDirPath_;
   const bool consideredBlank = currentDeviceDictionary()->consideredBlank.value_or(false);

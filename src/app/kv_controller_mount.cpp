@@ -10,6 +10,7 @@
 
 #include "app/kv_controller.h"
 #include "app/volume_users.h"
+#include "burn/volume_identifier.h"
 #include "media/quellbrook.h"
 #include "overlayfs/burn_fs_delegate.h"
 #include "platform/foundation/bundle.h"
@@ -238,7 +239,9 @@ void KVController::concludeUnmount() {
     return;
   }
   volumeClosedToErase_.clear();
-  window_.setBurnConfirmationDiskTitle(currentDeviceDictionary()->description.volumename);
+  // The folder of the visible volume may have a longer name than a disc.
+  window_.setBurnConfirmationDiskTitle(
+      volumeIdentifierOf(currentDeviceDictionary()->description.volumename));
   isBurnInQuestion_ = true;
   window_.beginBurnConfirmationSheet();
 }
@@ -264,7 +267,11 @@ void KVController::respondToUnexpectedMediaEject() {
   if (fileSystem && fileSystem->unmount() != UnmountResult::Started) fileSystem->unmountLazily();
   if (fileSystem) fileSystem->waitUntilUnmounted(-1);
   releaseOverlay();
-  performOnMainThread([this] { cleanupWithoutBurn(); });
+  window_.discHasGone();
+  // A burn that was confirmed a moment ago has begun by then, and ends by itself.
+  performOnMainThread([this] {
+    if (!burnInProgress_) cleanupWithoutBurn();
+  });
 }
 
 void KVController::discSizeDidChange() {

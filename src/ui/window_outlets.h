@@ -106,6 +106,9 @@ class WindowOutlets {
   /// A burn is over. Where it failed, an alert has been begun that tells why.
   virtual void burnDidEnd(BurnEnd end) = 0;
 
+  /// The disc that was open has left the drive; what was changed on its volume is lost.
+  virtual void discHasGone() {}
+
   /// The system beep: an action has been refused.
   virtual void beep() = 0;
   /// Shows the item in the desktop's file manager, with `root` as the top of what it shows.

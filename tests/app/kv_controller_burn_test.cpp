@@ -226,6 +226,27 @@ TEST_F(KVControllerBurn, ADiscThatHasGoneIsNotBurned) {
   EXPECT_FALSE(controller_.burnInProgress());
 }
 
+TEST_F(KVControllerBurn, ABurnIsNotBegunTwice) {
+  controller_.setBurnInProgress(true);
+  newCalls();
+  controller_.burn();
+  EXPECT_THAT(newCalls(), ElementsAre("beep"));
+  controller_.setBurnInProgress(false);
+}
+
+// The disc was confirmed to be burned a moment before the scan found it gone.
+TEST_F(KVControllerBurn, ABurnThatHasBegunIsNotCleanedUpBehindItsBack) {
+  controller_.setMediaIsMounted(true);
+  device_.present = false;
+  controller_.performScanForMedia();
+  EXPECT_TRUE(window_.has("disc has gone"));
+  controller_.setBurnInProgress(true);
+  turn();
+  EXPECT_EQ(controller_.currentDevice(), &device_);
+  EXPECT_TRUE(fs::exists(overlay_));
+  controller_.setBurnInProgress(false);
+}
+
 TEST_F(KVControllerBurn, AppleDoubleFilesAreRemovedWhereTheUserWantsThatAndOnlyThose) {
   UserDefaults::standard().setBool(true, "noappledoublefiles");
   write(overlay_ + "/._top");

@@ -62,6 +62,7 @@ class RecordingOutlets : public WindowlessOutlets {
   }
   DREraseProgressPanel& eraseProgressPanel() override { return erasePanel_; }
   void burnDidEnd(BurnEnd end) override { burnEnds.push_back(end); }
+  void discHasGone() override { note("disc has gone"); }
   void beep() override { note("beep"); }
   void selectFile(const std::string& path, const std::string& root) override {
     note(format("select %@ below %@", path, root));

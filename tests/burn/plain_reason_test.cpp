@@ -136,6 +136,11 @@ TEST_F(PlainReason, AFullFolderForTemporaryFiles) {
   EXPECT_THAT(plainReason(mkisofs({"-o", "/dev/full"}), overlay()), HasSubstr("temporary files"));
 }
 
+TEST_F(PlainReason, ASessionThatTheRecorderFindsTooLong) {
+  EXPECT_THAT(plainReason("The session needs 39063 blocks, but only 300 are free on the disc.", ""),
+              HasSubstr("not enough room"));
+}
+
 TEST_F(PlainReason, WhatGrowisofsSaid) {
   for (const char* name : {"dvd+rw-does-not-fit", "dvd-r-does-not-fit", "dvd-rw-does-not-fit"}) {
     EXPECT_THAT(plainReason(recorded(name), ""), HasSubstr("not enough room")) << name;
@@ -143,6 +148,8 @@ TEST_F(PlainReason, WhatGrowisofsSaid) {
   EXPECT_THAT(plainReason(recorded("file-of-4-gib"), ""), HasSubstr("4 GB"));
   EXPECT_THAT(plainReason(recorded("name-in-no-encoding"), ""), HasSubstr("UTF-8"));
   EXPECT_THAT(plainReason(recorded("names-equal-in-joliet"), ""), HasSubstr("103"));
+  EXPECT_THAT(plainReason(recorded("session-past-4-gb"), ""), HasSubstr("beyond 4 GB"));
+  EXPECT_THAT(plainReason(":-( FORMAT allocaion length isn't sane\n", ""), HasSubstr("formatted"));
   for (const char* name : {"dvd+rw-append", "dvd-r-append", "dvd-rw-append"}) {
     EXPECT_EQ(plainReason(recorded(name), ""), "") << name;
   }

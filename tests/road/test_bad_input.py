@@ -92,18 +92,43 @@ class BadInput(RoadTest):
         before = sha256_of(os.path.join(disc, "sectors"))
         outcome = self.batch(disc, "sh", "-c", "head -c 80000000 /dev/urandom > big", status=4)
         self.assertEqual(outcome["state"], "burn-failed")
+        self.assertIn("not enough room on the disc", outcome["error"])
         self.assertEqual(sha256_of(os.path.join(disc, "sectors")), before)
         self.assertEqual(len(self.sessions(disc)), 1)
 
-    def test_names_that_cannot_be_put_on_the_disc_are_named(self):
+    def check_refused_by_the_image_builder(self, edit, *reasons):
         disc = self.make_sample()
-        outcome = self.batch(disc, "sh", "-c", r"""touch "$(printf 'bad\377name')" """, status=4)
-        self.assertIn("ncorrectly encoded string", outcome["error"])
+        outcome = self.batch(disc, "sh", "-c", edit, status=4)
+        self.assertEqual(outcome["state"], "burn-failed")
+        for reason in reasons:
+            self.assertIn(reason, outcome["error"])
         self.assertEqual(len(self.sessions(disc)), 1)
         # The image of a failed imaging stays for whoever wants to see it.
         for name in os.listdir(os.path.join(self.prefix, "tmp")):
             self.assertTrue(name.endswith(".iso"), name)
             os.remove(os.path.join(self.prefix, "tmp", name))
+
+    def test_a_name_that_is_no_text_is_named(self):
+        self.check_refused_by_the_image_builder(r"""touch "$(printf 'bad\377name')" """,
+                                                "is not written in UTF-8", "ncorrectly encoded string")
+
+    def test_names_that_are_too_much_alike_are_named(self):
+        name = "n" * 103
+        self.check_refused_by_the_image_builder(f"touch {name}1 {name}2", f"“{name}1”", f"“{name}2”", "103")
+
+    def test_a_file_of_4_gib_is_named(self):
+        # Truncating costs the volume nothing, so the size can be had without the room.
+        self.check_refused_by_the_image_builder("truncate -s 4294967296 huge.bin", "“huge.bin” has 4 GB")
+
+    def test_a_volume_name_longer_than_a_disc_can_have_is_cut(self):
+        name = "N" * 32
+        taken = os.path.join(self.prefix, "Volumes", name)
+        os.mkdir(taken)  # So the visible volume gets a number, and two bytes too many.
+        disc = self.make_disc(source=os.path.dirname(__file__), label=name)
+        shown, outcome = self.edit(disc, "echo x > new")
+        self.assertEqual(outcome["state"], "burned")
+        self.assert_last_session_equals(disc, shown)
+        os.rmdir(taken)
 
     def test_a_folder_of_volumes_that_cannot_be_used(self):
         disc = self.make_sample()

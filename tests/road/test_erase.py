@@ -257,7 +257,9 @@ class EraseAsks(EraseTest):
                 self.assertTrue(character, shown)
                 shown += character
             self.assertEqual(len(self.sessions(disc)), 1, "erased before the answer")
-            if isinstance(answer, signal.Signals):
+            if callable(answer):
+                answer()
+            elif isinstance(answer, signal.Signals):
                 process.send_signal(answer)
             else:
                 os.write(master, answer)
@@ -293,6 +295,11 @@ class EraseAsks(EraseTest):
 
     def test_a_signal_leaves_the_disc_alone(self):
         self.check_declined(signal.SIGINT, 128 + signal.SIGINT)
+
+    def test_a_disc_that_is_taken_out_during_the_question_ends_it(self):
+        disc = self.make_sample()
+        shown = self.answer(disc, lambda: self.kelvanedisc("eject", disc), NOT_ERASABLE)
+        self.assertIn("There is no disc", shown)
 
 
 class EraseInUse(EraseTest):

@@ -86,6 +86,35 @@ class Signals(RoadTest):
         self.assertEqual(process.returncode, 0, errors)
         self.assertEqual(json.loads(output)["state"], "burned")
 
+    def test_a_disc_that_disappears_while_the_command_runs_is_no_success(self):
+        process = self.start_batch(self.disc, "sh", "-c", "echo x > new; echo written >&2; exec sleep 1000")
+        line = ""
+        while "written" not in line:
+            line = process.stderr.readline()
+            self.assertTrue(line, "ended without writing")
+        self.kelvanedisc("eject", "--force", self.disc)
+        output, errors = process.communicate(timeout=120)
+        self.assertEqual(process.returncode, 4, errors)
+        outcome = json.loads(output)
+        self.assertEqual(outcome["state"], "disc-gone")
+        self.assertIn("The changes are lost", outcome["error"])
+        self.assertEqual(len(self.sessions(self.disc)), 1)
+
+    def test_a_disc_that_disappears_while_its_volume_is_waited_for_is_no_success(self):
+        left = os.path.join(self.folder, "left.pid")
+        process = self.start_batch(self.disc, "sh", "-c",
+                                   f'echo x > new; sleep 1000 <&- >&- 2>&- & echo $! > "{left}"')
+        line = ""
+        while "Waiting for the volume" not in line:
+            line = process.stderr.readline()
+            self.assertTrue(line, "ended without waiting")
+        self.kelvanedisc("eject", "--force", self.disc)
+        output, errors = process.communicate(timeout=120)
+        with open(left, encoding="utf-8") as file:
+            os.kill(int(file.read()), signal.SIGKILL)
+        self.assertEqual(process.returncode, 4, errors)
+        self.assertEqual(json.loads(output)["state"], "disc-gone")
+
     def test_during_a_burn_a_signal_waits_for_its_end(self):
         process = self.start_batch(self.disc, "sh", "-c", "head -c 60000000 /dev/urandom > big")
         line = ""

@@ -15,7 +15,6 @@ class DRDevice;
 class RecorderRun;
 
 inline constexpr char DRBurnCompletionActionMount[] = "DRBurnCompletionActionMount";
-inline constexpr char DRBurnCompletionActionEject[] = "DRBurnCompletionActionEject";
 
 /// What is asked of a burn.
 struct DRBurnProperties {

@@ -39,7 +39,7 @@ void DRErase::start() {
     return report(failedStatus(problem));
   }
   run_ = std::move(run);
-  DRNotificationCenter::currentRunLoopCenter().post(DRDeviceStatusChangedNotification, device_);
+  announceDevice();
   DREraseStatus preparing;
   preparing.DRStatusStateKey = DRStatusStatePreparing;
   preparing.DRStatusPercentCompleteKey = 0.0;
@@ -57,12 +57,18 @@ std::string DRErase::whyItCannotStart() const {
 void DRErase::letGoOfDevice() {
   device_->endRecording();
   device_->releaseExclusiveAccess();
+  announceDevice();
+}
+
+void DRErase::announceDevice() const {
   DRNotificationCenter::currentRunLoopCenter().post(DRDeviceStatusChangedNotification, device_);
 }
 
 void DRErase::report(DREraseStatus status) {
   status_ = std::move(status);
   if (run_ && isFinal(status_)) letGoOfDevice();
+  // Volumes may have been taken away for an erase that does not begin.
+  if (!run_ && isFinal(status_)) announceDevice();
   DRNotificationCenter::currentRunLoopCenter().post(DREraseStatusChangedNotification, this,
                                                     status_);
 }

@@ -44,6 +44,7 @@ class DRErase {
   bool isRunning() const { return run_ && !isFinal(status_); }
   std::string whyItCannotStart() const;
   void letGoOfDevice();
+  void announceDevice() const;
   void report(DREraseStatus status);
 
   DRDevice* device_;

@@ -71,7 +71,8 @@ DriveWatcher::Observation DriveWatcher::observe(const DRDevice& device) {
   observation.busy = device.mediaIsBusy();
   if (const Drive* drive = device.drive()) {
     observation.trayOpenings = drive->trayOpenings();
-    if (observation.valid) observation.media = drive->mediaState();
+    // Whoever writes to the disc is not to be disturbed by questions.
+    if (observation.valid && !observation.busy) observation.media = drive->mediaState();
   }
   return observation;
 }
