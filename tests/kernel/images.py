@@ -70,10 +70,15 @@ def unpack(package, target):
     """Downloads a package and unpacks it below `target`."""
     with tempfile.TemporaryDirectory() as folder:
         os.chmod(folder, 0o755)
+        download = ["apt-get", "-q", "-o", "APT::Sandbox::User=root", "-o", "Acquire::http::Timeout=20",
+                    "-o", "Acquire::Retries=1", "download", package]
         try:
-            output_of("apt-get", "-q", "-o", "APT::Sandbox::User=root", "download", package, cwd=folder)
-        except NotToBeHad as problem:
-            raise NotToBeHad(f"{package} cannot be downloaded ({problem})") from None
+            output_of(*download, cwd=folder)
+        except NotToBeHad:
+            # The lists may name a version that has been superseded. Only root may have them made anew.
+            if os.geteuid() == 0:
+                output_of("apt-get", "-q", "update")
+            output_of(*download, cwd=folder)
         output_of("dpkg-deb", "-x", os.path.join(folder, os.listdir(folder)[0]), target)
 
 

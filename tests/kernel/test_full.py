@@ -148,15 +148,15 @@ show after
         self.guest(self.plugged("cd-r") + self.BY_DESKTOP + """
 pull() {
   eventually "the volume is changed" test -e /tmp/shown/new.txt
-  unplug
-  touch /tmp/pulled
+  kill "$BURNER"
 }
 pull &
-""" + self.EDIT.format(who="as_user", command="until [ -e /tmp/pulled ]; do sleep 0.1; done") + """
-echo $status > /share/status
-eventually "the volumes are gone" eval '! grep -q kelvane /proc/self/mounts'
+""" + self.EDIT.format(who="as_user", command="sleep 1000") + """
+eventually "the drive is gone" test ! -e "$DRIVE"
+equal "the exit status" 4 $status
+eventually "the volumes are gone" eval '! grep -Eq "kelvane|tarnwick" /proc/self/mounts'
 """)
-        self.assertNotEqual(self.outcome()["state"], "burned")
+        self.assertEqual(self.outcome()["state"], "disc-gone")
 
     def test_a_drive_pulled_out_while_it_burns_ends_the_run_with_a_failed_burn(self):
         self.guest(self.plugged("cd-r", "on write 5: gone\n") + self.BY_DESKTOP
