@@ -105,7 +105,6 @@ QLayout* ConfirmationSheet::makeButtons() {
   burnButton_ = makeButton("burnConfirmButton", "BurnConfirmationBurn", this);
   burnButton_->setDefault(true);
   discardButton_ = makeButton("burnCancelButton", "BurnConfirmationDiscard", this);
-  discardButton_->setAutoDefault(false);
   connect(burnButton_, &RoomyButton::clicked, this, [this] {
     if (confirmed_) confirmed_();
   });

@@ -64,6 +64,13 @@ TEST_F(ConfirmationSheet, DiscardButtonCancelsAndTheSheetIsGone) {
   EXPECT_EQ(sheet(), nullptr);
 }
 
+TEST_F(ConfirmationSheet, ReturnPressesTheButtonThatHasTheFocus) {
+  auto* discard = child<QPushButton>("burnCancelButton");
+  discard->setFocus();
+  QTest::keyClick(discard, Qt::Key_Return);
+  EXPECT_THAT(actions_.calls, ElementsAre("burnConfirmationDidCancel"));
+}
+
 TEST_F(ConfirmationSheet, StaysUntilItIsTakenAway) {
   actions_.endsSheetOf = nullptr;
   click(child<QPushButton>("burnConfirmButton"));
