@@ -28,13 +28,15 @@ struct EraseOptions {
 void declareOptions(CLI::App& app, EraseOptions& options) {
   app.description(
       "Erases a rewritable disc, so that it can be written from its beginning again.\n\n"
-      "  kelvanefs erase --drive DISC.kvdisc [--yes] [--json]");
+      "  kelvanefs erase --drive DRIVE [--yes] [--json]");
   app.footer(
       "Says what is on the disc and asks before it is erased.\n"
       "Exit status: 0 erased; 1 the answer was not yes; 2 wrong usage, or nobody to ask; 3 there "
       "is no disc that can be erased, or it is in use;\n"
       "4 erasing failed; 128 plus the signal's number if interrupted before.");
-  app.add_option("--drive", options.drive, "The disc for an emulated drive")->required();
+  app.add_option("--drive", options.drive,
+                 "The drive, such as /dev/sr0, or DISC.kvdisc, the disc for an emulated one")
+      ->required();
   app.add_flag("--yes", options.yes, "Erase without asking");
   app.add_flag("--json", options.json, "Write one JSON object on standard output at the end");
 }
