@@ -25,28 +25,37 @@ class Doors(RoadTest):
             file.write("precious")
         self.temporary = os.path.join(self.prefix, "tmp")
 
-    def check_refusal(self, planted):
-        """Plants a link while the disc is open, at a name formed from $n, the overlay directory's."""
+    def check_refusal(self, planted, names):
+        """Plants a link while the disc is open, at a name formed from $n, the overlay directory's. `names` are then to be
+        found in the folder of what is kept. Gives what the list beside it says was deleted, empty where there is none."""
         outcome = self.batch(self.disc, "sh", "-ec",
                              f'echo new > new.txt; rm a.txt; cd "{self.temporary}"; n=$(ls | grep "^[0-9]*$"); '
                              f'ln -s "{self.victim}" "{planted}"', status=BURN_FAILED)
         self.assertEqual(outcome["state"], "burn-failed")
         self.assertIn("is somebody else's", outcome["error"])
         kept = outcome["error"].rsplit("kept in ", 1)[1].rstrip(".")
-        self.assertEqual(sorted(os.listdir(kept)), ["a.txt", "new.txt"])
+        self.assertEqual(sorted(os.listdir(kept)), names)
         with open(self.victim, encoding="utf-8") as file:
             self.assertEqual(file.read(), "precious")
         self.assertEqual(sha256_of(os.path.join(self.disc, "sectors")), self.before)
         shutil.rmtree(kept)
+        deleted = ""
+        if os.path.exists(kept + ".hide"):
+            with open(kept + ".hide", encoding="utf-8") as file:
+                deleted = file.read()
+            os.remove(kept + ".hide")
         for name in os.listdir(self.temporary):
             self.assertTrue(os.path.islink(os.path.join(self.temporary, name)), name)
             os.remove(os.path.join(self.temporary, name))
+        return deleted
 
     def test_a_link_at_the_images_name_stops_the_burn_and_the_changes_are_kept(self):
-        self.check_refusal("$n.iso")
+        deleted = self.check_refusal("$n.iso", ["new.txt"])
+        self.assertTrue(deleted.endswith("/a.txt"), deleted)
 
     def test_a_link_at_the_hide_lists_name_stops_the_burn_and_the_changes_are_kept(self):
-        self.check_refusal(".$n.hide")
+        # The list could not be written; the deleted item's empty stand-in is all that tells of it.
+        self.assertEqual(self.check_refusal(".$n.hide", ["a.txt", "new.txt"]), "")
 
     def test_what_is_new_can_be_read_by_its_owner_alone(self):
         outcome = self.batch(self.disc, "sh", "-ec",
