@@ -9,6 +9,7 @@ import signal
 import unittest
 from xml.etree import ElementTree
 
+from growisofs_run import run_growisofs
 from road import BIN, LIBEXEC, RoadTest, run, sha256_of_sectors
 
 STRINGS = os.path.join(os.path.dirname(__file__), "..", "..", "resources", "strings", "kelvanefs_en.ts")
@@ -118,6 +119,28 @@ class Faults(RoadTest):
         self.assert_last_session_equals(disc, shown)
 
 
+    def check_slow_loading(self, media):
+        disc = self.disc_with_session(media)
+        self.kelvanedisc("eject", disc)
+        self.put_script(disc, "load: not ready 2500 ms")
+        shown, _ = self.edit(disc, "echo new > new.txt")
+        self.assert_last_session_equals(disc, shown)
+
+    def check_endless_loading(self, media):
+        disc = self.disc_with_session(media)
+        self.kelvanedisc("eject", disc)
+        self.put_script(disc, "load: never ready")
+        process = self.start_batch(disc, "false")
+        line = ""
+        while "Waiting for the drive to find out what disc is in it." not in line:
+            line = process.stderr.readline()
+            self.assertTrue(line, "ended without waiting")
+        process.send_signal(signal.SIGTERM)
+        output, errors = process.communicate(timeout=120)
+        self.assertEqual(process.returncode, 128 + signal.SIGTERM, errors)
+        self.assertIn('"interrupted"', output)
+
+
 class FaultsOfCds(Faults):
     def check_all(self, fault):
         for media in ("cd-r", "cd-rw"):
@@ -145,8 +168,8 @@ class FaultsOfCds(Faults):
         self.check_all(Fault("on close and later: sense 3/0C/00", log=FAILED, disc="read"))
 
     def test_the_medium_may_have_changed(self):
-        for number in (1, 5, 20, 40):
-            self.check("cd-rw", Fault(f"on command {number}: attention", state="burned", log=BURNED, disc="new"))
+        for media, number in (("cd-rw", 1), ("cd-rw", 5), ("cd-rw", 20), ("cd-rw", 40), ("cd-r", 1), ("cd-r", 20)):
+            self.check(media, Fault(f"on command {number}: attention", state="burned", log=BURNED, disc="new"))
 
     def test_the_new_session_is_seen_after_loading_only(self):
         self.check_all(Fault("after close: stale", state="burned", log=BURNED, disc="new"))
@@ -155,25 +178,24 @@ class FaultsOfCds(Faults):
         self.check_all(Fault("after close: attention", state="burned", log=BURNED, disc="new"))
 
     def test_the_drive_takes_its_time_with_the_disc(self):
-        disc = self.disc_with_session("cd-r")
-        self.kelvanedisc("eject", disc)
-        self.put_script(disc, "load: not ready 2500 ms")
-        shown, _ = self.edit(disc, "echo new > new.txt")
-        self.assert_last_session_equals(disc, shown)
+        for media in ("cd-r", "cd-rw"):
+            with self.subTest(media=media):
+                self.check_slow_loading(media)
 
     def test_the_drive_never_knows_the_disc(self):
-        disc = self.disc_with_session("cd-r")
-        self.kelvanedisc("eject", disc)
-        self.put_script(disc, "load: never ready")
-        process = self.start_batch(disc, "false")
-        line = ""
-        while "Waiting for the drive to find out what disc is in it." not in line:
-            line = process.stderr.readline()
-            self.assertTrue(line, "ended without waiting")
-        process.send_signal(signal.SIGTERM)
-        output, errors = process.communicate(timeout=120)
-        self.assertEqual(process.returncode, 128 + signal.SIGTERM, errors)
-        self.assertIn('"interrupted"', output)
+        for media in ("cd-r", "cd-rw"):
+            with self.subTest(media=media):
+                self.check_endless_loading(media)
+
+    def test_the_first_session_of_a_blank_disc_breaks_off(self):
+        # Nothing that can be read has been written, and the disc has been begun: it can be erased, a CD-R cannot.
+        for media in ("cd-r", "cd-rw"):
+            disc = self.make_disc(media=media, name=f"blank-{media}")
+            self.put_script(disc, "on write 20: sense 3/0C/00")
+            outcome = self.batch(disc, "sh", "-c", "head -c 3000000 /dev/urandom > new.bin", status=4)
+            with self.subTest(media=media):
+                self.assertEqual(outcome["state"], "burn-failed")
+                self.assertIn(self.texts["CDBurnError"], outcome["error"])
 
 
 class FaultsOfDvds(Faults):
@@ -241,11 +263,12 @@ class FaultsOfDvds(Faults):
     def test_the_drive_takes_its_time_with_the_disc(self):
         for media in ("dvd-rw", "dvd+rw"):
             with self.subTest(media=media):
-                disc = self.disc_with_session(media)
-                self.kelvanedisc("eject", disc)
-                self.put_script(disc, "load: not ready 2500 ms")
-                shown, _ = self.edit(disc, "echo new > new.txt")
-                self.assert_last_session_equals(disc, shown)
+                self.check_slow_loading(media)
+
+    def test_the_drive_never_knows_the_disc(self):
+        for media in ("dvd-rw", "dvd+rw"):
+            with self.subTest(media=media):
+                self.check_endless_loading(media)
 
 
 class FaultsOfPreparation(Faults):
@@ -320,11 +343,7 @@ class FaultsOfSequentialDvds(Faults):
         hide_list = os.path.join(self.folder, "list.hide")
         with open(hide_list, "w", encoding="utf-8"):
             pass
-        environment = dict(self.environment, KELVANEFS_EMULATED_DRIVES=f"kv0={disc}",
-                           MKISOFS=os.path.join(LIBEXEC, "mkisofs"))
-        return run(os.path.join(LIBEXEC, "growisofs"), "-overburn", "-M", "/dev/rkv0", "-hide-list", hide_list,
-                   "-hide-joliet-list", hide_list, "-joliet-long", "-D", "-J", "-r", "-input-charset", "utf-8",
-                   "-use-the-force-luke=tty", "-V", "SAMPLE", tree, check=False, env=environment).stderr.splitlines()
+        return run_growisofs(self.environment, disc, "-M", tree, hide_list)
 
     def tree_with(self, name):
         tree = os.path.join(self.folder, name)
