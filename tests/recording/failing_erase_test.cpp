@@ -5,6 +5,7 @@
 
 #include <fstream>
 
+#include "platform/recording/dr_notification_center.h"
 #include "recording/burner_fixture.h"
 
 namespace kelvane {
@@ -62,8 +63,17 @@ TEST_F(FailingEraseTest, ABeginningThatIsOverwrittenOnlyInPartIsReported) {
 TEST_F(FailingEraseTest, ADriveThatIsRefusedIsNamed) {
   DRDevice* device = addPreparedDrive("cd-rw");
   const std::string before = stateOf(device);
+  int told = 0;
+  auto& center = DRNotificationCenter::currentRunLoopCenter();
+  center.addObserver(
+      &told, [&told](const Notification&) { ++told; }, DRDeviceStatusChangedNotification, device);
+  loop.deliverQueued();
+  told = 0;
   EXPECT_FALSE(reasonOf(device, "exclusive: refused").empty());
   EXPECT_EQ(stateOf(device), before);
+  // Volumes were taken away for it, and whoever lists the disc has to look again.
+  EXPECT_TRUE(loop.runUntil([&told] { return told > 0; }));
+  center.removeObserver(&told);
 }
 
 TEST_F(FailingEraseTest, ADriveThatShowsWhatItDidOnlyAfterLoadingAnewIsLoadedAnew) {
