@@ -56,8 +56,16 @@ TEST_F(FailingEraseTest, ABeginningThatCannotBeOverwrittenIsReported) {
 TEST_F(FailingEraseTest, ABeginningThatIsOverwrittenOnlyInPartIsReported) {
   DRDevice* device = addPreparedDrive("dvd+rw");
   EXPECT_THAT(reasonOf(device, "on write 2: sense 3/0C/00"),
-              AllOf(HasSubstr("does not call it blank"), HasSubstr("[3 0C 00]")));
+              AllOf(HasSubstr("cannot be overwritten"), HasSubstr("[3 0C 00]")));
   EXPECT_FALSE(device->mediaIsBlank());
+}
+
+// What was overwritten until then makes the disc blank to everybody; the rest of the volume's
+// description is still there.
+TEST_F(FailingEraseTest, ABeginningOfWhichTheEndIsNotOverwrittenIsReportedToo) {
+  DRDevice* device = addPreparedDrive("dvd+rw", 2000000);
+  EXPECT_THAT(reasonOf(device, "on write 12: sense 3/0C/00"),
+              AllOf(HasSubstr("cannot be overwritten"), HasSubstr("[3 0C 00]")));
 }
 
 TEST_F(FailingEraseTest, ADriveThatIsRefusedIsNamed) {

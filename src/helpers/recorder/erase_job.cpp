@@ -6,6 +6,7 @@
 #include <chrono>
 #include <ctime>
 #include <optional>
+#include <string_view>
 #include <thread>
 #include <utility>
 #include <vector>
@@ -23,6 +24,8 @@ namespace {
 
 constexpr int kBlockBytes = 2048;
 constexpr int kBlocksAtOnce = 16;
+// LOGICAL BLOCK ADDRESS OUT OF RANGE, as libburn words a sense code.
+constexpr std::string_view kBeyondTheEnd = "[5 21 00]";
 constexpr std::chrono::milliseconds kLookInterval{50};
 
 // A drive that has just erased its disc looks at it anew, and is not ready meanwhile.
@@ -70,8 +73,12 @@ std::string EraseJob::erase() {
   const EraseMethod method = eraseMethodFor(transport, problem);
   if (!problem.empty() || method == EraseMethod::None) return problem;
   problem = eraseBy(method);
-  // What libburn takes for a failure may be a drive that tells of its changed medium.
-  if (!problem.empty()) return settledState(transport).blank ? std::string() : problem;
+  if (!problem.empty()) {
+    // What libburn takes for a failed blanking may be a drive that tells of its changed medium. A
+    // disc that was overwritten in part looks blank too early for that.
+    const bool isBlanked = method == EraseMethod::Blank && settledState(transport).blank;
+    return isBlanked ? std::string() : problem;
+  }
   reporter_.finishing();
   if (discIsBlank(transport)) return {};
   return withKnownWords("The drive has erased the disc, but does not call it blank.");
@@ -112,7 +119,7 @@ void EraseJob::followBlanking(burn::burn_drive* drive) {
 }
 
 // A disc with little on it may be formatted no further than that. Where it ends there is nothing to
-// be overwritten; that enough was is looked at in the end.
+// be overwritten; every other refusal leaves something behind.
 std::string EraseJob::overwriteBeginning(burn::burn_drive* drive) {
   enum { kLeaveInBuffer = 0, kFlushBuffer = 1 };
   std::vector<char> zeros(size_t{kBlocksAtOnce} * kBlockBytes);
@@ -126,8 +133,11 @@ std::string EraseJob::overwriteBeginning(burn::burn_drive* drive) {
     reporter_.erasing(block + kBlocksAtOnce, kVolumeDescriptionBlocks);
   }
   messages_.collect();
+  const bool isOverwritten =
+      block >= kVolumeDescriptionBlocks ||
+      (block > 0 && messages_.worst().find(kBeyondTheEnd) != std::string::npos);
   const int flushed = burn::burn_random_access_write(drive, 0, zeros.data(), 0, kFlushBuffer);
-  if (block == 0 || flushed <= 0) {
+  if (!isOverwritten || flushed <= 0) {
     return withDriveWords("The beginning of the disc cannot be overwritten.");
   }
   return {};
