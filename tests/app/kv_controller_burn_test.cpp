@@ -156,32 +156,38 @@ class DerivedDevice : public DRDevice {
   using DRDevice::DRDevice;
 };
 
-TEST_F(KVControllerBurn, TheCleanUpWithoutBurnDropsTheAccessToADriveOfThatClassAlone) {
-  const std::string lock = prefix_.path() + "/lock";
-  write(lock);
-  const auto other = lockedBy<DRDevice>(lock);
-  const auto exact = lockedBy<DRDevice>(lock);
-  ASSERT_TRUE(exact->acquireExclusiveAccess());
-  controller_.setCurrentDevice(exact.get());
-  controller_.cleanupWithoutBurn();
-  EXPECT_TRUE(other->acquireExclusiveAccess());
-  other->releaseExclusiveAccess();
-  const auto derived = lockedBy<DerivedDevice>(lock);
-  ASSERT_TRUE(derived->acquireExclusiveAccess());
-  controller_.setCurrentDevice(derived.get());
-  controller_.cleanupWithoutBurn();
-  EXPECT_FALSE(other->acquireExclusiveAccess());
+class KVControllerAccess : public KVControllerBurn {
+ protected:
+  void SetUp() override {
+    KVControllerBurn::SetUp();
+    write(lock_);
+    other_ = lockedBy<DRDevice>(lock_);
+  }
+
+  /// Has the access to a drive of this class, and cleans up. Whether somebody else can have it
+  /// then.
+  template <typename Device>
+  bool isDroppedBy(void (KVController::*cleanUp)()) {
+    const auto device = lockedBy<Device>(lock_);
+    EXPECT_TRUE(device->acquireExclusiveAccess());
+    controller_.setCurrentDevice(device.get());
+    (controller_.*cleanUp)();
+    const bool dropped = other_->acquireExclusiveAccess();
+    other_->releaseExclusiveAccess();
+    return dropped;
+  }
+
+  const std::string lock_ = prefix_.path() + "/lock";
+  std::unique_ptr<DRDevice> other_;
+};
+
+TEST_F(KVControllerAccess, ToADriveOfThatClassAloneIsDroppedByTheCleanUpWithoutBurn) {
+  EXPECT_TRUE(isDroppedBy<DRDevice>(&KVController::cleanupWithoutBurn));
+  EXPECT_FALSE(isDroppedBy<DerivedDevice>(&KVController::cleanupWithoutBurn));
 }
 
-TEST_F(KVControllerBurn, TheCleanUpAfterABurnLeavesTheAccessAlone) {
-  const std::string lock = prefix_.path() + "/lock";
-  write(lock);
-  const auto other = lockedBy<DRDevice>(lock);
-  const auto exact = lockedBy<DRDevice>(lock);
-  ASSERT_TRUE(exact->acquireExclusiveAccess());
-  controller_.setCurrentDevice(exact.get());
-  controller_.commonBurnCleanup();
-  EXPECT_FALSE(other->acquireExclusiveAccess());
+TEST_F(KVControllerAccess, IsNotDroppedByTheCleanUpAfterABurn) {
+  EXPECT_FALSE(isDroppedBy<DRDevice>(&KVController::commonBurnCleanup));
 }
 
 TEST_F(KVControllerBurn, NeitherCleanUpDeletesTheImage) {

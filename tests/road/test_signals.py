@@ -71,27 +71,35 @@ class Signals(RoadTest):
             self.assertTrue(name.endswith(".iso"), name)
             os.remove(os.path.join(self.prefix, "tmp", name))
 
-    def test_a_volume_in_use_is_waited_for_and_the_user_is_told_by_whom(self):
+    def line_with(self, process, words):
+        """Reads on until the run has said these words."""
+        line = ""
+        while words not in line:
+            line = process.stderr.readline()
+            self.assertTrue(line, f"ended without '{words}'")
+        return line
+
+    def leave_the_volume_in_use(self):
+        """A run whose command has ended, with a change made, and has left a program on the volume. Gives the run, once it
+        waits for that, what it says of it, and the program's process."""
         left = os.path.join(self.folder, "left.pid")
         process = self.start_batch(self.disc, "sh", "-c",
                                    f'echo x > new; sleep 1000 <&- >&- 2>&- & echo $! > "{left}"')
-        line = ""
-        while "Waiting for the volume" not in line:
-            line = process.stderr.readline()
-            self.assertTrue(line, "ended without waiting")
-        self.assertIn("sleep", line)
+        line = self.line_with(process, "Waiting for the volume")
         with open(left, encoding="utf-8") as file:
-            os.kill(int(file.read()), signal.SIGKILL)
+            return process, line, int(file.read())
+
+    def test_a_volume_in_use_is_waited_for_and_the_user_is_told_by_whom(self):
+        process, line, user = self.leave_the_volume_in_use()
+        self.assertIn("sleep", line)
+        os.kill(user, signal.SIGKILL)
         output, errors = process.communicate(timeout=120)
         self.assertEqual(process.returncode, 0, errors)
         self.assertEqual(json.loads(output)["state"], "burned")
 
     def test_a_disc_that_disappears_while_the_command_runs_is_no_success(self):
         process = self.start_batch(self.disc, "sh", "-c", "echo x > new; echo written >&2; exec sleep 1000")
-        line = ""
-        while "written" not in line:
-            line = process.stderr.readline()
-            self.assertTrue(line, "ended without writing")
+        self.line_with(process, "written")
         self.kelvanedisc("eject", "--force", self.disc)
         output, errors = process.communicate(timeout=120)
         self.assertEqual(process.returncode, 4, errors)
@@ -101,17 +109,10 @@ class Signals(RoadTest):
         self.assertEqual(len(self.sessions(self.disc)), 1)
 
     def test_a_disc_that_disappears_while_its_volume_is_waited_for_is_no_success(self):
-        left = os.path.join(self.folder, "left.pid")
-        process = self.start_batch(self.disc, "sh", "-c",
-                                   f'echo x > new; sleep 1000 <&- >&- 2>&- & echo $! > "{left}"')
-        line = ""
-        while "Waiting for the volume" not in line:
-            line = process.stderr.readline()
-            self.assertTrue(line, "ended without waiting")
+        process, _, user = self.leave_the_volume_in_use()
         self.kelvanedisc("eject", "--force", self.disc)
         output, errors = process.communicate(timeout=120)
-        with open(left, encoding="utf-8") as file:
-            os.kill(int(file.read()), signal.SIGKILL)
+        os.kill(user, signal.SIGKILL)
         self.assertEqual(process.returncode, 4, errors)
         self.assertEqual(json.loads(output)["state"], "disc-gone")
 
