@@ -29,7 +29,15 @@ namespace fs = std::filesystem;
 class ErasingWindow : public WindowlessOutlets {
  public:
   DREraseProgressPanel& eraseProgressPanel() override { return panel_; }
-  void beginBurnConfirmationSheet() override { asksToBurn = true; }
+  void beginBurnConfirmationSheet() override { asksToBurn = hasAsked = true; }
+  void setHidden(HideableView view, bool isHidden) override {
+    if (!isHidden) shown.push_back(view);
+  }
+  void setSizeInformationField(const std::string& text) override { sizes.push_back(text); }
+  void selectFile(const std::string& path, const std::string& root) override {
+    revealed.push_back(path + " below " + root);
+  }
+  void hideApplication() override { ++hidden; }
   void beginAlertSheet(const Alert& alert, std::function<void(int)>) override {
     alerts.push_back(alert.messageKey);
   }
@@ -41,6 +49,11 @@ class ErasingWindow : public WindowlessOutlets {
   void endBurnConfirmationSheet() override { asksToBurn = false; }
 
   bool asksToBurn = false;
+  bool hasAsked = false;
+  std::vector<HideableView> shown;
+  std::vector<std::string> sizes;
+  std::vector<std::string> revealed;
+  int hidden = 0;
   std::vector<bool> replies;
   bool isErasing() const { return panel_.isErasing(); }
   std::vector<std::string> alerts;
@@ -66,14 +79,8 @@ class ErasingWindow : public WindowlessOutlets {
 class OpenDiscTest : public ApplicationFixture {
  protected:
   void SetUp() override {
-    const std::string source = prefix_.path() + "/source";
-    fs::create_directory(source);
-    std::ofstream(source + "/a.txt") << "content";
     disc_ = prefix_.path() + "/disc.kvdisc";
-    ASSERT_EQ(QProcess::execute(QStringLiteral(KELVANE_BIN_DIR "/kelvanedisc"),
-                                {"create", QString::fromStdString(disc_), "--media", "cd-rw",
-                                 "--from", QString::fromStdString(source), "--label", "SAMPLE"}),
-              0);
+    makeDisc();
     std::string error;
     core_ = ApplicationCore::create({disc_}, DriveRegistry::RealDrives::Excluded, &error);
     ASSERT_NE(core_, nullptr) << error;
@@ -82,8 +89,23 @@ class OpenDiscTest : public ApplicationFixture {
     controller_->awakeFromNib();
     controller_->initialiseController();
     ASSERT_TRUE(waitFor([this] { return controller_->mediaIsMounted(); }));
-    ASSERT_TRUE(fs::exists(volume_ + "/a.txt"));
+    for (const std::string& name : contents()) ASSERT_TRUE(fs::exists(volume_ + "/" + name));
     device_ = controller_->currentDevice();
+  }
+
+  /// The names of the disc's files; a disc without any is blank.
+  virtual std::vector<std::string> contents() const { return {"a.txt"}; }
+
+  void makeDisc() {
+    QStringList arguments{"create", QString::fromStdString(disc_), "--media", "cd-rw"};
+    const std::string source = prefix_.path() + "/source";
+    fs::create_directory(source);
+    for (const std::string& name : contents()) std::ofstream(source + "/" + name) << "content";
+    if (!contents().empty()) {
+      arguments << "--from" << QString::fromStdString(source) << "--label"
+                << "SAMPLE";
+    }
+    ASSERT_EQ(QProcess::execute(QStringLiteral(KELVANE_BIN_DIR "/kelvanedisc"), arguments), 0);
   }
 
   void TearDown() override {
