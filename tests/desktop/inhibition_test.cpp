@@ -3,6 +3,7 @@
 #include "platform/desktop/logout_inhibition.h"
 #include "platform/desktop/sleep_inhibition.h"
 #include "platform/desktop/work_inhibition.h"
+#include "platform/foundation/child_task.h"
 
 namespace kelvane::desktop {
 namespace {
@@ -28,6 +29,29 @@ TEST_F(Inhibiting, SleepIsHeldOffAsLongAsTheObjectLives) {
   }
   turnUntil([&manager] { return manager.held() == 0; });
   EXPECT_THAT(log_.lines(), IsEmpty());
+}
+
+TEST_F(Inhibiting, SleepIsHeldOffUntilAProgramHasEndedThatOutlivesUs) {
+  FakeLoginManager manager(bus_.services());
+  ChildTask survivor;
+  ChildTask companion;
+  for (ChildTask* task : {&survivor, &companion}) {
+    task->setLaunchPath("/bin/sleep");
+    task->setArguments({"1000"});
+  }
+  survivor.setSession(ChildTask::Session::OfItsOwn);
+  {
+    const SleepInhibition inhibition("Writing to the disc");
+    turnUntil([&inhibition] { return inhibition.isHeld(); });
+    ASSERT_TRUE(survivor.launch());
+    ASSERT_TRUE(companion.launch());
+  }
+  turn();
+  EXPECT_EQ(manager.held(), 1) << "the machine may sleep while a disc is written";
+  survivor.kill();
+  turnUntil([&manager] { return manager.held() == 0; });
+  EXPECT_TRUE(companion.isRunning());
+  survivor.waitUntilExit();
 }
 
 TEST_F(Inhibiting, SleepThatIsGrantedTooLateIsLetGoAtOnce) {

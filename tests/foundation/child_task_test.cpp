@@ -6,12 +6,15 @@
 #include <unistd.h>
 
 #include <csignal>
+#include <cstdio>
 #include <fstream>
+#include <memory>
 #include <string>
 #include <thread>
 #include <vector>
 
 #include "foundation/application_fixture.h"
+#include "platform/foundation/inherited_descriptor.h"
 
 namespace kelvane {
 namespace {
@@ -153,6 +156,44 @@ TEST_F(ChildTaskTest, AChildInASessionOfItsOwnOutlivesItsTask) {
   EXPECT_EQ(kill(child, 0), 0);
   EXPECT_EQ(getsid(child), child);
   kill(child, SIGKILL);
+}
+
+class ChildThatInherits : public ChildTaskTest {
+ protected:
+  /// What a child with the session says that it has open for this file.
+  std::string linesReadBy(ChildTask::Session session, const InheritedDescriptor* inherited) {
+    const std::vector<int> all = InheritedDescriptor::all();
+    EXPECT_EQ(all.size(), inherited == nullptr ? 0u : 1u);
+    const std::string number = all.empty() ? "3" : std::to_string(all[0]);
+    shell("readlink /proc/self/fd/" + number + " || echo closed");
+    task_.setSession(session);
+    EXPECT_TRUE(task_.launch());
+    task_.waitUntilExit();
+    return task_.readStandardOutputToEnd();
+  }
+
+  const std::unique_ptr<FILE, int (*)(FILE*)> file_{fopen("/dev/zero", "re"), fclose};
+};
+
+TEST_F(ChildThatInherits, HasASessionOfItsOwn) {
+  const InheritedDescriptor inherited(fileno(file_.get()));
+  EXPECT_EQ(linesReadBy(ChildTask::Session::OfItsOwn, &inherited), "/dev/zero\n");
+}
+
+TEST_F(ChildThatInherits, DoesNotShareOurSession) {
+  const InheritedDescriptor inherited(fileno(file_.get()));
+  EXPECT_EQ(linesReadBy(ChildTask::Session::Shared, &inherited), "closed\n");
+}
+
+TEST_F(ChildThatInherits, InheritsNothingThatHasBeenLetGo) {
+  std::make_unique<InheritedDescriptor>(fileno(file_.get())).reset();
+  EXPECT_EQ(linesReadBy(ChildTask::Session::OfItsOwn, nullptr), "closed\n");
+}
+
+TEST_F(ChildThatInherits, InheritsNothingThatCouldNotBeCopied) {
+  constexpr int kNoDescriptor = -1;
+  const InheritedDescriptor inherited(kNoDescriptor);
+  EXPECT_TRUE(InheritedDescriptor::all().empty());
 }
 
 }  // namespace

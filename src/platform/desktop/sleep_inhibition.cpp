@@ -3,7 +3,10 @@
 
 #include <QDBusUnixFileDescriptor>
 
+#include <memory>
+
 #include "platform/desktop/message_bus.h"
+#include "platform/foundation/inherited_descriptor.h"
 #include "platform/foundation/system_log.h"
 
 namespace kelvane::desktop {
@@ -12,6 +15,7 @@ namespace kelvane::desktop {
 /// closed.
 struct SleepInhibition::Right : QObject {
   QDBusUnixFileDescriptor descriptor;
+  std::unique_ptr<InheritedDescriptor> inherited;
 };
 
 SleepInhibition::SleepInhibition(const std::string& why, std::chrono::milliseconds patience)
@@ -26,7 +30,11 @@ SleepInhibition::SleepInhibition(const std::string& why, std::chrono::millisecon
          if (answer.type() == QDBusMessage::ReplyMessage && !answer.arguments().isEmpty()) {
            right->descriptor = answer.arguments().constFirst().value<QDBusUnixFileDescriptor>();
          }
-         if (right->descriptor.isValid()) return;
+         if (right->descriptor.isValid()) {
+           right->inherited =
+               std::make_unique<InheritedDescriptor>(right->descriptor.fileDescriptor());
+           return;
+         }
          systemLog("Sleep and shutdown are not held off: %@", answer.errorMessage().toStdString());
        });
 }

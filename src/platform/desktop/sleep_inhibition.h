@@ -14,7 +14,9 @@ namespace kelvane::desktop {
 /// "sleep:shutdown:idle" and the mode "block").
 ///
 /// The right is a descriptor that the login manager hands out and that is closed with the object;
-/// the kernel closes it if the process dies. Where there is no login manager, or it refuses, the
+/// the kernel closes it if the process dies. Programs that are started meanwhile to outlive this
+/// one hold it, too: a disc that is being written when the application dies is written to its end,
+/// and the machine stays awake for it. Where there is no login manager, or it refuses, the
 /// system log gets one line and nothing else happens. Main thread only; nothing blocks.
 class SleepInhibition {
  public:

@@ -12,6 +12,8 @@
 #include <cstring>
 #include <utility>
 
+#include "platform/foundation/inherited_descriptor.h"
+
 namespace kelvane {
 namespace {
 
@@ -99,9 +101,11 @@ void ChildTask::configureChild() {
   const bool outputToError = streams_ == StandardStreams::OwnOutputToError;
   const int errorEnd = errorPipe_[1];
   if (!ownSession && !outputToError && errorEnd < 0) return;
+  const std::vector<int> inherited = ownSession ? InheritedDescriptor::all() : std::vector<int>();
   // Runs in the child, between fork and exec.
-  process_->setChildProcessModifier([ownSession, outputToError, errorEnd] {
+  process_->setChildProcessModifier([ownSession, outputToError, errorEnd, inherited] {
     if (ownSession) setsid();
+    for (const int descriptor : inherited) fcntl(descriptor, F_SETFD, 0);
     if (errorEnd >= 0) dup2(errorEnd, STDERR_FILENO);
     if (outputToError) dup2(STDERR_FILENO, STDOUT_FILENO);
   });

@@ -20,7 +20,7 @@ namespace kelvane {
 class ChildTask {
  public:
   /// Whether the child shares the fate of our session: a terminal's Ctrl-C, a log-out, the end of
-  /// this process.
+  /// this process. A child with a session of its own takes every `InheritedDescriptor` along.
   enum class Session { Shared, OfItsOwn };
 
   /// What the child has for standard input, output and error: nothing and two pipes, our own three,
