@@ -62,7 +62,10 @@ std::optional<FileSystemAttributes> BurnFSDelegate::attributesOfFileSystemForPat
 
 bool BurnFSDelegate::setAttributes(const AttributeChanges& attributes, const std::string& path,
                                    UserData* /*userData*/, PosixError* /*error*/) {
-  return fm.setAttributes(attributes, overlayPath(path));
+  if (!fm.setAttributes(attributes, overlayPath(path))) return false;
+  // Of the attributes, the size alone is content.
+  if (attributes.NSFileSize) movedItems_.noteChange(path);
+  return true;
 }
 
 std::optional<std::vector<std::string>> BurnFSDelegate::extendedAttributesOfItemAtPath(

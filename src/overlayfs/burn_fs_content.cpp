@@ -48,7 +48,7 @@ void BurnFSDelegate::releaseFileAtPath(const std::string& path,
   if (userData == nullptr) systemLog("Error! Releasefile with nil userdata %@", path);
 }
 
-int32_t BurnFSDelegate::writeFileAtPath(const std::string& /*path*/, UserData* userData,
+int32_t BurnFSDelegate::writeFileAtPath(const std::string& path, UserData* userData,
                                         const char* buffer, size_t size, off_t offset,
                                         PosixError* error) {
   if (!hasSpace()) {
@@ -61,6 +61,7 @@ int32_t BurnFSDelegate::writeFileAtPath(const std::string& /*path*/, UserData* u
     return 0;
   }
   if (!handleOf(*userData).write(buffer, static_cast<uint32_t>(size), offset, error)) return 0;
+  movedItems_.noteChange(path);
   localusedbytes_ += static_cast<int64_t>(size);
   postSizeChanged();
   return static_cast<int32_t>(size);

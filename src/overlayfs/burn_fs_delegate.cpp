@@ -45,6 +45,10 @@ int64_t BurnFSDelegate::localusedbytes() const {
   return localusedbytes_;
 }
 
+OverlayChanges BurnFSDelegate::changes() const {
+  return {{hideArray.paths().begin(), hideArray.paths().end()}, movedItems_};
+}
+
 bool BurnFSDelegate::overlayDirectoryIsOwn() const {
   const auto status = fm.attributesOfItem(tmpDirPath);
   return status.has_value() && S_ISDIR(status->st_mode) && status->st_uid == geteuid() &&

@@ -12,6 +12,7 @@
 
 #include "overlayfs/hide_list.h"
 #include "overlayfs/local_file_manager.h"
+#include "overlayfs/overlay_changes.h"
 #include "platform/userfs/gm_user_file_system_delegate.h"
 
 namespace kelvane {
@@ -50,6 +51,9 @@ class BurnFSDelegate final : public GMUserFileSystemDelegate {
   /// Bytes written through the volume since it was mounted, less those of removed overlay items.
   /// Overwritten bytes count again; it may be negative.
   int64_t localusedbytes() const;
+
+  /// The bytes that were free before anything was written.
+  int64_t spaceAtFirst() const { return totalbytes - usedbytes; }
 
   /// Whether the overlay directory is a directory of this user's own, which nobody else can read. A
   /// mount workflow asks before it mounts: "/tmp" is everybody's.
@@ -118,6 +122,9 @@ class BurnFSDelegate final : public GMUserFileSystemDelegate {
   /// session that is burned now. Read after the unmount.
   bool hideListIsWhole() const { return hideListIsWhole_; }
 
+  /// What was changed beside what the overlay directory shows. Read after the unmount.
+  OverlayChanges changes() const;
+
  private:
   std::string overlayPath(std::string_view volumePath) const;
   std::string discPath(std::string_view volumePath) const;  // Only where mountPath is set.
@@ -142,6 +149,7 @@ class BurnFSDelegate final : public GMUserFileSystemDelegate {
   std::optional<std::string> mountPath;
   LocalFileManager fm;
   HideList hideArray;
+  MovedItems movedItems_;
   // Where a directory of the overlay shadows a link of the disc: what the link leads to is not in
   // it.
   std::unordered_set<std::string> shadowedLinks_;

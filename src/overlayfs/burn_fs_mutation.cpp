@@ -70,6 +70,7 @@ bool BurnFSDelegate::createFileAtPath(const std::string& path, const AttributeCh
   hideArray.remove(path);
   const int descriptor = createOverlayFile(path, attributes);
   if (descriptor < 0) return false;
+  movedItems_.noteChange(path);
   *userData = std::make_unique<LocalFileHandle>(descriptor, LocalFileHandle::Access::ReadWrite);
   return true;
 }
@@ -87,6 +88,7 @@ bool BurnFSDelegate::moveItemAtPath(const std::string& source, const std::string
       setError(error, errno);
       return true;  // With the error set: what calls looks at it.
     }
+    movedItems_.noteRename(source, destination);
     hideArray.remove(destination);
     cutOffDiscLink(destination);
     return true;
@@ -100,6 +102,7 @@ bool BurnFSDelegate::copyUp(const std::string& source, const std::string& destin
   if (!makeOverlayParent(destination)) return false;
   if (!fm.copyItem(discPath(source), copy)) return false;
   removeItemAtPath(source, nullptr);
+  movedItems_.noteCopyUp(source, destination);
   hideArray.remove(destination);
   cutOffDiscLink(destination);
   widenPermissions(copy);
@@ -124,6 +127,7 @@ bool BurnFSDelegate::removeItemAtPath(const std::string& path, PosixError* /*err
       systemLog("Error removing tmp file for %@", path);
       return false;
     }
+    movedItems_.noteRemoval(path);
     localusedbytes_ -= status->st_size;
     if (discHasItem(path)) hideArray.append(path);
     postSizeChanged();
