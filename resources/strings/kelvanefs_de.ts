@@ -6,49 +6,114 @@
     <name></name>
     <!-- Buttons of sheets -->
     <message id="OK">
-        <source>OK</source>
-        <translation>OK</translation>
+        <source>&amp;OK</source>
+        <translation>&amp;OK</translation>
     </message>
     <message id="Cancel">
-        <source>Cancel</source>
-        <translation>Abbrechen</translation>
+        <source>&amp;Cancel</source>
+        <translation>&amp;Abbrechen</translation>
     </message>
     <message id="Install">
-        <source>Install</source>
-        <translation>Installieren</translation>
+        <source>&amp;Install</source>
+        <translation>&amp;Installieren</translation>
     </message>
     <message id="Quit">
-        <source>Quit</source>
-        <translation>Beenden</translation>
+        <source>&amp;Quit</source>
+        <translation>&amp;Beenden</translation>
     </message>
     <message id="Erase">
-        <source>Erase</source>
-        <translation>Löschen</translation>
+        <source>&amp;Erase</source>
+        <translation>&amp;Löschen</translation>
     </message>
     <!-- The window -->
     <message id="buttonopen">
-        <source>Open Disc</source>
-        <translation>Disc öffnen</translation>
+        <source>&amp;Open Disc</source>
+        <translation>Disc ö&amp;ffnen</translation>
     </message>
     <message id="buttonclose">
-        <source>Close Disc</source>
-        <translation>Disc schließen</translation>
+        <source>&amp;Close Disc</source>
+        <translation>Disc s&amp;chließen</translation>
     </message>
     <message id="ShowDisk">
-        <source>Show Files</source>
-        <translation>Dateien zeigen</translation>
+        <source>&amp;Show Files</source>
+        <translation>Dateien &amp;zeigen</translation>
     </message>
     <message id="EraseDisc">
-        <source>Erase Disc…</source>
-        <translation>Disc löschen …</translation>
+        <source>&amp;Erase Disc…</source>
+        <translation>Disc &amp;löschen …</translation>
     </message>
     <message id="InsertDisc">
-        <source>Insert Disc</source>
-        <translation>Disc einlegen</translation>
+        <source>&amp;Insert Disc</source>
+        <translation>Disc &amp;einlegen</translation>
     </message>
     <message id="InsertDiscNamed">
         <source>Insert “%@”</source>
         <translation>„%@“ einlegen</translation>
+    </message>
+    <!-- The window's menu and the preferences panel -->
+    <message id="WindowMenu">
+        <source>Menu</source>
+        <translation>Menü</translation>
+    </message>
+    <message id="MenuPreferences">
+        <source>&amp;Preferences…</source>
+        <translation>&amp;Einstellungen …</translation>
+    </message>
+    <message id="MenuLicense">
+        <source>&amp;Licence Agreement</source>
+        <translation>&amp;Lizenzvereinbarung</translation>
+    </message>
+    <message id="MenuQuit">
+        <source>&amp;Quit</source>
+        <translation>&amp;Beenden</translation>
+    </message>
+    <message id="PreferencesTitle">
+        <source>Preferences</source>
+        <translation>Einstellungen</translation>
+    </message>
+    <message id="PreferenceAutohide">
+        <source>Show the files as soon as a disc is &amp;open</source>
+        <translation>Dateien zeigen, sobald eine Disc &amp;geöffnet ist</translation>
+    </message>
+    <message id="PreferenceAutohideLong">
+        <source>The file manager shows the disc’s files, and this window makes way for it.</source>
+        <translation>Die Dateiverwaltung zeigt die Dateien der Disc, und dieses Fenster macht ihr Platz.</translation>
+    </message>
+    <message id="PreferenceNoAppleDouble">
+        <source>Do not &amp;burn files whose names begin with “._”</source>
+        <translation>Dateien, deren Name mit „._“ beginnt, nicht &amp;brennen</translation>
+    </message>
+    <message id="PreferenceNoAppleDoubleLong">
+        <source>Some systems put such a file beside another one, for what that file cannot hold itself. Without it the other file stays whole, but its extended attributes are lost.</source>
+        <translation>Manche Systeme legen eine solche Datei neben eine andere, für das, was diese selbst nicht fassen kann. Ohne sie bleibt die andere Datei vollständig, verliert aber ihre erweiterten Attribute.</translation>
+    </message>
+    <message id="PreferenceUpdateCheck">
+        <source>Look for a &amp;newer version at each start</source>
+        <translation>Bei jedem Start nach einer &amp;neueren Version suchen</translation>
+    </message>
+    <message id="PreferenceUpdateCheckLong">
+        <source>Only the number of the newest version is asked for. Nothing about you or your discs is sent.</source>
+        <translation>Es wird nur die Nummer der neuesten Version abgefragt. Über Sie und Ihre Discs wird nichts gesendet.</translation>
+    </message>
+    <message id="PreferenceNoUpdateCheckLong">
+        <source>This build of KelvaneFS never looks for newer versions. Updates come the way in which it was installed.</source>
+        <translation>Diese Ausgabe von KelvaneFS sucht nie nach neueren Versionen. Aktualisierungen kommen auf dem Weg, auf dem sie installiert wurde.</translation>
+    </message>
+    <message id="PreferencesNotStored">
+        <source>This change could not be saved. Check that you may write to your settings folder and that the disk is not full.</source>
+        <translation>Diese Änderung konnte nicht gespeichert werden. Prüfen Sie, ob Sie in Ihren Einstellungsordner schreiben dürfen und ob der Datenträger voll ist.</translation>
+    </message>
+    <message id="PreferencesVersion">
+        <source>KelvaneFS %@</source>
+        <translation>KelvaneFS %@</translation>
+    </message>
+    <message id="PreferencesLicense">
+        <source>&amp;Licence Agreement</source>
+        <translation>&amp;Lizenzvereinbarung</translation>
+    </message>
+    <message id="PreferencesClose">
+        <source>&amp;Close</source>
+        <translation>&amp;Schließen</translation>
     </message>
     <message id="insertdisk">
         <source>Insert a CD or DVD that can still be written to.</source>
@@ -210,12 +275,12 @@
         <translation>Tempo:</translation>
     </message>
     <message id="BurnConfirmationBurn">
-        <source>Burn</source>
-        <translation>Brennen</translation>
+        <source>&amp;Burn</source>
+        <translation>&amp;Brennen</translation>
     </message>
     <message id="BurnConfirmationDiscard">
-        <source>Discard Changes</source>
-        <translation>Änderungen verwerfen</translation>
+        <source>&amp;Discard Changes</source>
+        <translation>Änderungen &amp;verwerfen</translation>
     </message>
     <message id="SpeedMaximum">
         <source>As fast as the drive can</source>
@@ -234,8 +299,8 @@
         <translation>Alles, was Sie seit dem Öffnen der Disc hinzugefügt, geändert oder gelöscht haben, geht verloren. Die Disc selbst bleibt unberührt.</translation>
     </message>
     <message id="DiscardChangesKeep">
-        <source>Keep Changes</source>
-        <translation>Änderungen behalten</translation>
+        <source>&amp;Keep Changes</source>
+        <translation>Änderungen &amp;behalten</translation>
     </message>
     <!-- Alerts -->
     <message id="AlertDetail">
@@ -429,12 +494,12 @@
         <translation>Lizenzvereinbarung</translation>
     </message>
     <message id="LicenseAgree">
-        <source>Agree</source>
-        <translation>Zustimmen</translation>
+        <source>&amp;Agree</source>
+        <translation>&amp;Zustimmen</translation>
     </message>
     <message id="LicenseDisagree">
-        <source>Disagree</source>
-        <translation>Ablehnen</translation>
+        <source>&amp;Disagree</source>
+        <translation>&amp;Ablehnen</translation>
     </message>
     <!-- Update check -->
     <message id="updatecheck">
@@ -446,12 +511,134 @@
         <translation>Sie bekommen sie auf der Seite von KelvaneFS, die sich im Webbrowser öffnet. Diese Version funktioniert weiterhin, und Ihre Discs sind nicht betroffen.</translation>
     </message>
     <message id="updatecheckdownload">
-        <source>Go to Download</source>
-        <translation>Zum Download</translation>
+        <source>&amp;Go to Download</source>
+        <translation>&amp;Zum Download</translation>
     </message>
     <message id="cancelbutton">
-        <source>Not Now</source>
-        <translation>Nicht jetzt</translation>
+        <source>&amp;Not Now</source>
+        <translation>&amp;Nicht jetzt</translation>
+    </message>
+    <!-- Amounts and names -->
+    <message id="NumberLocale">
+        <source>en_US</source>
+        <translation>de_DE</translation>
+    </message>
+    <message id="Megabytes">
+        <source>%@ MB</source>
+        <translation>%@ MB</translation>
+    </message>
+    <message id="Kilobytes">
+        <source>%@ KB</source>
+        <translation>%@ KB</translation>
+    </message>
+    <message id="OneFile">
+        <source>1 file</source>
+        <translation>1 Datei</translation>
+    </message>
+    <message id="ManyFiles">
+        <source>%@ files</source>
+        <translation>%@ Dateien</translation>
+    </message>
+    <message id="OneFolder">
+        <source>1 folder</source>
+        <translation>1 Ordner</translation>
+    </message>
+    <message id="ManyFolders">
+        <source>%@ folders</source>
+        <translation>%@ Ordner</translation>
+    </message>
+    <message id="QuotedName">
+        <source>“%@”</source>
+        <translation>„%@“</translation>
+    </message>
+    <message id="AndMore">
+        <source>%@ and %i more</source>
+        <translation>%@ und %i weitere</translation>
+    </message>
+    <message id="AccessibleWarning">
+        <source>Warning</source>
+        <translation>Warnung</translation>
+    </message>
+    <!-- What a burn will change, in the burn confirmation sheet -->
+    <message id="Summary">
+        <source>What will change</source>
+        <translation>Was sich ändert</translation>
+    </message>
+    <message id="SummaryLooking">
+        <source>Finding out what will change…</source>
+        <translation>Die Änderungen werden ermittelt …</translation>
+    </message>
+    <message id="SummaryAdded">
+        <source>Added:</source>
+        <translation>Neu:</translation>
+    </message>
+    <message id="SummaryReplaced">
+        <source>Replaced:</source>
+        <translation>Ersetzt:</translation>
+    </message>
+    <message id="SummaryRenamed">
+        <source>Renamed or moved:</source>
+        <translation>Umbenannt oder verschoben:</translation>
+    </message>
+    <message id="SummaryDeleted">
+        <source>Deleted:</source>
+        <translation>Gelöscht:</translation>
+    </message>
+    <message id="SummaryNeeded">
+        <source>Space needed:</source>
+        <translation>Platzbedarf:</translation>
+    </message>
+    <message id="SummaryLeft">
+        <source>Free afterwards:</source>
+        <translation>Danach frei:</translation>
+    </message>
+    <message id="SummaryAbout">
+        <source>about %@</source>
+        <translation>etwa %@</translation>
+    </message>
+    <message id="SummaryProblem">
+        <source>The new session cannot be prepared</source>
+        <translation>Die neue Sitzung lässt sich nicht vorbereiten</translation>
+    </message>
+    <message id="SummaryProblemLong">
+        <source>%@
+
+If you burn all the same, nothing is written and your changes are lost. Keep the changes in a folder, then open the disc again and copy them onto it without the cause.</source>
+        <translation>%@
+
+Wenn Sie trotzdem brennen, wird nichts geschrieben, und Ihre Änderungen gehen verloren. Heben Sie die Änderungen in einem Ordner auf, öffnen Sie die Disc wieder und kopieren Sie sie ohne die Ursache darauf.</translation>
+    </message>
+    <message id="SummaryTooLarge">
+        <source>The changes do not fit on the disc</source>
+        <translation>Die Änderungen passen nicht auf die Disc</translation>
+    </message>
+    <message id="SummaryTooLargeLong">
+        <source>They need %@, and %@ are free: that is %@ too much. Keep the changes in a folder, then open the disc again and copy less onto it, or use another disc.</source>
+        <translation>Sie brauchen %@, frei sind %@; das sind %@ zu viel. Heben Sie die Änderungen in einem Ordner auf, öffnen Sie die Disc wieder und kopieren Sie weniger darauf, oder nehmen Sie eine andere Disc.</translation>
+    </message>
+    <message id="SummaryHidden">
+        <source>Something would be missing that you did not delete</source>
+        <translation>Es würde etwas fehlen, was Sie nicht gelöscht haben</translation>
+    </message>
+    <message id="SummaryHiddenLong">
+        <source>A name that you deleted, with special characters in it, also stands for %@. In the new session that would be hidden, too. Keep the changes in a folder, open the disc again, and give what you want to keep another name.</source>
+        <translation>Ein Name mit Sonderzeichen, den Sie gelöscht haben, steht auch für %@. In der neuen Sitzung wäre das ebenfalls verborgen. Heben Sie die Änderungen in einem Ordner auf, öffnen Sie die Disc wieder und geben Sie dem, was bleiben soll, einen anderen Namen.</translation>
+    </message>
+    <message id="BurnConfirmationKeep">
+        <source>&amp;Keep in Folder</source>
+        <translation>In &amp;Ordner aufheben</translation>
+    </message>
+    <message id="BurnConfirmationKeepLong">
+        <source>Burn nothing, and keep new and changed files in a folder on this computer</source>
+        <translation>Nichts brennen und neue und geänderte Dateien in einem Ordner auf diesem Rechner aufheben</translation>
+    </message>
+    <message id="ChangesKept">
+        <source>Your changes are kept on this computer</source>
+        <translation>Ihre Änderungen sind auf diesem Rechner aufgehoben</translation>
+    </message>
+    <message id="ChangesKeptLong">
+        <source>Nothing was written: the disc holds what it held before, and what you deleted is still on it. New and changed files lie in the folder that the report names. It is one for temporary files, so move them elsewhere before the computer is switched off.</source>
+        <translation>Es wurde nichts geschrieben: Die Disc enthält, was sie vorher enthielt, auch was Sie gelöscht haben. Neue und geänderte Dateien liegen in dem Ordner, den der Bericht nennt. Er ist für temporäre Dateien da; bringen Sie sie woandershin, bevor der Rechner ausgeschaltet wird.</translation>
     </message>
 </context>
 </TS>

@@ -6,49 +6,114 @@
     <name></name>
     <!-- Buttons of sheets -->
     <message id="OK">
-        <source>OK</source>
-        <translation>OK</translation>
+        <source>&amp;OK</source>
+        <translation>&amp;OK</translation>
     </message>
     <message id="Cancel">
-        <source>Cancel</source>
-        <translation>Cancel</translation>
+        <source>&amp;Cancel</source>
+        <translation>&amp;Cancel</translation>
     </message>
     <message id="Install">
-        <source>Install</source>
-        <translation>Install</translation>
+        <source>&amp;Install</source>
+        <translation>&amp;Install</translation>
     </message>
     <message id="Quit">
-        <source>Quit</source>
-        <translation>Quit</translation>
+        <source>&amp;Quit</source>
+        <translation>&amp;Quit</translation>
     </message>
     <message id="Erase">
-        <source>Erase</source>
-        <translation>Erase</translation>
+        <source>&amp;Erase</source>
+        <translation>&amp;Erase</translation>
     </message>
     <!-- The window -->
     <message id="buttonopen">
-        <source>Open Disc</source>
-        <translation>Open Disc</translation>
+        <source>&amp;Open Disc</source>
+        <translation>&amp;Open Disc</translation>
     </message>
     <message id="buttonclose">
-        <source>Close Disc</source>
-        <translation>Close Disc</translation>
+        <source>&amp;Close Disc</source>
+        <translation>&amp;Close Disc</translation>
     </message>
     <message id="ShowDisk">
-        <source>Show Files</source>
-        <translation>Show Files</translation>
+        <source>&amp;Show Files</source>
+        <translation>&amp;Show Files</translation>
     </message>
     <message id="EraseDisc">
-        <source>Erase Disc…</source>
-        <translation>Erase Disc…</translation>
+        <source>&amp;Erase Disc…</source>
+        <translation>&amp;Erase Disc…</translation>
     </message>
     <message id="InsertDisc">
-        <source>Insert Disc</source>
-        <translation>Insert Disc</translation>
+        <source>&amp;Insert Disc</source>
+        <translation>&amp;Insert Disc</translation>
     </message>
     <message id="InsertDiscNamed">
         <source>Insert “%@”</source>
         <translation>Insert “%@”</translation>
+    </message>
+    <!-- The window's menu and the preferences panel -->
+    <message id="WindowMenu">
+        <source>Menu</source>
+        <translation>Menu</translation>
+    </message>
+    <message id="MenuPreferences">
+        <source>&amp;Preferences…</source>
+        <translation>&amp;Preferences…</translation>
+    </message>
+    <message id="MenuLicense">
+        <source>&amp;Licence Agreement</source>
+        <translation>&amp;Licence Agreement</translation>
+    </message>
+    <message id="MenuQuit">
+        <source>&amp;Quit</source>
+        <translation>&amp;Quit</translation>
+    </message>
+    <message id="PreferencesTitle">
+        <source>Preferences</source>
+        <translation>Preferences</translation>
+    </message>
+    <message id="PreferenceAutohide">
+        <source>Show the files as soon as a disc is &amp;open</source>
+        <translation>Show the files as soon as a disc is &amp;open</translation>
+    </message>
+    <message id="PreferenceAutohideLong">
+        <source>The file manager shows the disc’s files, and this window makes way for it.</source>
+        <translation>The file manager shows the disc’s files, and this window makes way for it.</translation>
+    </message>
+    <message id="PreferenceNoAppleDouble">
+        <source>Do not &amp;burn files whose names begin with “._”</source>
+        <translation>Do not &amp;burn files whose names begin with “._”</translation>
+    </message>
+    <message id="PreferenceNoAppleDoubleLong">
+        <source>Some systems put such a file beside another one, for what that file cannot hold itself. Without it the other file stays whole, but its extended attributes are lost.</source>
+        <translation>Some systems put such a file beside another one, for what that file cannot hold itself. Without it the other file stays whole, but its extended attributes are lost.</translation>
+    </message>
+    <message id="PreferenceUpdateCheck">
+        <source>Look for a &amp;newer version at each start</source>
+        <translation>Look for a &amp;newer version at each start</translation>
+    </message>
+    <message id="PreferenceUpdateCheckLong">
+        <source>Only the number of the newest version is asked for. Nothing about you or your discs is sent.</source>
+        <translation>Only the number of the newest version is asked for. Nothing about you or your discs is sent.</translation>
+    </message>
+    <message id="PreferenceNoUpdateCheckLong">
+        <source>This build of KelvaneFS never looks for newer versions. Updates come the way in which it was installed.</source>
+        <translation>This build of KelvaneFS never looks for newer versions. Updates come the way in which it was installed.</translation>
+    </message>
+    <message id="PreferencesNotStored">
+        <source>This change could not be saved. Check that you may write to your settings folder and that the disk is not full.</source>
+        <translation>This change could not be saved. Check that you may write to your settings folder and that the disk is not full.</translation>
+    </message>
+    <message id="PreferencesVersion">
+        <source>KelvaneFS %@</source>
+        <translation>KelvaneFS %@</translation>
+    </message>
+    <message id="PreferencesLicense">
+        <source>&amp;Licence Agreement</source>
+        <translation>&amp;Licence Agreement</translation>
+    </message>
+    <message id="PreferencesClose">
+        <source>&amp;Close</source>
+        <translation>&amp;Close</translation>
     </message>
     <message id="insertdisk">
         <source>Insert a CD or DVD that can still be written to.</source>
@@ -210,12 +275,12 @@
         <translation>Speed:</translation>
     </message>
     <message id="BurnConfirmationBurn">
-        <source>Burn</source>
-        <translation>Burn</translation>
+        <source>&amp;Burn</source>
+        <translation>&amp;Burn</translation>
     </message>
     <message id="BurnConfirmationDiscard">
-        <source>Discard Changes</source>
-        <translation>Discard Changes</translation>
+        <source>&amp;Discard Changes</source>
+        <translation>&amp;Discard Changes</translation>
     </message>
     <message id="SpeedMaximum">
         <source>As fast as the drive can</source>
@@ -234,8 +299,8 @@
         <translation>Everything that you have added, changed or deleted since you opened the disc is lost. The disc itself is not touched.</translation>
     </message>
     <message id="DiscardChangesKeep">
-        <source>Keep Changes</source>
-        <translation>Keep Changes</translation>
+        <source>&amp;Keep Changes</source>
+        <translation>&amp;Keep Changes</translation>
     </message>
     <!-- Alerts -->
     <message id="AlertDetail">
@@ -429,12 +494,12 @@
         <translation>Licence Agreement</translation>
     </message>
     <message id="LicenseAgree">
-        <source>Agree</source>
-        <translation>Agree</translation>
+        <source>&amp;Agree</source>
+        <translation>&amp;Agree</translation>
     </message>
     <message id="LicenseDisagree">
-        <source>Disagree</source>
-        <translation>Disagree</translation>
+        <source>&amp;Disagree</source>
+        <translation>&amp;Disagree</translation>
     </message>
     <!-- Update check -->
     <message id="updatecheck">
@@ -446,12 +511,134 @@
         <translation>You can get it from the KelvaneFS page, which opens in your web browser. This version goes on working, and your discs are not affected.</translation>
     </message>
     <message id="updatecheckdownload">
-        <source>Go to Download</source>
-        <translation>Go to Download</translation>
+        <source>&amp;Go to Download</source>
+        <translation>&amp;Go to Download</translation>
     </message>
     <message id="cancelbutton">
-        <source>Not Now</source>
-        <translation>Not Now</translation>
+        <source>&amp;Not Now</source>
+        <translation>&amp;Not Now</translation>
+    </message>
+    <!-- Amounts and names -->
+    <message id="NumberLocale">
+        <source>en_US</source>
+        <translation>en_US</translation>
+    </message>
+    <message id="Megabytes">
+        <source>%@ MB</source>
+        <translation>%@ MB</translation>
+    </message>
+    <message id="Kilobytes">
+        <source>%@ KB</source>
+        <translation>%@ KB</translation>
+    </message>
+    <message id="OneFile">
+        <source>1 file</source>
+        <translation>1 file</translation>
+    </message>
+    <message id="ManyFiles">
+        <source>%@ files</source>
+        <translation>%@ files</translation>
+    </message>
+    <message id="OneFolder">
+        <source>1 folder</source>
+        <translation>1 folder</translation>
+    </message>
+    <message id="ManyFolders">
+        <source>%@ folders</source>
+        <translation>%@ folders</translation>
+    </message>
+    <message id="QuotedName">
+        <source>“%@”</source>
+        <translation>“%@”</translation>
+    </message>
+    <message id="AndMore">
+        <source>%@ and %i more</source>
+        <translation>%@ and %i more</translation>
+    </message>
+    <message id="AccessibleWarning">
+        <source>Warning</source>
+        <translation>Warning</translation>
+    </message>
+    <!-- What a burn will change, in the burn confirmation sheet -->
+    <message id="Summary">
+        <source>What will change</source>
+        <translation>What will change</translation>
+    </message>
+    <message id="SummaryLooking">
+        <source>Finding out what will change…</source>
+        <translation>Finding out what will change…</translation>
+    </message>
+    <message id="SummaryAdded">
+        <source>Added:</source>
+        <translation>Added:</translation>
+    </message>
+    <message id="SummaryReplaced">
+        <source>Replaced:</source>
+        <translation>Replaced:</translation>
+    </message>
+    <message id="SummaryRenamed">
+        <source>Renamed or moved:</source>
+        <translation>Renamed or moved:</translation>
+    </message>
+    <message id="SummaryDeleted">
+        <source>Deleted:</source>
+        <translation>Deleted:</translation>
+    </message>
+    <message id="SummaryNeeded">
+        <source>Space needed:</source>
+        <translation>Space needed:</translation>
+    </message>
+    <message id="SummaryLeft">
+        <source>Free afterwards:</source>
+        <translation>Free afterwards:</translation>
+    </message>
+    <message id="SummaryAbout">
+        <source>about %@</source>
+        <translation>about %@</translation>
+    </message>
+    <message id="SummaryProblem">
+        <source>The new session cannot be prepared</source>
+        <translation>The new session cannot be prepared</translation>
+    </message>
+    <message id="SummaryProblemLong">
+        <source>%@
+
+If you burn all the same, nothing is written and your changes are lost. Keep the changes in a folder, then open the disc again and copy them onto it without the cause.</source>
+        <translation>%@
+
+If you burn all the same, nothing is written and your changes are lost. Keep the changes in a folder, then open the disc again and copy them onto it without the cause.</translation>
+    </message>
+    <message id="SummaryTooLarge">
+        <source>The changes do not fit on the disc</source>
+        <translation>The changes do not fit on the disc</translation>
+    </message>
+    <message id="SummaryTooLargeLong">
+        <source>They need %@, and %@ are free: that is %@ too much. Keep the changes in a folder, then open the disc again and copy less onto it, or use another disc.</source>
+        <translation>They need %@, and %@ are free: that is %@ too much. Keep the changes in a folder, then open the disc again and copy less onto it, or use another disc.</translation>
+    </message>
+    <message id="SummaryHidden">
+        <source>Something would be missing that you did not delete</source>
+        <translation>Something would be missing that you did not delete</translation>
+    </message>
+    <message id="SummaryHiddenLong">
+        <source>A name that you deleted, with special characters in it, also stands for %@. In the new session that would be hidden, too. Keep the changes in a folder, open the disc again, and give what you want to keep another name.</source>
+        <translation>A name that you deleted, with special characters in it, also stands for %@. In the new session that would be hidden, too. Keep the changes in a folder, open the disc again, and give what you want to keep another name.</translation>
+    </message>
+    <message id="BurnConfirmationKeep">
+        <source>&amp;Keep in Folder</source>
+        <translation>&amp;Keep in Folder</translation>
+    </message>
+    <message id="BurnConfirmationKeepLong">
+        <source>Burn nothing, and keep new and changed files in a folder on this computer</source>
+        <translation>Burn nothing, and keep new and changed files in a folder on this computer</translation>
+    </message>
+    <message id="ChangesKept">
+        <source>Your changes are kept on this computer</source>
+        <translation>Your changes are kept on this computer</translation>
+    </message>
+    <message id="ChangesKeptLong">
+        <source>Nothing was written: the disc holds what it held before, and what you deleted is still on it. New and changed files lie in the folder that the report names. It is one for temporary files, so move them elsewhere before the computer is switched off.</source>
+        <translation>Nothing was written: the disc holds what it held before, and what you deleted is still on it. New and changed files lie in the folder that the report names. It is one for temporary files, so move them elsewhere before the computer is switched off.</translation>
     </message>
 </context>
 </TS>

@@ -9,6 +9,7 @@
 #include "platform/recording/dr_device.h"
 #include "platform/recording/dr_notification_center.h"
 #include "platform/userfs/gm_user_file_system.h"
+#include "ui/preferences_panel.h"
 
 namespace kelvane {
 
@@ -21,6 +22,9 @@ WindowSession::WindowSession(std::unique_ptr<ApplicationCore> core)
       instance_([this] { reopen(); }) {
   window_.setActions(&controller_);
   controller_.setLicenseController(&licenseController_);
+  window_.setLicenseSource(licenseText);
+  const bool looksForUpdates = !UpdateSource::ofThisBuild().versionEndpoint.empty();
+  window_.setUpdateChecks(looksForUpdates ? UpdateChecks::Made : UpdateChecks::NotMade);
   wireQuitting();
   NotificationCenter::defaultCenter().addObserver(
       this, kGMUserFileSystemMountFailed, nullptr, [this](const Notification& notification) {

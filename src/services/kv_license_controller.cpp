@@ -13,7 +13,8 @@ namespace {
 
 constexpr const char* kVersionKey = "licenseShownForVersion";
 
-/// The agreement in the user's language; empty where it is missing.
+}  // namespace
+
 std::string licenseText() {
   const auto path =
       Bundle::mainBundle().pathForResource(localizedString("LicenseResource"), "html");
@@ -22,8 +23,6 @@ std::string licenseText() {
   if (!file.open(QIODevice::ReadOnly)) return {};
   return file.readAll().toStdString();
 }
-
-}  // namespace
 
 KVLicenseController::KVLicenseController(LicenseWindow& licenseWindow,
                                          std::function<void()> terminate)

@@ -8,6 +8,9 @@
 
 namespace kelvane {
 
+/// The end-user licence agreement in the user's language, as HTML; empty where it is missing.
+std::string licenseText();
+
 /// Shows the end-user licence agreement once for every version of the application. The version for
 /// which the user last agreed is the user default "licenseShownForVersion". Main thread only.
 class KVLicenseController : public LicenseActions {

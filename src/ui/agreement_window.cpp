@@ -3,9 +3,9 @@
 
 #include <QHBoxLayout>
 #include <QTextBrowser>
-#include <QTextDocument>
 #include <QVBoxLayout>
 
+#include "ui/license_reader.h"
 #include "ui/roomy_button.h"
 #include "ui/view_parts.h"
 #include "ui/window_metrics.h"
@@ -13,18 +13,7 @@
 namespace kelvane {
 namespace {
 
-constexpr double kTextWidth = 480;
 constexpr double kTextHeight = 380;
-constexpr double kSmallestTextHeight = 160;
-constexpr int kTextMargin = 14;
-
-// Sizes follow the platform's font, colours its palette.
-constexpr const char* kStyleSheet =
-    "h1 { font-size: large; margin-top: 0px; margin-bottom: 10px; }"
-    "h2 { font-size: medium; margin-top: 14px; margin-bottom: 4px; }"
-    "p { margin-top: 0px; margin-bottom: 8px; }"
-    "ul { margin-top: 0px; margin-bottom: 0px; }"
-    "li { margin-bottom: 4px; }";
 
 }  // namespace
 
@@ -34,14 +23,7 @@ AgreementWindow::AgreementWindow(QWidget* parent) : QDialog(parent) {
   setWindowTitle(localizedText("LicenseTitle"));
   setAccessibleName(windowTitle());
 
-  licenseTextView_ = new QTextBrowser(this);
-  licenseTextView_->setObjectName(QStringLiteral("licenseTextView"));
-  licenseTextView_->setAccessibleName(localizedText("LicenseTitle"));
-  licenseTextView_->setOpenExternalLinks(true);
-  licenseTextView_->document()->setDefaultStyleSheet(QLatin1String(kStyleSheet));
-  licenseTextView_->document()->setDocumentMargin(kTextMargin);
-  licenseTextView_->setMinimumSize(toPixels(kTextWidth, font()),
-                                   toPixels(kSmallestTextHeight, font()));
+  licenseTextView_ = makeLicenseTextView(this);
 
   auto* layout = new QVBoxLayout(this);
   layout->setContentsMargins(16, 16, 16, 14);

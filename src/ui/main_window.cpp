@@ -7,13 +7,10 @@
 #include <QHBoxLayout>
 #include <QIcon>
 #include <QItemSelectionModel>
-#include <QLabel>
-#include <QMenu>
 #include <QScreen>
 #include <QShortcut>
 #include <QUrl>
 #include <QVBoxLayout>
-#include <algorithm>
 #include <array>
 #include <cmath>
 
@@ -22,22 +19,30 @@
 #include "platform/foundation/bundle.h"
 #include "platform/foundation/strings_table.h"
 #include "ui/alert_sheet.h"
+#include "ui/animate_text_field.h"
 #include "ui/burn_progress_bar.h"
 #include "ui/burn_view.h"
 #include "ui/confirmation_sheet.h"
+#include "ui/disc_erasing.h"
 #include "ui/disc_list_model.h"
 #include "ui/disc_list_view.h"
 #include "ui/erase_progress_sheet.h"
+#include "ui/header_view.h"
 #include "ui/insert_disc_button.h"
+#include "ui/license_reader.h"
 #include "ui/message_view.h"
 #include "ui/mounted_item_view.h"
+#include "ui/preferences_panel.h"
 #include "ui/roomy_button.h"
 #include "ui/sliding_area.h"
 #include "ui/view_parts.h"
+#include "ui/window_menu.h"
 #include "ui/window_metrics.h"
 
 namespace kelvane {
 namespace {
+
+constexpr int kMenuMargin = 6;  // Pixels between the menu's button and the side of the window.
 
 QString toText(const std::string& text) {
   return QString::fromStdString(text);
@@ -70,8 +75,11 @@ MainWindow::MainWindow(QWidget* parent) : QWidget(parent) {
   column->setSizeConstraint(QLayout::SetFixedSize);
   burnConfirmationPanel_ = new ConfirmationSheet(this);
   eraseProgressPanel_ = new EraseProgressSheet(this);
+  prefsPanel_ = new PreferencesPanel(this);
+  licenseReader_ = new LicenseReader(this);
   notifications_ = new desktop::Notifications([this] { makeKeyAndOrderFront(); }, this);
   connectActions();
+  addMenuEntries();
   addShortcuts();
   applyScale();
   adaptButtons();
@@ -83,17 +91,16 @@ MainWindow::~MainWindow() {
 }
 
 QWidget* MainWindow::makeHeader() {
-  headerBackground_ = new QWidget(this);
-  headerBackground_->setObjectName(QStringLiteral("headerBackground"));
-  headerLine_ = makeTextField("headerLineTextField", "AccessibleHeader", headerBackground_);
-  QFont bold = headerLine_->font();
-  bold.setBold(true);
-  headerLine_->setFont(bold);
-  headerLine_->setText(localizedText("headerDisksAvail"));
-  auto* row = new QHBoxLayout(headerBackground_);
-  row->setContentsMargins(kSideMargin, 0, kSideMargin, 0);
-  row->addWidget(headerLine_);
-  return headerBackground_;
+  header_ = new QWidget(this);
+  headerBackground_ = new HeaderView(header_);
+  windowMenu_ = new WindowMenu(header_);
+  auto* row = new QHBoxLayout(header_);
+  row->setContentsMargins(0, 0, 0, 0);
+  row->setSpacing(0);
+  row->addWidget(headerBackground_, 1);
+  row->addWidget(windowMenu_);
+  row->addSpacing(kMenuMargin);
+  return header_;
 }
 
 QWidget* MainWindow::makeDiskScrollView() {
@@ -161,10 +168,13 @@ void MainWindow::connectActions() {
     if (actions_) actions_->showDisk();
   });
   connect(eraseButton_, &RoomyButton::clicked, this, [this] {
-    if (const std::optional<size_t> row = erasableRow()) askToErase(*row);
+    if (const auto row = erasableRow(mediaController_)) askToErase(*row);
   });
-  diskTable_->setMenuAction(
-      [this](int row, QPoint where) { showRowMenu(static_cast<size_t>(row), where); });
+  diskTable_->setMenuAction([this](int row, QPoint where) {
+    showEraseMenu(mediaController_, static_cast<size_t>(row), *diskTable_, where,
+                  [this](size_t chosen) { askToErase(chosen); });
+  });
+  prefsPanel_->setLicenseHandler([this] { showLicense(); });
   burnConfirmationPanel_->setConfirmHandler([this] {
     if (actions_) actions_->burnConfirmationDidConfirm();
   });
@@ -173,10 +183,16 @@ void MainWindow::connectActions() {
   });
 }
 
+// The standard keys for quitting and for preferences are not bound on every desktop.
+void MainWindow::addMenuEntries() {
+  windowMenu_->addEntry(*this, "preferencesEntry", "MenuPreferences",
+                        QKeySequence(Qt::CTRL | Qt::Key_Comma), [this] { prefsPanel_->present(); });
+  windowMenu_->addEntry(*this, "licenseEntry", "MenuLicense", {}, [this] { showLicense(); });
+  windowMenu_->addEntry(*this, "quitEntry", "MenuQuit", QKeySequence(Qt::CTRL | Qt::Key_Q),
+                        [this] { terminate(); });
+}
+
 void MainWindow::addShortcuts() {
-  // The standard key for quitting is not bound on every desktop.
-  const QKeySequence quit(Qt::CTRL | Qt::Key_Q);
-  connect(new QShortcut(quit, this), &QShortcut::activated, this, [this] { terminate(); });
   connect(new QShortcut(QKeySequence::Close, this), &QShortcut::activated, this,
           [this] { close(); });
   connect(new QShortcut(QKeySequence::Open, this), &QShortcut::activated, this, [this] {
@@ -189,7 +205,7 @@ void MainWindow::addShortcuts() {
 }
 
 void MainWindow::applyScale() {
-  headerBackground_->setFixedSize(toPixels(kWindowWidth, font()), toPixels(kHeaderHeight, font()));
+  header_->setFixedSize(toPixels(kWindowWidth, font()), toPixels(kHeaderHeight, font()));
   buttonBar_->setFixedSize(toPixels(kWindowWidth, font()), toPixels(kButtonBarHeight, font()));
 }
 
@@ -201,26 +217,8 @@ void MainWindow::adaptButtons() {
   insertDiscButton_->setVisible(insertDiscButton_->hasDiscs() && !open && !burning);
   showDiskButton_->setVisible(open);
   openButton_->setEnabled(!burning);
-  const std::vector<DeviceRecord>& discs = mediaController_.arrangedObjects();
-  const bool anyRewritable =
-      std::any_of(discs.begin(), discs.end(), [](const DeviceRecord& disc) { return disc.RW; });
-  eraseButton_->setVisible(anyRewritable && !burning);
-  eraseButton_->setEnabled(erasableRow().has_value());
-}
-
-// The disc that the button erases: the selected one; where none is selected, because none can be
-// opened, the only one that can be erased.
-std::optional<size_t> MainWindow::erasableRow() const {
-  const std::vector<DeviceRecord>& discs = mediaController_.arrangedObjects();
-  std::optional<size_t> row = mediaController_.selectionIndex();
-  if (!row) {
-    for (size_t index = 0; index < discs.size(); ++index) {
-      if (!discs[index].RW) continue;
-      if (row) return std::nullopt;
-      row = index;
-    }
-  }
-  return row && *row < discs.size() && discs[*row].RW ? row : std::nullopt;
+  eraseButton_->setVisible(anyErasable(mediaController_) && !burning);
+  eraseButton_->setEnabled(erasableRow(mediaController_).has_value());
 }
 
 // Selected or not, the disc to be erased is the selected one from now on, and is seen to be.
@@ -229,20 +227,12 @@ void MainWindow::askToErase(size_t row) {
   if (actions_) actions_->attemptErase();
 }
 
-// Also a disc that cannot be opened, and hence not be selected, can be erased.
-void MainWindow::showRowMenu(size_t row, const QPoint& where) {
-  const std::vector<DeviceRecord>& discs = mediaController_.arrangedObjects();
-  if (row >= discs.size() || !discs[row].RW) return;
-  auto* menu = new QMenu(diskTable_);
-  menu->setObjectName(QStringLiteral("diskMenu"));
-  menu->setAttribute(Qt::WA_DeleteOnClose);
-  const DRDevice* drive = discs[row].DRDevice;
-  menu->addAction(localizedText("EraseDisc"), this, [this, row, drive] {
-    // The list may have changed under the menu.
-    const std::vector<DeviceRecord>& now = mediaController_.arrangedObjects();
-    if (row < now.size() && now[row].DRDevice == drive && now[row].RW) askToErase(row);
-  });
-  menu->popup(where);
+void MainWindow::setUpdateChecks(UpdateChecks checks) {
+  prefsPanel_->setUpdateChecks(checks);
+}
+
+void MainWindow::showLicense() {
+  licenseReader_->present(licenseSource_ ? licenseSource_() : std::string());
 }
 
 void MainWindow::setInsertableDiscs(const std::vector<std::string>& names,
@@ -252,12 +242,13 @@ void MainWindow::setInsertableDiscs(const std::vector<std::string>& names,
 }
 
 void MainWindow::centerWindows() {
-  const QScreen* where = screen();
-  if (!where) return;
-  adjustSize();
-  QRect frame = frameGeometry();
-  frame.moveCenter(where->availableGeometry().center());
-  move(frame.topLeft());
+  if (!screen()) return;
+  for (QWidget* window : std::initializer_list<QWidget*>{prefsPanel_, this}) {
+    window->adjustSize();
+    QRect frame = window->frameGeometry();
+    frame.moveCenter(screen()->availableGeometry().center());
+    window->move(frame.topLeft());
+  }
 }
 
 void MainWindow::makeKeyAndOrderFront() {
@@ -294,7 +285,7 @@ void MainWindow::setAnimationDuration(double seconds) {
 }
 
 void MainWindow::setHeaderLine(const std::string& text) {
-  headerLine_->setText(toText(text));
+  headerBackground_->line().setStringValue(toText(text));
 }
 
 void MainWindow::setOpenButtonCaption(const std::string& text) {

@@ -10,8 +10,6 @@
 #include "ui/media_controller.h"
 #include "ui/window_outlets.h"
 
-class QLabel;
-
 namespace kelvane {
 
 namespace desktop {
@@ -22,12 +20,17 @@ class ConfirmationSheet;
 class DiscListView;
 class DiscListModel;
 class EraseProgressSheet;
+class HeaderView;
 class InsertDiscButton;
 class KVBurnView;
+class LicenseReader;
 class MessageView;
 class MountedItemView;
+class PreferencesPanel;
 class RoomyButton;
 class SlidingArea;
+class WindowMenu;
+enum class UpdateChecks;
 
 /// The main window: a header line, below it the content area in which four views take turns, at the
 /// bottom a bar of buttons. Main thread only.
@@ -53,6 +56,13 @@ class MainWindow : public QWidget, public WindowOutlets {
   /// is called with the index of the chosen one.
   void setInsertableDiscs(const std::vector<std::string>& names,
                           std::function<void(size_t index)> insert);
+
+  /// Whether this build looks for newer versions, which the preferences tell.
+  void setUpdateChecks(UpdateChecks checks);
+  /// Gives the licence agreement as HTML whenever the user wants to read it.
+  void setLicenseSource(std::function<std::string()> licenseText) {
+    licenseSource_ = std::move(licenseText);
+  }
 
   const SlidingArea& contentArea() const { return *contentArea_; }
 
@@ -98,24 +108,26 @@ class MainWindow : public QWidget, public WindowOutlets {
   QWidget* makeButtonBar();
   void addContentViews();
   void connectActions();
+  void addMenuEntries();
   void addShortcuts();
+  void showLicense();
   void applyScale();
   void adaptButtons();
   void showMediaController();
   void selectInMediaController();
-  std::optional<size_t> erasableRow() const;
   void askToErase(size_t row);
-  void showRowMenu(size_t row, const QPoint& where);
 
   WindowActions* actions_ = nullptr;
   MediaController mediaController_;
   std::function<void()> quitRequested_;
   std::function<void(bool)> terminateReplied_;
+  std::function<std::string()> licenseSource_;
   bool closingAllowed_ = false;
 
   // All are children of this window.
-  QLabel* headerLine_ = nullptr;
-  QWidget* headerBackground_ = nullptr;
+  QWidget* header_ = nullptr;
+  HeaderView* headerBackground_ = nullptr;
+  WindowMenu* windowMenu_ = nullptr;
   QWidget* buttonBar_ = nullptr;
   SlidingArea* contentArea_ = nullptr;
   MessageView* messageView_ = nullptr;
@@ -130,6 +142,8 @@ class MainWindow : public QWidget, public WindowOutlets {
   RoomyButton* openButton_ = nullptr;
   ConfirmationSheet* burnConfirmationPanel_ = nullptr;
   EraseProgressSheet* eraseProgressPanel_ = nullptr;
+  PreferencesPanel* prefsPanel_ = nullptr;
+  LicenseReader* licenseReader_ = nullptr;
   desktop::Notifications* notifications_ = nullptr;
 };
 

@@ -15,8 +15,8 @@ RoomyButton::RoomyButton(QWidget* parent) : QPushButton(parent) {
 }
 
 void RoomyButton::setCaption(const QString& caption) {
-  setText(withoutMnemonic(caption));
-  setAccessibleName(caption);
+  setText(caption);
+  setAccessibleName(withoutMnemonicMark(caption));
 }
 
 QSize RoomyButton::sizeHint() const {

@@ -6,15 +6,15 @@
 namespace kelvane {
 
 /// A push button with air around its text also where the desktop's style leaves none, and which
-/// Return presses as the space bar does while it has the focus. Its text is never searched for a
-/// mnemonic.
+/// Return presses as the space bar does while it has the focus.
 class RoomyButton : public QPushButton {
   Q_OBJECT
 
  public:
   explicit RoomyButton(QWidget* parent = nullptr);
 
-  /// Sets the caption, which is also the accessible name.
+  /// Sets the caption, in which "&" marks the mnemonic and "&&" stands for itself. Without the mark
+  /// it is also the accessible name.
   void setCaption(const QString& caption);
 
   QSize sizeHint() const override;

@@ -4,6 +4,7 @@
 #include <QLabel>
 #include <QPainter>
 #include <QPixmap>
+#include <QRegularExpression>
 
 #include "platform/foundation/bundle.h"
 #include "platform/foundation/strings_table.h"
@@ -44,6 +45,11 @@ QString localizedText(const std::string& key) {
 
 QString withoutMnemonic(QString text) {
   return text.replace(QLatin1Char('&'), QStringLiteral("&&"));
+}
+
+QString withoutMnemonicMark(QString text) {
+  static const QRegularExpression mark(QStringLiteral("&(.)"));
+  return text.replace(mark, QStringLiteral("\\1"));
 }
 
 QLabel* makeTextField(const char* name, const std::string& accessibleKey, QWidget* parent) {

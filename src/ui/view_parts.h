@@ -17,11 +17,14 @@ QString localizedText(const std::string& key);
 /// `text` for a widget that would take "&" for the mark of a mnemonic.
 QString withoutMnemonic(QString text);
 
+/// A text of the strings table's, in which "&" marks the mnemonic, as it is read and spoken.
+QString withoutMnemonicMark(QString text);
+
 /// A label for changing text, plain whatever it holds: names come from discs and drives. `name` is
 /// its object name, `accessibleKey` the key of what a screen reader calls it. The parent owns it.
 QLabel* makeTextField(const char* name, const std::string& accessibleKey, QWidget* parent);
 
-/// A button with the text of `key`. The parent owns it.
+/// A button with the text of `key`, in which "&" marks the mnemonic. The parent owns it.
 RoomyButton* makeButton(const char* name, const std::string& key, QWidget* parent);
 
 enum class Shade { Full, Faint };

@@ -3,6 +3,7 @@
 
 #include <QSettings>
 #include <QString>
+#include <QVariant>
 
 namespace kelvane {
 namespace {
@@ -12,6 +13,13 @@ namespace {
 QSettings settings() {
   return QSettings(QSettings::IniFormat, QSettings::UserScope, QStringLiteral("kelvanefs"),
                    QStringLiteral("kelvanefs"));
+}
+
+bool store(const QString& key, const QVariant& value) {
+  QSettings file = settings();
+  file.setValue(key, value);
+  file.sync();
+  return file.status() == QSettings::NoError;
 }
 
 }  // namespace
@@ -34,12 +42,12 @@ std::optional<std::string> UserDefaults::stringForKey(const std::string& key) co
   return value.toString().toStdString();
 }
 
-void UserDefaults::setBool(bool value, const std::string& key) {
-  settings().setValue(QString::fromStdString(key), value);
+bool UserDefaults::setBool(bool value, const std::string& key) {
+  return store(QString::fromStdString(key), value);
 }
 
-void UserDefaults::setString(const std::string& value, const std::string& key) {
-  settings().setValue(QString::fromStdString(key), QString::fromStdString(value));
+bool UserDefaults::setString(const std::string& value, const std::string& key) {
+  return store(QString::fromStdString(key), QString::fromStdString(value));
 }
 
 void UserDefaults::removeKey(const std::string& key) {

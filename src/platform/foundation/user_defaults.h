@@ -19,8 +19,9 @@ class UserDefaults {
   bool boolForKey(const std::string& key) const;
   std::optional<std::string> stringForKey(const std::string& key) const;
 
-  void setBool(bool value, const std::string& key);
-  void setString(const std::string& value, const std::string& key);
+  /// These two are false where the value could not be stored; others may not have it then.
+  bool setBool(bool value, const std::string& key);
+  bool setString(const std::string& value, const std::string& key);
   void removeKey(const std::string& key);
 };
 
