@@ -10,6 +10,7 @@
 #include "platform/recording/mmc/configuration.h"
 #include "platform/recording/mmc/disc_information.h"
 #include "platform/recording/mmc/event_status.h"
+#include "platform/recording/mmc/format_capacities.h"
 #include "platform/recording/mmc/inquiry.h"
 #include "platform/recording/mmc/sense_data.h"
 #include "platform/recording/mmc/track_information.h"
@@ -169,6 +170,22 @@ TEST(TrackInformationReply, CutOffBeforeTheEndOfTheSizeIsNone) {
   }
 }
 
+// A DVD+RW that holds 208 blocks, and can be formatted to 2295104; for one of another kind the
+// largest that covers all of it, which the capacity of a session that grows does not.
+TEST(FormatCapacitiesReply, GivesTheMostThatTheWholeMediumCanBeFormattedTo) {
+  const Bytes plusRw{0, 0, 0, 16, 0, 0, 0, 208, 2, 0, 8, 0, 0, 0x23, 5, 0x40, 0x26 << 2, 0, 0, 0};
+  EXPECT_EQ(parseFormatCapacity(plusRw), 0x230540U);
+  const Bytes minusRw{0, 0, 0, 24, 0, 0, 0, 9, 2, 0, 8,         0, 0, 0,
+                      1, 0, 0, 0,  8, 0, 0, 0, 2, 0, 0x13 << 2, 0, 0, 16};
+  EXPECT_EQ(parseFormatCapacity(minusRw), 0x100U);
+}
+
+TEST(FormatCapacitiesReply, WithoutACapacityOfTheWholeMediumOrCutOffIsNone) {
+  EXPECT_FALSE(parseFormatCapacity(Bytes{0, 0, 0, 8, 0, 0, 0, 208, 2, 0, 8, 0}));
+  EXPECT_FALSE(parseFormatCapacity(Bytes{0, 0, 0, 16, 0, 0, 0, 208, 2, 0, 8, 0, 0, 0, 5, 0}));
+  EXPECT_FALSE(parseFormatCapacity(Bytes{}));
+}
+
 TEST(MediaEventReply, TellsTheEventAndTheTray) {
   const Bytes reply{0, 6, 0x04, 0x10, 0x02, 0x02, 0, 0};
   const auto status = parseMediaEvent(reply);
@@ -238,6 +255,7 @@ TEST(EveryReply, OfRandomBytesIsReadWithinItsBounds) {
     EXPECT_EQ(parseTrackInformation(reply).has_value(), reply.size() >= 28);
     EXPECT_EQ(parseInquiry(reply).has_value(), reply.size() > 16);
     static_cast<void>(parseMediaEvent(reply));
+    static_cast<void>(parseFormatCapacity(reply));
     EXPECT_LE(parseSenseData(reply).key, 0x0F);
   }
 }

@@ -64,6 +64,10 @@ std::string DRDevice::ioRegistryEntryPath() const {
   return drive_ ? drive_->identity().ioRegistryEntryPath : std::string();
 }
 
+std::optional<uint32_t> DRDevice::formatCapacity() const {
+  return drive_ ? drive_->formatCapacity() : std::nullopt;
+}
+
 DRDeviceStatus DRDevice::status() const {
   return drive_ ? drive_->status() : DRDeviceStatus();
 }

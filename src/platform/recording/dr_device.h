@@ -60,6 +60,9 @@ class DRDevice {
   /// the same shape that names no file.
   virtual std::string ioRegistryEntryPath() const;
   virtual DRDeviceStatus status() const;
+  /// The blocks of 2048 bytes that a DVD which is written over at will has in all. Empty for other
+  /// media, and where the drive does not say.
+  virtual std::optional<uint32_t> formatCapacity() const;
 
   /// Asks that no other program takes the discs of this drive for itself. Nothing on Linux grants
   /// that, so it always succeeds without effect.

@@ -5,6 +5,7 @@
 #include <system_error>
 #include <utility>
 
+#include "platform/recording/mmc/format_capacities.h"
 #include "platform/recording/mmc/inquiry.h"
 #include "platform/recording/mmc/tray.h"
 
@@ -63,6 +64,12 @@ DRDeviceStatus Drive::status() const {
   const std::lock_guard guard(mutex_);
   if (!leftAlone_) lastStatus_ = readDeviceStatus(*transport_);
   return lastStatus_;
+}
+
+std::optional<uint32_t> Drive::formatCapacity() const {
+  const std::lock_guard guard(mutex_);
+  if (leftAlone_) return std::nullopt;
+  return mmc::readFormatCapacity(*transport_);
 }
 
 bool Drive::acquireExclusiveAccess() {

@@ -51,6 +51,9 @@ class Drive {
   /// Asks the drive, or repeats what it last said where it is being recorded on.
   MediaState mediaState() const;
   DRDeviceStatus status() const;
+  /// The blocks that a medium which is written over at will has in all; empty where the drive does
+  /// not say, or is left alone.
+  std::optional<uint32_t> formatCapacity() const;
 
   bool acquireExclusiveAccess();
   void releaseExclusiveAccess();
