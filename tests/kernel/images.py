@@ -1,20 +1,17 @@
 # SPDX-License-Identifier: GPL-2.0-or-later
-"""What a guest is made of: Debian's kernel, a first file system with its modules, busybox and guest/init, and for the full
-tier a small Debian.
+"""What a guest is made of: Debian's kernel, a first file system with its modules, busybox and guest/init.
 
 Packages come from where apt on this machine has them, and are not installed on it. Images are kept, and made anew when a
 package has a new version or the recipe has changed.
 """
 
 import fcntl
-import glob
 import hashlib
 import lzma
 import os
 import re
 import shutil
 import subprocess
-import sys
 import tempfile
 
 HERE = os.path.dirname(os.path.abspath(__file__))
@@ -25,12 +22,6 @@ MODULES = ["virtio_pci", "9pnet_virtio", "9p", "configfs", "target_core_mod", "t
            "sg", "isofs", "udf", "nls_utf8", "fuse", "virtio_blk", "crc32c_generic", "ext4", "overlay"]
 # Folders of the first file system.
 FOLDERS = ["bin", "dev", "etc", "etc/target", "lib", "programs", "proc", "root", "run", "system", "share", "sys", "tmp", "usr"]
-
-# What the full tier's system has besides Debian's smallest: the services of a desktop, and what our programs need.
-SYSTEM_PACKAGES = ["udev", "dbus", "udisks2", "polkitd", "pkexec", "fuse3", "kmod", "eject", "genisoimage", "growisofs",
-                   "dvd+rw-tools", "xorriso", "libqt6core6", "libqt6dbus6", "libqt6network6", "libqt6widgets6",
-                   "libburn4", "libfuse3-3", "libseccomp2"]
-SYSTEM_SIZE = "1500M"
 
 
 class NotToBeHad(Exception):
@@ -188,49 +179,3 @@ def kernel_images():
     key = digest_of(os.path.abspath(__file__), os.path.join(HERE, "guest/init"), "/bin/busybox", package,
                     candidate_of(package))
     return kept("kernel", key, build)
-
-
-def system_image():
-    """The folder with `root.ext4`, a small Debian with a desktop's services, made now where there is none."""
-    if os.geteuid() != 0:
-        raise NotToBeHad("the system of the full tier can be made by root only")
-
-    def build(folder):
-        print("Making the guest's system. This takes some minutes.", flush=True)
-        root = os.path.join(folder, "root")
-        output_of("mmdebstrap", "--quiet", "--mode=root", "--variant=minbase", "--include=" + ",".join(SYSTEM_PACKAGES),
-                  *[f"--dpkgopt=path-exclude=/usr/share/{name}/*" for name in ["doc", "man", "locale"]],
-                  f"--customize-hook=sh '{HERE}/guest/customize' \"$1\"", codename(), root, *sources_of(codename()))
-        image = os.path.join(folder, "root.ext4")
-        output_of("mke2fs", "-q", "-t", "ext4", "-O", "^has_journal", "-L", "system", "-d", root, image, SYSTEM_SIZE)
-        shutil.rmtree(root)
-
-    versions = [f"{package} {candidate_of(package)}" for package in SYSTEM_PACKAGES]
-    return kept("system", digest_of(os.path.join(HERE, "guest/customize"), *versions), build)
-
-
-def codename():
-    with open("/etc/os-release", encoding="utf-8") as file:
-        return re.search(r"^VERSION_CODENAME=(\w+)", file.read(), re.MULTILINE).group(1)
-
-
-def sources_of(release):
-    """The files in which apt on this machine has its sources of that release."""
-    folder = "/etc/apt/sources.list"
-    found = []
-    for file in [folder, *glob.glob(folder + ".d/*.list"), *glob.glob(folder + ".d/*.sources")]:
-        if os.path.isfile(file):
-            with open(file, encoding="utf-8") as stream:
-                if re.search(rf"\b{release}\b", stream.read()):
-                    found.append(file)
-    return found
-
-
-if __name__ == "__main__":
-    try:
-        kernel_images()
-        if sys.argv[1:] == ["full"]:
-            system_image()
-    except NotToBeHad as problem:
-        print(problem)
-        raise SystemExit(77) from None

@@ -15,14 +15,11 @@ import images
 
 HERE = os.path.dirname(os.path.abspath(__file__))
 BUILD = os.environ["KELVANE_BUILD_DIR"]
-# Our programs, as they lie below the build tree and below /programs/kelvane.
-OURS = {
-    "bin/kelvanefs": "bin/kelvanefs",
-    "bin/kelvanedisc": "bin/kelvanedisc",
-    "tests/kernel/kernel_burner": "bin/kernel_burner",
-    "tests/kernel/drive_probe": "bin/drive_probe",
-    **{f"libexec/kelvanefs/{name}": f"libexec/kelvanefs/{name}"
-       for name in ["recorder", "isomount", "mkisofs", "growisofs", "df"]}}
+# What the rig has of its own, in every guest as /programs/rig/bin.
+TOOLS = [f"tests/kernel/{name}" for name in ["kernel_burner", "drive_probe", "window_text"]]
+# What is tried, in the short tier only as /programs/kelvane: in the full tier it is what a package has installed.
+OURS = [*(f"bin/{name}" for name in ["kelvanefs", "kelvanedisc"]),
+        *(f"libexec/kelvanefs/{name}" for name in ["recorder", "isomount", "mkisofs", "growisofs", "df"])]
 KELVANEDISC = os.path.join(BUILD, "bin/kelvanedisc")
 OTHERS = ["/usr/bin/growisofs", "/usr/bin/genisoimage"]
 GUEST_LIMIT = int(os.environ.get("KELVANE_GUEST_LIMIT", "150"))  # Seconds; a guest on a quiet machine needs ten.
@@ -55,14 +52,19 @@ def copy_if_newer(source, target):
     os.rename(target + ".new", target)
 
 
-def programs_folder():
-    """The folder that the guest has as /programs: our programs in `kelvane`; others, and all libraries, in `usr`."""
-    folder = os.path.join(images.cache_folder(), "programs")
-    for path, place in OURS.items():
-        copy_if_newer(os.path.join(BUILD, path), os.path.join(folder, "kelvane", place))
+def programs_folder(tier):
+    """The folder that the guest has as /programs: the rig's tools in `rig`; for the short tier our programs in `kelvane`,
+    and in `usr` others and all libraries, which the full tier's system has itself."""
+    folder = os.path.join(images.cache_folder(), f"programs-{tier}")
+    for path in TOOLS:
+        copy_if_newer(os.path.join(BUILD, path), os.path.join(folder, "rig/bin", os.path.basename(path)))
+    if tier == "full":
+        return folder
+    for path in OURS:
+        copy_if_newer(os.path.join(BUILD, path), os.path.join(folder, "kelvane", path))
     for path in OTHERS:
         copy_if_newer(path, os.path.join(folder, path.lstrip("/")))
-    for path in libraries_of([*(os.path.join(BUILD, path) for path in OURS), *OTHERS]):
+    for path in libraries_of([*(os.path.join(BUILD, path) for path in [*TOOLS, *OURS]), *OTHERS]):
         place = "usr" + path if not path.startswith("/usr/") else path.lstrip("/")
         copy_if_newer(path, os.path.join(folder, place))
     return folder
@@ -98,15 +100,19 @@ def make_tree(folder, seed, files=6):
 class GuestTest(unittest.TestCase):
     """A test with a folder of its own, which is the guest's /share."""
 
+    tier = "short"
     # For the virtual machine, and for its kernel.
     machine_options = []
+    memory = "512"
     kernel_words = ""
     guest_files = ["steps"]
+    # Those of them that each test reads.
+    words = ["steps"]
 
     @classmethod
     def setUpClass(cls):
         cls.kernel = images.kernel_images()
-        cls.programs = programs_folder()
+        cls.programs = programs_folder(cls.tier)
 
     def setUp(self):
         self.folder = tempfile.mkdtemp(prefix="kvkernel-")
@@ -127,23 +133,26 @@ class GuestTest(unittest.TestCase):
         for name in self.guest_files:
             shutil.copy(os.path.join(HERE, "guest", name), self.share)
         with open(self.path("test"), "w", encoding="utf-8") as file:
-            file.write(". /share/steps\n" + steps)
+            file.write("".join(f". /share/{name}\n" for name in self.words) + steps)
         command = ["timeout", "--foreground", "-s", "KILL", str(GUEST_LIMIT), "nice", "-n", "10", "qemu-system-x86_64",
-                   "-accel", "tcg", "-cpu", "qemu64", "-m", "512", "-nographic", "-no-reboot", "-nodefaults",
+                   "-accel", "tcg", "-cpu", "qemu64", "-m", self.memory, "-nographic", "-no-reboot", "-nodefaults",
                    "-serial", "stdio", "-kernel", os.path.join(self.kernel, "vmlinux"),
                    "-initrd", os.path.join(self.kernel, "initramfs"),
                    "-append", "console=ttyS0 panic=-1 quiet mitigations=off " + self.kernel_words,
                    "-virtfs", f"local,path={self.programs},mount_tag=programs,security_model=none,readonly=on",
                    "-virtfs", f"local,path={self.share},mount_tag=share,security_model=none", *self.machine_options]
-        result = subprocess.run(command, stdin=subprocess.DEVNULL, stdout=subprocess.PIPE, stderr=subprocess.STDOUT,
-                                encoding="utf-8", errors="replace", check=False)
+        console_file = os.path.join(self.folder, "console")
+        with open(console_file, "wb") as file:
+            subprocess.run(command, stdin=subprocess.DEVNULL, stdout=file, stderr=subprocess.STDOUT, check=False)
+        with open(console_file, encoding="utf-8", errors="replace") as file:
+            console = file.read()
         if os.environ.get("KELVANE_GUEST_CONSOLE"):
-            print(result.stdout)
+            print(console)
         marker = self.path("result")
         if not os.path.exists(marker):
-            self.fail(f"The guest left no result. Its console:\n{result.stdout}")
+            self.fail(f"The guest left no result. Its console:\n{console}")
         with open(marker, encoding="ascii") as file:
-            self.assertEqual(file.read().strip(), "0", f"the steps failed. The guest's console:\n{result.stdout}")
+            self.assertEqual(file.read().strip(), "0", f"the steps failed. The guest's console:\n{console}")
 
     def probed(self, name, whom):
         with open(self.path(f"{name}.{whom}"), encoding="utf-8") as file:

@@ -1,23 +1,10 @@
 # SPDX-License-Identifier: GPL-2.0-or-later
 """The application on a system with a desktop's services: udev, D-Bus, polkit, UDisks2, and an ordinary user."""
 
-import json
-import os
 import unittest
 
-import images
-from rig import GuestTest, make_tree, tree_of
-
-
-class SystemTest(GuestTest):
-    @classmethod
-    def setUpClass(cls):
-        super().setUpClass()
-        image = os.path.join(images.system_image(), "root.ext4")
-        # What a guest writes goes when it does.
-        cls.machine_options = ["-drive", f"file={image},format=raw,if=virtio,snapshot=on"]
-        cls.kernel_words = "system=/dev/vda"
-        cls.guest_files = ["steps", "desktop"]
+from rig import make_tree, tree_of
+from system_test import SystemTest
 
 
 class Desktop(SystemTest):
@@ -47,8 +34,7 @@ press_button
 eventually "udev sees that there is none" has_property ID_CDROM_MEDIA ""
 """)
         self.assertEqual(tree_of(self.path("shown")), tree_of(first))
-        with open(self.path("udev"), encoding="utf-8") as file:
-            properties = file.read()
+        properties = self.text_of("udev")
         for line in ["ID_CDROM_MEDIA_STATE=appendable", "ID_CDROM_MEDIA_CD_R=1", "ID_CDROM_DVD_PLUS_RW=1",
                      "ID_SERIAL_SHORT=KELVANE_SOFTWARE_BURNER_", "ID_FS_TYPE=iso9660"]:
             self.assertIn(line, properties)
@@ -73,23 +59,6 @@ as_user udisksctl mount -b "$DRIVE" || fail "the user cannot mount the disc"
   > /share/outcome 2> /share/words
 status=$?
 """
-
-    def plugged(self, media, faults=""):
-        """A disc with one session, and the steps that plug in its drive."""
-        self.first = make_tree(self.path("first"), 1)
-        make = self.make_disc if media.startswith("cd") else self.make_dvd
-        disc = make("disc", media, self.first)
-        if faults:
-            with open(os.path.join(disc, "faults"), "w", encoding="ascii") as file:
-                file.write(faults)
-        return """
-plug disc.kvdisc
-eventually "udev knows the disc" has_property ID_FS_LABEL DISC
-"""
-
-    def outcome(self):
-        with open(self.path("outcome"), encoding="utf-8") as file:
-            return json.load(file)
 
     def edit(self, media, mount, who, faults=""):
         self.guest(self.plugged(media, faults) + mount + self.EDIT.format(who=who, command=":") + """
