@@ -15,6 +15,9 @@ struct CommandResult {
   std::size_t transferred = 0;
   /// There is no drive any more that could answer.
   bool gone = false;
+  /// Not 0: the command has not reached the drive, since this machine lacks what it takes, such as
+  /// a descriptor; an errno value. The sense says nothing then.
+  int systemError = 0;
 
   bool good() const { return sense.good(); }
 };

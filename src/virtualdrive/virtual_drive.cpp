@@ -3,6 +3,7 @@
 
 #include <algorithm>
 #include <array>
+#include <cerrno>
 #include <random>
 #include <thread>
 
@@ -23,6 +24,10 @@ std::string newSerial() {
   std::string serial;
   for (int i = 0; i < 16; ++i) serial += kLetters[random() % kLetters.size()];
   return serial;
+}
+
+bool isLackOfMeans(int errorNumber) {
+  return errorNumber == EMFILE || errorNumber == ENFILE || errorNumber == ENOMEM;
 }
 
 }  // namespace
@@ -81,8 +86,12 @@ CommandResult VirtualDrive::executeLocked(std::span<const std::uint8_t> block,
                                           std::chrono::nanoseconds* duration) const {
   const SignalsBlocked blocked;
   std::string error;
+  errno = 0;
   auto folder = DiscFolder::lock(folder_, &error);
-  if (!folder) return {kDescriptionDamaged, 0, !isThere()};
+  if (!folder) {
+    const int lacking = isLackOfMeans(errno) ? errno : 0;
+    return {kDescriptionDamaged, 0, !isThere(), lacking};
+  }
   Command command{block, dataIn, dataOut, *folder, MediumRules::of(folder->disc)};
   FaultInjector faults(*folder);
   const bool wasOpen = folder->drive.trayOpen;

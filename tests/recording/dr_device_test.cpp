@@ -2,6 +2,7 @@
 #include "platform/recording/dr_device.h"
 
 #include <gmock/gmock.h>
+#include <sys/resource.h>
 
 #include <cstdlib>
 #include <filesystem>
@@ -248,6 +249,22 @@ TEST_F(DRDeviceTest, AnswersFromSeveralThreadsAtOnce) {
   }
   for (std::thread& thread : threads) thread.join();
   EXPECT_EQ(rightAnswers, 100);
+}
+
+TEST_F(DRDeviceTest, WhoCannotAskForTheDiscDoesNotTakeItForGone) {
+  DRDevice* device = addDrive();
+  ASSERT_TRUE(device->mediaIsPresent());
+  rlimit before{};
+  ASSERT_EQ(getrlimit(RLIMIT_NOFILE, &before), 0);
+  const rlimit none{0, before.rlim_max};
+  ASSERT_EQ(setrlimit(RLIMIT_NOFILE, &none), 0);
+  const bool isPresent = device->mediaIsPresent();
+  const std::optional<std::string> type = device->mediaType();
+  ASSERT_EQ(setrlimit(RLIMIT_NOFILE, &before), 0);
+  EXPECT_TRUE(isPresent) << "the changes of its volume would be thrown away";
+  EXPECT_EQ(type, DRDeviceMediaTypeCDR);
+  EXPECT_TRUE(device->ejectMedia());
+  EXPECT_FALSE(device->mediaIsPresent());
 }
 
 TEST_F(DRDeviceTest, ADamagedDescriptionIsADriveWithoutADisc) {

@@ -11,7 +11,7 @@
 namespace kelvane::testing {
 
 /// A drive that gives the answers it was told to, in order, and notes what it was asked. Without
-/// an answer left it cannot be reached.
+/// an answer left it cannot be reached, for the reason `silence`.
 class ScriptedTransport : public mmc::Transport {
  public:
   void answerGood(std::vector<uint8_t> data = {}) {
@@ -25,7 +25,10 @@ class ScriptedTransport : public mmc::Transport {
                    std::chrono::milliseconds) override {
     commands.emplace_back(commandBlock.begin(), commandBlock.end());
     mmc::Answer answer;
-    if (answers_.empty()) return answer;
+    if (answers_.empty()) {
+      answer.errorNumber = silence;
+      return answer;
+    }
     const Scripted scripted = answers_.front();
     answers_.pop_front();
     answer.status = scripted.status;
@@ -42,6 +45,7 @@ class ScriptedTransport : public mmc::Transport {
   }
 
   std::vector<std::vector<uint8_t>> commands;
+  int silence = 0;  ///< An errno value.
 
  private:
   struct Scripted {

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-2.0-or-later
 #include "platform/recording/drive.h"
 
+#include <cerrno>
 #include <filesystem>
 #include <system_error>
 #include <utility>
@@ -14,6 +15,40 @@ namespace {
 
 // Somebody who only looks whether the lock is free holds it for a moment.
 constexpr std::chrono::milliseconds kLockPatience{100};
+
+bool meansThatDriveIsGone(int errorNumber) {
+  return errorNumber == ENOENT || errorNumber == ENXIO || errorNumber == ENODEV ||
+         errorNumber == ENOMEDIUM;
+}
+
+/// A drive's transport that notes whether a question could not be put to a drive that may be there:
+/// no descriptor is left, the right to the node was taken away, no answer came in time.
+class NotingTransport : public mmc::Transport {
+ public:
+  explicit NotingTransport(mmc::Transport& drive) : drive_(drive) {}
+
+  bool everyQuestionWasPut() const { return everyQuestionWasPut_; }
+
+  mmc::Answer read(std::span<const uint8_t> commandBlock, std::span<uint8_t> data,
+                   std::chrono::milliseconds timeLimit) override {
+    return note(drive_.read(commandBlock, data, timeLimit));
+  }
+  mmc::Answer write(std::span<const uint8_t> commandBlock, std::span<const uint8_t> data,
+                    std::chrono::milliseconds timeLimit) override {
+    return note(drive_.write(commandBlock, data, timeLimit));
+  }
+
+ private:
+  mmc::Answer note(const mmc::Answer& answer) {
+    if (answer.status == mmc::Status::Unreachable && !meansThatDriveIsGone(answer.errorNumber)) {
+      everyQuestionWasPut_ = false;
+    }
+    return answer;
+  }
+
+  mmc::Transport& drive_;
+  bool everyQuestionWasPut_ = true;
+};
 
 }  // namespace
 
@@ -54,9 +89,17 @@ bool Drive::writesCD() const {
   return writesCD_.value_or(false);
 }
 
+// Who cannot ask knows nothing of the disc, least of all that it has gone: with a disc go the
+// changes of its volume.
+void Drive::askForState() const {
+  NotingTransport transport(*transport_);
+  const MediaState state = readMediaState(transport);
+  if (transport.everyQuestionWasPut()) lastState_ = state;
+}
+
 MediaState Drive::mediaState() const {
   const std::lock_guard guard(mutex_);
-  if (!leftAlone_) lastState_ = readMediaState(*transport_);
+  if (!leftAlone_) askForState();
   return lastState_;
 }
 
@@ -115,7 +158,7 @@ void Drive::leaveAlone() {
   const std::lock_guard guard(mutex_);
   if (leftAlone_) return;
   learnNames();
-  lastState_ = readMediaState(*transport_);
+  askForState();
   lastStatus_ = readDeviceStatus(*transport_);
   leftAlone_ = true;
 }

@@ -48,7 +48,8 @@ class Drive {
   std::string displayName() const;
   bool writesCD() const;
 
-  /// Asks the drive, or repeats what it last said where it is being recorded on.
+  /// Asks the drive, or repeats what it last said where it is being recorded on or cannot be asked
+  /// now. A drive that is gone has no disc.
   MediaState mediaState() const;
   DRDeviceStatus status() const;
   /// The blocks that a medium which is written over at will has in all; empty where the drive does
@@ -74,6 +75,7 @@ class Drive {
 
  private:
   void learnNames() const;
+  void askForState() const;
 
   DriveIdentity identity_;
   std::unique_ptr<mmc::Transport> transport_;

@@ -14,6 +14,9 @@ Answer answerFrom(const virtualdrive::CommandResult& result) {
   if (result.gone) {
     answer.status = Status::Unreachable;
     answer.errorNumber = ENODEV;
+  } else if (result.systemError != 0) {
+    answer.status = Status::Unreachable;
+    answer.errorNumber = result.systemError;
   }
   return answer;
 }
