@@ -76,6 +76,16 @@ TEST(TrayCommands, OpenCloseAndUnlock) {
   EXPECT_THAT(drive.commands,
               ElementsAre(ElementsAre(0x1B, 0, 0, 0, 2, 0), ElementsAre(0x1B, 0, 0, 0, 3, 0),
                           ElementsAre(0x1E, 0, 0, 0, 0, 0)));
+  // The kernel has ordinary users open the drive for writing to unlock it.
+  EXPECT_THAT(drive.written, ElementsAre(ElementsAre(0x1E, 0, 0, 0, 0, 0)));
+}
+
+TEST(TrayCommands, AreSentAgainWhereTheDriveFirstTellsOfSomethingElse) {
+  testing::ScriptedTransport drive;
+  drive.answerCheckCondition({0x6, 0x28, 0x00});
+  drive.answerGood();
+  EXPECT_TRUE(allowMediumRemoval(drive).isGood());
+  EXPECT_EQ(drive.written.size(), 2u);
 }
 
 TEST(SgIo, WithoutADeviceIsUnreachableAndSaysWhy) {

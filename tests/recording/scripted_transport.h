@@ -24,6 +24,22 @@ class ScriptedTransport : public mmc::Transport {
   mmc::Answer read(std::span<const uint8_t> commandBlock, std::span<uint8_t> data,
                    std::chrono::milliseconds) override {
     commands.emplace_back(commandBlock.begin(), commandBlock.end());
+    return next(data);
+  }
+
+  mmc::Answer write(std::span<const uint8_t> commandBlock, std::span<const uint8_t>,
+                    std::chrono::milliseconds) override {
+    commands.emplace_back(commandBlock.begin(), commandBlock.end());
+    written.push_back(commands.back());
+    return next({});
+  }
+
+  std::vector<std::vector<uint8_t>> commands;
+  std::vector<std::vector<uint8_t>> written;  ///< Those of them that set something in the drive.
+  int silence = 0;  ///< An errno value.
+
+ private:
+  mmc::Answer next(std::span<uint8_t> data) {
     mmc::Answer answer;
     if (answers_.empty()) {
       answer.errorNumber = silence;
@@ -38,16 +54,6 @@ class ScriptedTransport : public mmc::Transport {
     return answer;
   }
 
-  mmc::Answer write(std::span<const uint8_t> commandBlock, std::span<const uint8_t>,
-                    std::chrono::milliseconds) override {
-    commands.emplace_back(commandBlock.begin(), commandBlock.end());
-    return {};
-  }
-
-  std::vector<std::vector<uint8_t>> commands;
-  int silence = 0;  ///< An errno value.
-
- private:
   struct Scripted {
     mmc::Status status;
     mmc::Sense sense;

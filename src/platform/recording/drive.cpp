@@ -6,6 +6,7 @@
 #include <system_error>
 #include <utility>
 
+#include "platform/foundation/system_log.h"
 #include "platform/recording/mmc/format_capacities.h"
 #include "platform/recording/mmc/inquiry.h"
 #include "platform/recording/mmc/tray.h"
@@ -138,7 +139,13 @@ bool Drive::openTray() {
   // A lock that a program left behind must not keep the disc in; whether it can be lifted shows in
   // the answer to the next command.
   static_cast<void>(mmc::allowMediumRemoval(*transport_));
-  if (!mmc::openTray(*transport_).isGood()) return false;
+  const mmc::Answer answer = mmc::openTray(*transport_);
+  if (answer.status == mmc::Status::CheckCondition) {
+    systemLog("%@ does not open its tray: sense %i/%i/%i", identity_.bsdName,
+              static_cast<int>(answer.sense.key), static_cast<int>(answer.sense.code),
+              static_cast<int>(answer.sense.qualifier));
+  }
+  if (!answer.isGood()) return false;
   ++trayOpenings_;
   return true;
 }

@@ -48,7 +48,7 @@ class Transport {
   virtual Answer read(std::span<const uint8_t> commandBlock, std::span<uint8_t> data,
                       std::chrono::milliseconds timeLimit) = 0;
 
-  /// Sends a command block that hands `data` to the drive.
+  /// Sends a command block that hands `data` to the drive, or sets something in it without any.
   virtual Answer write(std::span<const uint8_t> commandBlock, std::span<const uint8_t> data,
                        std::chrono::milliseconds timeLimit) = 0;
 

@@ -8,6 +8,18 @@ constexpr uint8_t kUnitAttention = 0x6;
 // A drive may hold several unit attentions at once, each of which takes the place of one answer.
 constexpr int kMostAttempts = 5;
 
+template <typename Send>
+Answer untilAnswered(const Send& send) {
+  Answer answer;
+  for (int attempt = 0; attempt < kMostAttempts; ++attempt) {
+    answer = send();
+    const bool toldOfSomethingElse =
+        answer.status == Status::CheckCondition && answer.sense.key == kUnitAttention;
+    if (!toldOfSomethingElse) break;
+  }
+  return answer;
+}
+
 }  // namespace
 
 uint8_t byteAt(std::span<const uint8_t> reply, size_t offset) {
@@ -25,13 +37,7 @@ uint32_t longAt(std::span<const uint8_t> reply, size_t offset) {
 
 Answer ask(Transport& transport, std::span<const uint8_t> commandBlock, std::span<uint8_t> data,
            std::chrono::milliseconds timeLimit) {
-  Answer answer;
-  for (int attempt = 0; attempt < kMostAttempts; ++attempt) {
-    answer = transport.read(commandBlock, data, timeLimit);
-    const bool toldOfSomethingElse =
-        answer.status == Status::CheckCondition && answer.sense.key == kUnitAttention;
-    if (!toldOfSomethingElse) break;
-  }
+  Answer answer = untilAnswered([&] { return transport.read(commandBlock, data, timeLimit); });
   if (answer.transferred > data.size()) answer.transferred = data.size();
   return answer;
 }
@@ -39,6 +45,11 @@ Answer ask(Transport& transport, std::span<const uint8_t> commandBlock, std::spa
 Answer tell(Transport& transport, std::span<const uint8_t> commandBlock,
             std::chrono::milliseconds timeLimit) {
   return ask(transport, commandBlock, {}, timeLimit);
+}
+
+Answer instruct(Transport& transport, std::span<const uint8_t> commandBlock,
+                std::chrono::milliseconds timeLimit) {
+  return untilAnswered([&] { return transport.write(commandBlock, {}, timeLimit); });
 }
 
 }  // namespace kelvane::mmc

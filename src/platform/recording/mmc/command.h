@@ -29,4 +29,9 @@ Answer ask(Transport& transport, std::span<const uint8_t> commandBlock, std::spa
 Answer tell(Transport& transport, std::span<const uint8_t> commandBlock,
             std::chrono::milliseconds timeLimit = kQuestionTimeLimit);
 
+/// The same for a command without data that sets something in the drive, for which it takes the
+/// right to write to it.
+Answer instruct(Transport& transport, std::span<const uint8_t> commandBlock,
+                std::chrono::milliseconds timeLimit = kQuestionTimeLimit);
+
 }  // namespace kelvane::mmc

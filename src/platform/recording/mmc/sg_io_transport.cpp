@@ -25,6 +25,16 @@ Answer unreachable(int errorNumber) {
   return answer;
 }
 
+// The kernel lets an ordinary user set something in a drive over a descriptor for writing only.
+// Whoever may not write is left to the kernel's judgement.
+int openNode(const std::string& path, int access) {
+  constexpr int kFlags = O_NONBLOCK | O_CLOEXEC;
+  const int descriptor = open(path.c_str(), access | kFlags);
+  const bool mayOnlyRead =
+      descriptor < 0 && access == O_RDWR && (errno == EACCES || errno == EPERM || errno == EROFS);
+  return mayOnlyRead ? open(path.c_str(), O_RDONLY | kFlags) : descriptor;
+}
+
 // What the kernel filled in, in our terms. A host or transport error means that no drive answered.
 Answer answerFrom(const sg_io_hdr_t& header, std::span<const uint8_t> sense) {
   Answer answer;
@@ -46,7 +56,7 @@ Answer answerFrom(const sg_io_hdr_t& header, std::span<const uint8_t> sense) {
 Answer SgIoTransport::read(std::span<const uint8_t> commandBlock, std::span<uint8_t> data,
                            std::chrono::milliseconds timeLimit) {
   const int direction = data.empty() ? SG_DXFER_NONE : SG_DXFER_FROM_DEV;
-  return execute(commandBlock, data.data(), data.size(), direction, timeLimit);
+  return execute(commandBlock, {data.data(), data.size(), direction}, O_RDONLY, timeLimit);
 }
 
 Answer SgIoTransport::write(std::span<const uint8_t> commandBlock, std::span<const uint8_t> data,
@@ -54,7 +64,7 @@ Answer SgIoTransport::write(std::span<const uint8_t> commandBlock, std::span<con
   // The kernel only reads the data of this direction; its interface has one pointer for both.
   void* source = const_cast<uint8_t*>(data.data());
   const int direction = data.empty() ? SG_DXFER_NONE : SG_DXFER_TO_DEV;
-  return execute(commandBlock, source, data.size(), direction, timeLimit);
+  return execute(commandBlock, {source, data.size(), direction}, O_RDWR, timeLimit);
 }
 
 bool SgIoTransport::refusesExclusiveAccess() const {
@@ -63,12 +73,12 @@ bool SgIoTransport::refusesExclusiveAccess() const {
   return descriptor < 0;
 }
 
-Answer SgIoTransport::execute(std::span<const uint8_t> commandBlock, void* data, size_t size,
-                              int direction, std::chrono::milliseconds timeLimit) const {
+Answer SgIoTransport::execute(std::span<const uint8_t> commandBlock, const Transfer& transfer,
+                              int access, std::chrono::milliseconds timeLimit) const {
   if (commandBlock.empty() || commandBlock.size() > kLongestCommandBlock) {
     return unreachable(EINVAL);
   }
-  const int descriptor = open(devicePath_.c_str(), O_RDONLY | O_NONBLOCK | O_CLOEXEC);
+  const int descriptor = openNode(devicePath_, access);
   if (descriptor < 0) return unreachable(errno);
 
   std::array<uint8_t, kLongestCommandBlock> command{};
@@ -76,13 +86,13 @@ Answer SgIoTransport::execute(std::span<const uint8_t> commandBlock, void* data,
   std::array<uint8_t, 64> sense{};
   sg_io_hdr_t header{};
   header.interface_id = 'S';
-  header.dxfer_direction = direction;
+  header.dxfer_direction = transfer.direction;
   header.cmdp = command.data();
   header.cmd_len = static_cast<unsigned char>(commandBlock.size());
   header.sbp = sense.data();
   header.mx_sb_len = sense.size();
-  header.dxferp = data;
-  header.dxfer_len = static_cast<unsigned>(size);
+  header.dxferp = transfer.data;
+  header.dxfer_len = static_cast<unsigned>(transfer.size);
   header.timeout = static_cast<unsigned>(timeLimit.count());
   const int result = ioctl(descriptor, SG_IO, &header);
   const int errorNumber = errno;

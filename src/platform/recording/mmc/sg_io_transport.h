@@ -28,7 +28,14 @@ class SgIoTransport : public Transport {
   bool refusesExclusiveAccess() const override;
 
  private:
-  Answer execute(std::span<const uint8_t> commandBlock, void* data, size_t size, int direction,
+  // The data of a command, as the kernel's interface has it.
+  struct Transfer {
+    void* data;
+    size_t size;
+    int direction;
+  };
+
+  Answer execute(std::span<const uint8_t> commandBlock, const Transfer& transfer, int access,
                  std::chrono::milliseconds timeLimit) const;
 
   std::string devicePath_;

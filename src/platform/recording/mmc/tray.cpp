@@ -20,7 +20,7 @@ Answer startStopUnit(Transport& transport, uint8_t action) {
 
 Answer allowMediumRemoval(Transport& transport) {
   constexpr std::array<uint8_t, 6> kCommandBlock{0x1E, 0, 0, 0, 0, 0};
-  return tell(transport, kCommandBlock);
+  return instruct(transport, kCommandBlock);
 }
 
 Answer openTray(Transport& transport) {
