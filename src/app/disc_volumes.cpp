@@ -2,6 +2,7 @@
 #include "app/disc_volumes.h"
 
 #include "platform/recording/dr_device.h"
+#include "platform/volumes/device_hold.h"
 #include "platform/volumes/unmount.h"
 
 namespace kelvane {
@@ -43,6 +44,7 @@ std::optional<std::string> unmountVisibleVolumes(
     if (!unmountVolume(*volume, services, sleep)) return volume;
     volume = visibleVolumeOf(device, services);
   }
+  if (!volume) waitUntilNobodyHolds("/dev/" + device.bsdName(), services);
   return volume;
 }
 
