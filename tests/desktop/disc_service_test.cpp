@@ -69,7 +69,7 @@ TEST_F(DiscServiceTest, OneThatDoesNotAnswerInTimeIsGivenUp) {
   FakeDiscService service(bus_.services(), "sr0");
   service.manner = Manner::Waits;
   EXPECT_EQ(answerTo([] { return desktop::mountThroughDiscService("sr0", kShortPatience); }),
-            DiscServiceAnswer::Refused);
+            DiscServiceAnswer::Unanswered);
 }
 
 }  // namespace

@@ -18,6 +18,13 @@ TEST(VisibleFolderTest, CharactersThatNoFolderCanHaveBecomeUnderscores) {
   EXPECT_EQ(visibleFolderName(std::string("a\0b", 3)), "a_b");
 }
 
+TEST(VisibleFolderTest, ANameInAnotherCharacterSetBecomesOneThatProgramsCanPassOn) {
+  EXPECT_EQ(visibleFolderName("Gr\xFC\xDF"
+                              "e"),
+            "Gr\xEF\xBF\xBD\xEF\xBF\xBD"
+            "e");
+}
+
 TEST(VisibleFolderTest, AVolumeWithoutAUsableNameIsCalledCdrom) {
   for (const char* name : {"", " ", "   ", ".", ".."}) {
     EXPECT_EQ(visibleFolderName(name), "CDROM") << name;

@@ -2,6 +2,7 @@
 #include "platform/desktop/disc_service.h"
 
 #include <QDBusConnection>
+#include <QDBusError>
 #include <QDBusMessage>
 #include <QVariantMap>
 
@@ -18,8 +19,12 @@ constexpr char kAlreadyMounted[] = "org.freedesktop.UDisks2.Error.AlreadyMounted
 DiscServiceAnswer meaningOf(const QDBusMessage& answer) {
   if (answer.type() == QDBusMessage::ReplyMessage) return DiscServiceAnswer::Done;
   if (isServiceAbsent(answer)) return DiscServiceAnswer::Absent;
-  return answer.errorName() == QLatin1String(kAlreadyMounted) ? DiscServiceAnswer::AlreadyMounted
-                                                              : DiscServiceAnswer::Refused;
+  if (answer.errorName() == QLatin1String(kAlreadyMounted))
+    return DiscServiceAnswer::AlreadyMounted;
+  const QDBusError::ErrorType error = QDBusError(answer).type();
+  const bool isLate =
+      error == QDBusError::NoReply || error == QDBusError::Timeout || error == QDBusError::TimedOut;
+  return isLate ? DiscServiceAnswer::Unanswered : DiscServiceAnswer::Refused;
 }
 
 }  // namespace

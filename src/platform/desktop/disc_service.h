@@ -13,8 +13,9 @@ namespace kelvane::desktop {
 enum class DiscServiceAnswer {
   Done,
   AlreadyMounted,
-  Refused,  ///< This user may not, or it cannot be done.
-  Absent,   ///< There is no such service, or it does not know the drive or its volume.
+  Refused,     ///< This user may not, or it cannot be done.
+  Unanswered,  ///< It takes its time, and may still mount the disc.
+  Absent,      ///< There is no such service, or it does not know the drive or its volume.
 };
 
 /// Mounts the disc in the drive of this kernel name ("sr0") where the desktop has its volumes, and

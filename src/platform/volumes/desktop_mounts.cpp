@@ -8,8 +8,7 @@ std::vector<std::string> desktopDiscMounts(const std::vector<MountTableLine>& ta
                                            const std::string& hiddenMountPoint) {
   std::vector<std::string> mountPoints;
   for (const MountTableLine& line : table) {
-    const bool isDisc = line.kernelType == "iso9660" || line.kernelType == "udf";
-    if (!isDisc || !line.mountedFrom.starts_with("/dev/sr")) continue;
+    if (!line.mountedFrom.starts_with("/dev/sr")) continue;
     if (line.mountedOn.starts_with(volumesDirectory + "/")) continue;
     if (line.mountedOn != hiddenMountPoint) mountPoints.push_back(line.mountedOn);
   }

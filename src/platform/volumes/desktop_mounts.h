@@ -9,7 +9,7 @@
 namespace kelvane {
 
 /// Where the desktop has mounted discs of real drives ("/dev/sr0") by itself: the mount points of
-/// the kernel's ISO-9660 and UDF volumes, in the order of the table, except those below
+/// their volumes, of whatever type, in the order of the table, except those below
 /// `volumesDirectory`, which are found by listing it, and `hiddenMountPoint`, which nobody is to
 /// see.
 std::vector<std::string> desktopDiscMounts(const std::vector<MountTableLine>& table,

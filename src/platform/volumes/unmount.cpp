@@ -28,7 +28,10 @@ int unmountWith(const std::string& program, std::vector<std::string> arguments,
   if (!task.launch()) return ENOENT;
   task.waitBlocking(-1);
   if (task.terminationStatus() == 0) return kUnmountDone;
-  const bool busy = task.readStandardErrorToEnd().find("busy") != std::string::npos;
+  // UDisks2 says it in its own language, with the name of the error before it.
+  const std::string words = task.readStandardErrorToEnd();
+  const bool busy =
+      words.find("busy") != std::string::npos || words.find("DeviceBusy") != std::string::npos;
   return busy ? kUnmountBusy : EPERM;
 }
 
