@@ -336,8 +336,8 @@
         <translation>Die Disc konnte nicht zum Ändern geöffnet werden</translation>
     </message>
     <message id="MountFailedLong">
-        <source>The writable volume could not be mounted. Nothing on the disc has changed. Check that you may use FUSE and that no other volume lies at the place where KelvaneFS shows its discs, then open the disc again.</source>
-        <translation>Das beschreibbare Volume konnte nicht eingehängt werden. Auf der Disc hat sich nichts geändert. Prüfen Sie, ob Sie FUSE benutzen dürfen und ob dort, wo KelvaneFS seine Discs zeigt, kein anderes Volume liegt, und öffnen Sie die Disc dann noch einmal.</translation>
+        <source>The writable volume could not be mounted. Nothing on the disc has changed. Check that you may use FUSE and that no other volume lies at the place where KelvaneFS shows its discs, then take the disc out and insert it again.</source>
+        <translation>Das beschreibbare Volume konnte nicht eingehängt werden. Auf der Disc hat sich nichts geändert. Prüfen Sie, ob Sie FUSE benutzen dürfen und ob dort, wo KelvaneFS seine Discs zeigt, kein anderes Volume liegt. Nehmen Sie die Disc dann heraus und legen Sie sie wieder ein.</translation>
     </message>
     <message id="DriveClosed">
         <source>You may not write with this drive</source>
@@ -466,6 +466,22 @@
     <message id="EraseVolumeBusyLong">
         <source>A program still has files or folders of the disc open, so it has not been erased. Close that program, or leave the disc’s folder in it, then erase the disc again.</source>
         <translation>Ein Programm hat noch Dateien oder Ordner der Disc geöffnet, deshalb wurde sie nicht gelöscht. Beenden Sie das Programm oder verlassen Sie darin den Ordner der Disc, und löschen Sie die Disc dann noch einmal.</translation>
+    </message>
+    <message id="BurnDiscChanged">
+        <source>Another disc is in the drive</source>
+        <translation>Im Laufwerk liegt eine andere Disc</translation>
+    </message>
+    <message id="BurnDiscChangedLong">
+        <source>The disc in the drive is not the one that you opened and changed, so nothing was written to it. Your changes are kept, and the report says where. Insert the disc that you opened, and copy the changes onto it.</source>
+        <translation>Die Disc im Laufwerk ist nicht die, die Sie geöffnet und geändert haben; deshalb wurde nichts darauf geschrieben. Ihre Änderungen werden aufgehoben; der Bericht sagt, wo. Legen Sie die Disc ein, die Sie geöffnet hatten, und kopieren Sie die Änderungen darauf.</translation>
+    </message>
+    <message id="BurnDiscInUse">
+        <source>The disc is still in use</source>
+        <translation>Die Disc wird noch benutzt</translation>
+    </message>
+    <message id="BurnDiscInUseLong">
+        <source>A program uses the disc itself, which the desktop has mounted a second time, so nothing was written. Your changes are kept, and the report says where. Close that program, open the disc again and copy the changes onto it.</source>
+        <translation>Ein Programm benutzt die Disc selbst, die der Desktop ein zweites Mal eingehängt hat; deshalb wurde nichts geschrieben. Ihre Änderungen werden aufgehoben; der Bericht sagt, wo. Beenden Sie das Programm, öffnen Sie die Disc noch einmal und kopieren Sie die Änderungen darauf.</translation>
     </message>
     <!-- Notifications of the desktop -->
     <message id="NoticeBurned">

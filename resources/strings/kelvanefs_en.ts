@@ -336,8 +336,8 @@
         <translation>The disc could not be opened for changes</translation>
     </message>
     <message id="MountFailedLong">
-        <source>The writable volume could not be mounted. Nothing on the disc has changed. Check that you may use FUSE and that no other volume lies at the place where KelvaneFS shows its discs, then open the disc again.</source>
-        <translation>The writable volume could not be mounted. Nothing on the disc has changed. Check that you may use FUSE and that no other volume lies at the place where KelvaneFS shows its discs, then open the disc again.</translation>
+        <source>The writable volume could not be mounted. Nothing on the disc has changed. Check that you may use FUSE and that no other volume lies at the place where KelvaneFS shows its discs, then take the disc out and insert it again.</source>
+        <translation>The writable volume could not be mounted. Nothing on the disc has changed. Check that you may use FUSE and that no other volume lies at the place where KelvaneFS shows its discs, then take the disc out and insert it again.</translation>
     </message>
     <message id="DriveClosed">
         <source>You may not write with this drive</source>
@@ -466,6 +466,22 @@
     <message id="EraseVolumeBusyLong">
         <source>A program still has files or folders of the disc open, so it has not been erased. Close that program, or leave the disc’s folder in it, then erase the disc again.</source>
         <translation>A program still has files or folders of the disc open, so it has not been erased. Close that program, or leave the disc’s folder in it, then erase the disc again.</translation>
+    </message>
+    <message id="BurnDiscChanged">
+        <source>Another disc is in the drive</source>
+        <translation>Another disc is in the drive</translation>
+    </message>
+    <message id="BurnDiscChangedLong">
+        <source>The disc in the drive is not the one that you opened and changed, so nothing was written to it. Your changes are kept, and the report says where. Insert the disc that you opened, and copy the changes onto it.</source>
+        <translation>The disc in the drive is not the one that you opened and changed, so nothing was written to it. Your changes are kept, and the report says where. Insert the disc that you opened, and copy the changes onto it.</translation>
+    </message>
+    <message id="BurnDiscInUse">
+        <source>The disc is still in use</source>
+        <translation>The disc is still in use</translation>
+    </message>
+    <message id="BurnDiscInUseLong">
+        <source>A program uses the disc itself, which the desktop has mounted a second time, so nothing was written. Your changes are kept, and the report says where. Close that program, open the disc again and copy the changes onto it.</source>
+        <translation>A program uses the disc itself, which the desktop has mounted a second time, so nothing was written. Your changes are kept, and the report says where. Close that program, open the disc again and copy the changes onto it.</translation>
     </message>
     <!-- Notifications of the desktop -->
     <message id="NoticeBurned">

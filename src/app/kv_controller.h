@@ -54,7 +54,8 @@ class KVController : public WindowActions {
   void installationAlertDidEnd(int returnCode);
 
   // The list of discs.
-  /// Schedules a scan on the main thread; from any thread.
+  /// Schedules a scan on the main thread; from any thread. However often it is asked for, one scan
+  /// waits at the most.
   void scanForMedia();
   void performScanForMedia();
   bool tableViewShouldSelectRow(int32_t row) override;
@@ -66,6 +67,9 @@ class KVController : public WindowActions {
   /// Closes the volume: asks the file system to unmount, and tells the user where a program still
   /// uses it. False where the volume stays open.
   bool closeVolume();
+  /// The file system could not be mounted. What was made for it is taken back; the disc counts as
+  /// being opened until it is taken out of the drive.
+  void mountFailed();
 
   // Burning.
   void burnConfirmationDidConfirm() override;
@@ -133,16 +137,21 @@ class KVController : public WindowActions {
  private:
   // The list of discs (kv_controller_scan.cpp).
   void applyScanOutcome(const ScanOutcome& outcome);
+  /// Whether the drive certainly holds another disc than the one of the record.
+  static bool holdsAnotherDisc(const DeviceRecord& record);
+  void giveUpDiscThatFailedToMount();
 
   // Opening and closing (kv_controller_mount.cpp).
   /// The body of the mount worker. `discIsNoted` is counted down once the current device is set.
   void mountBurnFSinBackground(std::latch& discIsNoted);
   /// Takes the disc's own volume out of sight and gives the path of the hidden mount. Empty, and
-  /// logged, where it fails.
-  std::optional<std::string> takeOverDiscWithContent(std::string& volumeName);
+  /// logged, where it fails; `inUse` says then who uses the volume, where that can be seen.
+  std::optional<std::string> takeOverDiscWithContent(std::string& volumeName, std::string& inUse);
   void mountOverlay(const DeviceRecord& record, const std::string& volumeName,
                     const std::optional<std::string>& discMountPath, double usedMB);
   void refuseToOpen(const std::string& reason);
+  void listDiscsAnew();
+  void makeUpForRefusedScan();
   void registerMountObservers();
   void respondToBurnFSMounting();
   void performRespondToBurnFSMounting();
@@ -157,9 +166,11 @@ class KVController : public WindowActions {
 
   // Burning (kv_controller_burn.cpp, kv_controller_cd.cpp, kv_controller_dvd.cpp).
   void removeOverlayAndHideList();
+  bool discIsOursAlone();
   std::string whyOverlayIsUnsafe() const;
   std::string whyHideListIsUnsafe() const;
-  void refuseBurn(const std::string& messageKey, const std::string& reason);
+  void refuseBurn(const std::string& messageKey, const std::string& reason,
+                  const std::string& informativeKey = "SessionNotPreparedLong");
   void withdrawBurnQuestion();
   void ejectMediaOfCurrentDevice();
   void giveUpCurrentDevice();
@@ -195,6 +206,8 @@ class KVController : public WindowActions {
   std::string tmpDirPath_;
   bool hideListIsWhole_ = true;  // Written with `sizetoburn`.
   std::string openButtonCaption_;
+  bool scanWasRefused_ = false;  ///< While a disc was being opened.
+  bool mountHasFailed_ = false;  ///< That of the current device's disc.
   bool mediaIsMounted_ = false;
   bool burnInProgress_ = false;
   BurnEnd burnEnd_ = BurnEnd::Failed;  ///< Of the burn in progress, as far as is known.
@@ -212,6 +225,7 @@ class KVController : public WindowActions {
   std::shared_ptr<GMUserFileSystem> tarnwickFS_;
   double sizetoburn_ = 0;
 
+  std::atomic<bool> scanWaits_ = false;
   std::atomic<bool> mountedItemUpdateWaits_ = false;
   std::thread mountWorker_;
 };

@@ -3,7 +3,9 @@
 #include <typeinfo>
 #include <utility>
 
+#include "app/disc_volumes.h"
 #include "app/kv_controller.h"
+#include "app/volume_users.h"
 #include "app/warning_alert.h"
 #include "burn/apple_double_files.h"
 #include "burn/kept_changes.h"
@@ -71,11 +73,30 @@ void KVController::burn() {
       directoryState(tmpDirPath_) == PathState::Own) {
     removeAppleDoubleFiles(tmpDirPath_);
   }
+  if (!discIsOursAlone()) return;
   if (isDVDForGrowisofs(currentDevice()->mediaType())) {
     burnDVD();
   } else {
     burnCD();
   }
+}
+
+// The burn is refused where the drive holds another disc by now, which the changes do not belong to
+// and which may not even be blank, or where somebody uses a volume of the disc: a program that
+// burns has the drive alone or not at all.
+bool KVController::discIsOursAlone() {
+  const std::optional<DeviceRecord> record = currentDeviceDictionary();
+  if (record && holdsAnotherDisc(*record)) {
+    systemLog("Burn refused. Another disc is in the drive than the one that was opened.");
+    refuseBurn("BurnDiscChanged", {}, "BurnDiscChangedLong");
+    return false;
+  }
+  const std::optional<std::string> inUse =
+      unmountVisibleVolumes(*currentDevice(), *services_.volumes, services_.sleep);
+  if (!inUse) return true;
+  systemLog("Burn refused. %@ is in use.", *inUse);
+  refuseBurn("BurnDiscInUse", describeVolumeUsers(programsUsing(*inUse)), "BurnDiscInUseLong");
+  return false;
 }
 
 void KVController::removeOverlayAndHideList() {
@@ -97,6 +118,7 @@ void KVController::giveUpCurrentDevice() {
 }
 
 void KVController::cleanupWithoutBurn() {
+  withdrawBurnQuestion();
   setMediaIsMounted(false);
   setOpenButtonCaption(localizedString("buttonopen"));
   removeOverlayAndHideList();
@@ -145,10 +167,11 @@ std::string KVController::whyHideListIsUnsafe() const {
 
 // Ends the burn before it has begun. Unlike a failure of the programs, this is not due to the
 // changes, which are kept.
-void KVController::refuseBurn(const std::string& messageKey, const std::string& reason) {
+void KVController::refuseBurn(const std::string& messageKey, const std::string& reason,
+                              const std::string& informativeKey) {
   window_.burnProgressIndicator().stopAnimation();
   Alert alert = warningAlert(messageKey, {});
-  alert.informativeKey = "SessionNotPreparedLong";
+  alert.informativeKey = informativeKey;
   alert.detail = reason;
   if (const std::string kept = keepChanges(tmpDirPath_); !kept.empty()) {
     // An alert may go unread: a pending quit ends the application behind it.

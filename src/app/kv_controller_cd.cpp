@@ -63,6 +63,11 @@ void KVController::burnCD() {
     imagingFailed(errors);
     return;
   }
+  // Somebody may have mounted the disc while the image was built.
+  if (!discIsOursAlone()) {
+    removeOwn(burnImagePath_);
+    return;
+  }
   if (!device.acquireExclusiveAccess()) {
     systemLog(
         "WARNING! Exclusive access to burning device denied after CD imaging! Burn is likely to "

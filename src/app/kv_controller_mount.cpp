@@ -7,6 +7,7 @@
 #include <fstream>
 #include <latch>
 #include <system_error>
+#include <utility>
 
 #include "app/kv_controller.h"
 #include "app/volume_users.h"
@@ -88,6 +89,11 @@ void KVController::mountBurnFSinBackground(std::latch& discIsNoted) {
   setTmpDirPath(paths::overlayDirectory(paths::secondsSinceReferenceDate()));
   discIsNoted.count_down();
 
+  if (holdsAnotherDisc(record)) {
+    systemLog("%@ holds another disc by now. Looking again.", record.DRDevice->bsdName());
+    performOnMainThread([this] { listDiscsAnew(); });
+    return;
+  }
   if (const std::string path = pathInTheWay(tmpDirPath_); !path.empty()) {
     refuseToOpen(format("%@ is somebody else's, or not what KelvaneFS needs there.", path));
     return;
@@ -96,9 +102,10 @@ void KVController::mountBurnFSinBackground(std::latch& discIsNoted) {
   std::optional<std::string> discMountPath;
   double usedMB = 0;
   if (!record.consideredBlank.value_or(false)) {
-    discMountPath = takeOverDiscWithContent(volumeName);
+    std::string inUse;
+    discMountPath = takeOverDiscWithContent(volumeName, inUse);
     if (!discMountPath) {
-      performOnMainThread([this] { showPerformMountFailedAlertAndReset(); });
+      performOnMainThread([this, inUse] { showPerformMountFailedAlertAndReset(inUse); });
       return;
     }
     usedMB = quellbrook::fsMediaMBUsed(*record.DRDevice, *discMountPath, *services_.volumes);
@@ -106,7 +113,8 @@ void KVController::mountBurnFSinBackground(std::latch& discIsNoted) {
   mountOverlay(record, volumeName, discMountPath, usedMB);
 }
 
-std::optional<std::string> KVController::takeOverDiscWithContent(std::string& volumeName) {
+std::optional<std::string> KVController::takeOverDiscWithContent(std::string& volumeName,
+                                                                 std::string& inUse) {
   const DRDevice& device = *currentDevice_.load();
   const auto mountPath =
       quellbrook::mountPathForFallbackBsdName(device, std::nullopt, *services_.volumes);
@@ -119,6 +127,7 @@ std::optional<std::string> KVController::takeOverDiscWithContent(std::string& vo
   auto hiddenMountPath = quellbrook::remounthidden(device, *services_.volumes);
   if (!hiddenMountPath) {
     systemLog("Remounting of disk with content failed! kelvanefs not mounted. Showing error.");
+    inUse = describeVolumeUsers(programsUsing(*mountPath));
   }
   return hiddenMountPath;
 }
@@ -173,6 +182,29 @@ void KVController::performRespondToBurnFSMounting() {
     window_.selectFile(paths::overlayMountPoint(), paths::volumesDirectory() + "/");
     window_.hideApplication();
   }
+  makeUpForRefusedScan();
+}
+
+// Nobody tells a second time what happened to the drives while a disc was being opened.
+void KVController::makeUpForRefusedScan() {
+  if (std::exchange(scanWasRefused_, false)) scanForMedia();
+}
+
+// The disc that was to be opened is not in the drive any more; another one is.
+void KVController::listDiscsAnew() {
+  window_.setHeaderLine(localizedString("headerDisksAvail"));
+  scanWasRefused_ = false;
+  giveUpCurrentDevice();
+  scanForMedia();
+}
+
+void KVController::mountFailed() {
+  NotificationCenter::defaultCenter().removeObserver(this);
+  releaseOverlay();
+  mountHasFailed_ = true;
+  removeOverlayAndHideList();
+  if (DRDevice* device = currentDevice_) services_.discWillBeEjected(device->bsdName());
+  makeUpForRefusedScan();
 }
 
 void KVController::showPerformMountFailedAlertAndReset(const std::string& detail) {
@@ -185,9 +217,15 @@ void KVController::showPerformMountFailedAlertAndReset(const std::string& detail
   alert.style = Alert::Style::Warning;
   window_.beginAlertSheet(alert, nullptr);
   window_.setHeaderLine(localizedString("headerDisksAvail"));
-  const std::string bsdName = currentDevice_.load()->bsdName();
-  currentDevice_ = nullptr;
-  services_.discIsClosed(bsdName);
+  // One that is still there would be opened again, and fail again.
+  const bool isAnother =
+      holdsAnotherDisc(*currentDeviceDictionary()) || !currentDevice()->mediaIsPresent();
+  giveUpCurrentDevice();
+  if (isAnother) {
+    makeUpForRefusedScan();
+  } else {
+    scanWasRefused_ = false;
+  }
 }
 
 bool KVController::closeVolume() {
@@ -227,6 +265,8 @@ void KVController::releaseOverlay() {
 }
 
 void KVController::concludeUnmount() {
+  // The disc has gone in the meantime, and its clean-up has run.
+  if (currentDevice_ == nullptr) return;
   std::error_code failure;
   const std::filesystem::directory_iterator entries(tmpDirPath_, failure);
   if (failure || entries == std::filesystem::directory_iterator()) {

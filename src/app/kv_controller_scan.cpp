@@ -3,6 +3,7 @@
 #include "app/kv_controller.h"
 #include "media/media_scan.h"
 #include "platform/foundation/main_thread.h"
+#include "platform/foundation/strings_table.h"
 #include "platform/foundation/system_log.h"
 #include "platform/recording/dr_device.h"
 #include "ui/media_controller.h"
@@ -10,16 +11,22 @@
 namespace kelvane {
 
 void KVController::scanForMedia() {
-  performOnMainThread([this] { performScanForMedia(); });
+  if (scanWaits_.exchange(true)) return;
+  performOnMainThread([this] {
+    scanWaits_ = false;
+    performScanForMedia();
+  });
 }
 
 void KVController::performScanForMedia() {
+  giveUpDiscThatFailedToMount();
   switch (scanAction({mediaIsMounted_, burnInProgress_, currentDevice_})) {
     case ScanAction::ReportDisappearedMedia:
       systemLog("Opened media disappeared unexpectedly.");
       respondToUnexpectedMediaEject();
       return;
     case ScanAction::LeaveListAlone:
+      scanWasRefused_ = scanWasRefused_ || (!mediaIsMounted_ && !burnInProgress_);
       return;
     case ScanAction::RebuildList:
       break;
@@ -31,6 +38,19 @@ void KVController::performScanForMedia() {
   media.removeArrangedObjects();
   media.addObjects(std::move(records));
   applyScanOutcome(scanOutcome(media.arrangedObjects(), media.selectionIndex()));
+}
+
+// Requests to open it are ignored until it has left the drive.
+void KVController::giveUpDiscThatFailedToMount() {
+  if (!mountHasFailed_ || currentDevice_ == nullptr || currentDevice()->mediaIsPresent()) return;
+  mountHasFailed_ = false;
+  window_.setHeaderLine(localizedString("headerDisksAvail"));
+  giveUpCurrentDevice();
+}
+
+bool KVController::holdsAnotherDisc(const DeviceRecord& record) {
+  const std::string now = record.DRDevice->mediaIdentity();
+  return !now.empty() && !record.mediaIdentity.empty() && now != record.mediaIdentity;
 }
 
 void KVController::applyScanOutcome(const ScanOutcome& outcome) {

@@ -105,6 +105,7 @@ void WindowSession::offerEjectedDiscs() {
 }
 
 void WindowSession::mountFailed(const std::string& reason) {
+  controller_.mountFailed();
   Alert alert;
   alert.buttonKeys = {"OK"};
   alert.messageKey = "MountFailed";

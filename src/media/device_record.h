@@ -39,6 +39,8 @@ struct DeviceRecord {
   std::optional<std::string> totalMB;
   /// Why the disc cannot be opened, in the user's language; "" for a disc that is still loading.
   std::optional<std::string> unsupportedString;
+  /// Tells the disc from another one that is in the drive later (DRDevice::mediaIdentity).
+  std::string mediaIdentity = {};
 
   friend bool operator==(const DeviceRecord&, const DeviceRecord&) = default;
 };

@@ -105,8 +105,10 @@ std::vector<DeviceRecord> buildDeviceRecords(std::span<DRDevice* const> devices,
     DeviceRecord record = emptyRecord(*device);
     if (device->mediaIsTransitioning()) {
       describeLoadingDisc(record);
-    } else if (!describeDisc(record, services)) {
-      continue;
+    } else {
+      // Before anything is waited for: the next disc may have come by then.
+      record.mediaIdentity = device->mediaIdentity();
+      if (!describeDisc(record, services)) continue;
     }
     records.push_back(std::move(record));
   }

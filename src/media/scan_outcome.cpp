@@ -44,7 +44,10 @@ ScanOutcome scanOutcome(std::span<const DeviceRecord> records,
                         std::optional<size_t> selectionIndex) {
   if (isLoadingDiscAlone(records)) return outcomeForLoadingDisc();
   ScanOutcome outcome;
-  if (!selectionIndex) outcome.selectionIndex = firstUsable(records);
+  // A selection that stands where no disc can be selected any more is none.
+  const bool isSelected =
+      selectionIndex && *selectionIndex < records.size() && isUsable(records[*selectionIndex]);
+  if (!isSelected) outcome.selectionIndex = firstUsable(records);
   const bool single = std::count_if(records.begin(), records.end(), isUsable) == 1;
   const bool showsMessage = records.empty() || single;
   const Visibility list = showsMessage ? Visibility::Hidden : Visibility::Shown;

@@ -11,6 +11,7 @@
 #include "platform/recording/dr_burn_status.h"
 #include "platform/recording/dr_notification_center.h"
 #include "platform/recording/drive.h"
+#include "platform/volumes/unmount.h"
 #include "recording/scripted_transport.h"
 
 namespace kelvane::test {
@@ -319,6 +320,63 @@ TEST_F(KVControllerCD, AFailedBurnIsLoggedAndShownOnceTheImageAndTheDriveAreLetG
   EXPECT_EQ(window_.alerts[0].style, Alert::Style::Warning);
   EXPECT_EQ(window_.alerts[0].detail, "no laser");
   expectIdle();
+}
+
+class KVControllerCDRefusal : public KVControllerCD {
+ protected:
+  /// The burn has not begun, and what was changed is where the user is told.
+  void expectRefusal(const std::string& messageKey) {
+    EXPECT_THAT(bundle_.notes(), Not(HasSubstr("recorder")));
+    ASSERT_EQ(window_.alerts.size(), 1u);
+    EXPECT_EQ(window_.alerts[0].messageKey, messageKey);
+    EXPECT_EQ(window_.alerts[0].informativeKey, messageKey + "Long");
+    EXPECT_THAT(window_.alerts[0].detail,
+                HasSubstr("Your changes are kept in " + overlay_ + ".kept."));
+    EXPECT_TRUE(fs::exists(overlay_ + ".kept/a.txt"));
+    EXPECT_FALSE(fs::exists(image_));
+    EXPECT_EQ(controller_.currentDevice(), nullptr);
+    EXPECT_FALSE(controller_.burnInProgress());
+  }
+
+  void openDiscWithIdentity(const std::string& identity) {
+    DeviceRecord record = *controller_.currentDeviceDictionary();
+    record.mediaIdentity = identity;
+    controller_.setCurrentDeviceDictionary(record);
+  }
+};
+
+TEST_F(KVControllerCDRefusal, AnotherDiscThanTheOneThatWasOpenedIsNotWrittenTo) {
+  openDiscWithIdentity("the disc");
+  burner_.identity = "another disc";
+  burn();
+  expectRefusal("BurnDiscChanged");
+  EXPECT_THAT(bundle_.notes(), Not(HasSubstr("mkisofs")));
+}
+
+TEST_F(KVControllerCDRefusal, ADiscThatCannotBeToldIsTakenForTheOneThatWasOpened) {
+  openDiscWithIdentity("the disc");
+  burn();
+  EXPECT_THAT(bundle_.notes(), HasSubstr("recorder"));
+  EXPECT_TRUE(window_.alerts.empty());
+}
+
+TEST_F(KVControllerCDRefusal, ADiscThatTheDesktopHasMountedAndSomebodyUsesIsNotBurned) {
+  notingVolumes_.addVisible("/run/media/ann/DISC", "/dev/kv0");
+  notingVolumes_.lastStatus = kUnmountBusy;
+  burn();
+  expectRefusal("BurnDiscInUse");
+  EXPECT_THAT(bundle_.notes(), Not(HasSubstr("mkisofs")));
+}
+
+TEST_F(KVControllerCDRefusal, NorOneThatIsMountedWhileTheImageIsBuilt) {
+  window_.onCall = [this](const std::string& call) {
+    if (call != "burnMessage preparingdata") return;
+    notingVolumes_.addVisible("/run/media/ann/DISC", "/dev/kv0");
+    notingVolumes_.lastStatus = kUnmountBusy;
+  };
+  EXPECT_THAT(burn(), Not(Contains("acquire")));
+  expectRefusal("BurnDiscInUse");
+  EXPECT_THAT(bundle_.notes(), HasSubstr("mkisofs"));
 }
 
 TEST_F(KVControllerCD, TheBarTellsNothingUntilThereIsSomethingToTell) {

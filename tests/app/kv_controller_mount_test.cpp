@@ -6,6 +6,7 @@
 
 #include "app/controller_fixture.h"
 #include "platform/foundation/paths.h"
+#include "platform/volumes/unmount.h"
 
 namespace kelvane::test {
 namespace {
@@ -18,9 +19,10 @@ namespace fs = std::filesystem;
 
 class KVControllerMount : public ControllerFixture {
  protected:
-  void listSample() {
+  void listSample(const std::string& identity = "the disc") {
     DeviceRecord record;
     record.DRDevice = &device_;
+    record.mediaIdentity = identity;
     record.description = {"SAMPLE", "KELVANE BURNER", "CDR"};
     record.consideredBlank = false;
     record.totalMB = "680.0";
@@ -110,6 +112,98 @@ TEST_F(KVControllerMount, ADiscThatCannotBeRemountedFailsToOpen) {
   EXPECT_THAT(log_.lines(), Contains("Remounting of disk with content failed! kelvanefs not "
                                      "mounted. Showing error."));
   EXPECT_TRUE(window_.has("alert Unmountfailed Unmountfailedlong"));
+}
+
+TEST_F(KVControllerMount, ADiscInWhosePlaceAnotherHasComeIsNotOpenedAndTheListIsMadeAnew) {
+  listSample();
+  volumes_.addVisible(paths::volumesDirectory() + "/SAMPLE", "/dev/kv0s0");
+  device_.identity = "another disc";
+  int scans = 0;
+  services_.discsWillBeScanned = [&scans] { ++scans; };
+  controller_.mountBurnFS();
+  turnUntil([&scans] { return scans > 0; });
+  EXPECT_THAT(log_.lines(), ElementsAre("kv0 holds another disc by now. Looking again."));
+  EXPECT_THAT(volumes_.unmounted, IsEmpty()) << "the other disc was taken for the one listed";
+  EXPECT_EQ(controller_.currentDevice(), nullptr);
+  EXPECT_THAT(window_.calls, Contains("header headerDisksAvail"));
+  EXPECT_TRUE(window_.alerts.empty());
+}
+
+TEST_F(KVControllerMount, WhoKeepsTheDiscFromBeingOpenedIsNamed) {
+  listSample();
+  const std::string volume = paths::volumesDirectory() + "/SAMPLE";
+  fs::create_directories(volume);
+  std::ofstream user(volume + "/used");
+  volumes_.addVisible(volume, "/dev/kv0s0");
+  volumes_.lastStatus = kUnmountBusy;
+  controller_.mountBurnFS();
+  turnUntil([this] { return controller_.currentDevice() == nullptr; });
+  ASSERT_EQ(window_.alerts.size(), 1u);
+  EXPECT_THAT(window_.alerts[0].detail, testing::HasSubstr(volume + "/used"));
+}
+
+class KVControllerMountMissingAScan : public KVControllerMount {
+ protected:
+  /// Opens the disc in vain; meanwhile the drives have news.
+  void failToOpenAmidNews(const std::function<void()>& news) {
+    listSample("the disc");
+    device_.identity = "the disc";
+    services_.discsWillBeScanned = [this] { ++scans_; };
+    services_.discIsClosed = [](const std::string&) {};
+    volumes_.onListing = [this, news] {
+      news();
+      controller_.scanForMedia();
+    };
+    devices_ = {};
+    controller_.mountBurnFS();
+    turnUntil([this] { return controller_.currentDevice() == nullptr; });
+    turn();
+  }
+
+  int scans_ = 0;
+};
+
+TEST_F(KVControllerMountMissingAScan, ListsADiscThatHasComeInThePlaceOfOneThatFailedToOpen) {
+  failToOpenAmidNews([this] { device_.identity = "another disc"; });
+  EXPECT_EQ(scans_, 1);
+}
+
+TEST_F(KVControllerMountMissingAScan, ListsTheOtherDiscsOnceTheOneThatFailedToOpenHasGone) {
+  failToOpenAmidNews([this] { device_.present = false; });
+  EXPECT_EQ(scans_, 1);
+}
+
+TEST_F(KVControllerMountMissingAScan, DoesNotTryADiscAgainAndAgainThatFailsToOpen) {
+  failToOpenAmidNews([] {});
+  EXPECT_EQ(scans_, 0);
+}
+
+TEST_F(KVControllerMount, AfterAMountThatFailedRequestsAreIgnoredUntilTheDiscHasGone) {
+  listSample();
+  controller_.setCurrentDevice(&device_);
+  devices_ = {&device_};
+  controller_.mountFailed();
+  EXPECT_THAT(newCalls(), ElementsAre("will eject kv0")) << "what is mounted would hold the disc";
+  controller_.mountBurnFS();
+  controller_.performScanForMedia();
+  EXPECT_THAT(newCalls(), IsEmpty());
+  device_.present = false;
+  controller_.performScanForMedia();
+  EXPECT_EQ(controller_.currentDevice(), nullptr);
+  EXPECT_THAT(newCalls(),
+              testing::IsSupersetOf({"header headerDisksAvail", "closed kv0", "text insertdisk"}));
+}
+
+TEST_F(KVControllerMount, HoweverOftenAScanIsAskedForOneWaits) {
+  int scans = 0;
+  services_.discsWillBeScanned = [&scans] { ++scans; };
+  controller_.scanForMedia();
+  controller_.scanForMedia();
+  turn();
+  EXPECT_EQ(scans, 1);
+  controller_.scanForMedia();
+  turn();
+  EXPECT_EQ(scans, 2);
 }
 
 TEST_F(KVControllerMount, ALinkAtTheOverlayDirectorysNameIsNotFollowed) {

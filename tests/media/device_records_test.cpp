@@ -158,6 +158,15 @@ TEST_F(DeviceRecordsTest, ADiscThatIsMountedWhileItIsWaitedForIsListed) {
   EXPECT_TRUE(log_.lines().empty());
 }
 
+TEST_F(DeviceRecordsTest, TheIdentityIsThatOfTheDiscThatWasWaitedForNotOfOneThatCameMeanwhile) {
+  device_.identity = "the disc";
+  services_.onSleep = [this] {
+    device_.identity = "another disc";
+    services_.addVisible("/Volumes/LATE", "/dev/disk2s0");
+  };
+  EXPECT_EQ(buildOne().mediaIdentity, "the disc");
+}
+
 TEST_F(DeviceRecordsTest, ADiscThatIsNotMountedWithinTwentySecondsIsLeftOut) {
   EXPECT_TRUE(build({&device_}).empty());
   EXPECT_EQ(services_.sleeps, 200);

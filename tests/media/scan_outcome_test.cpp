@@ -72,7 +72,12 @@ TEST(ScanOutcomeTest, OfTwoUsableDiscsTheFirstIsSelectedAndNoneOpened) {
 
 TEST(ScanOutcomeTest, ASelectionThatStandsIsNotChanged) {
   EXPECT_EQ(outcome({usable(), usable()}, 1).selectionIndex, std::nullopt);
-  EXPECT_EQ(outcome({refused(), usable()}, 0).selectionIndex, std::nullopt);
+}
+
+TEST(ScanOutcomeTest, ASelectionThatStandsOnARefusedDiscOrBehindTheListIsNone) {
+  EXPECT_EQ(outcome({refused(), usable()}, 0).selectionIndex, 1U);
+  EXPECT_EQ(outcome({usable(), refused()}, 2).selectionIndex, 0U);
+  EXPECT_EQ(outcome({refused(), refused()}, 1).selectionIndex, std::nullopt);
 }
 
 TEST(ScanOutcomeTest, OnlyRefusedDiscsAreListedWithoutASelection) {

@@ -86,6 +86,34 @@ TEST_F(DRDeviceTest, ASessionWithoutAVolumeIsLeftOutWhereAnEarlierOneHasOne) {
               ElementsAre(1, 2, 3, 4, 5));
 }
 
+TEST_F(DRDeviceTest, ADiscIsToldFromOthersUntilItIsWrittenTo) {
+  DRDevice* device = addDrive();
+  DRDevice* other = addDrive();
+  EXPECT_EQ(device->mediaIdentity(), other->mediaIdentity()) << "blank discs are all alike";
+  ASSERT_EQ(burn(device, makeVolume("first.iso")).DRStatusStateKey, DRStatusStateDone);
+  const std::string first = device->mediaIdentity();
+  EXPECT_NE(first, other->mediaIdentity());
+  EXPECT_TRUE(device->ejectMedia());
+  EXPECT_EQ(device->mediaIdentity(), "");
+  EXPECT_TRUE(device->loadMedia());
+  EXPECT_EQ(device->mediaIdentity(), first);
+  ASSERT_EQ(burn(device, makeVolume("second.iso")).DRStatusStateKey, DRStatusStateDone);
+  EXPECT_NE(device->mediaIdentity(), first);
+}
+
+TEST_F(DRDeviceTest, DiscsOfTheSameFormAreToldByTheirVolumes) {
+  const std::string one = makeVolume("one.iso");
+  const std::string other = makeVolume("other.iso");
+  std::fstream file(other, std::ios::binary | std::ios::in | std::ios::out);
+  file.seekp(16 * 2048 + 40);
+  file << "ANOTHER NAME";
+  file.close();
+  DRDevice* drives[] = {addDrive(), addDrive()};
+  ASSERT_EQ(burn(drives[0], one).DRStatusStateKey, DRStatusStateDone);
+  ASSERT_EQ(burn(drives[1], other).DRStatusStateKey, DRStatusStateDone);
+  EXPECT_NE(drives[0]->mediaIdentity(), drives[1]->mediaIdentity());
+}
+
 TEST_F(DRDeviceTest, AClosedDiscHasNoOpenTrackAndCannotBeAppendedTo) {
   DRDevice* device = addDrive();
   const auto burn = makeBurn(device);

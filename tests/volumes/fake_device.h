@@ -30,6 +30,7 @@ class FakeDevice : public DRDevice {
   std::string bsdName() const override { return bsdName_; }
   std::string ioRegistryEntryPath() const override { return "/emulated/" + bsdName_; }
   DRDeviceStatus status() const override { return deviceStatus; }
+  std::string mediaIdentity() const override { return identity; }
   std::optional<std::string> emulatedDisc() const override { return disc; }
   Drive* drive() const override { return recordingDrive; }
 
@@ -55,6 +56,7 @@ class FakeDevice : public DRDevice {
   bool appendable = true;
   std::optional<std::string> type = DRDeviceMediaTypeCDR;
   DRDeviceStatus deviceStatus;
+  std::string identity;
   std::optional<std::string> disc;
   Drive* recordingDrive = nullptr;  ///< Where a recorder would be sent to; borrowed.
   /// The names of the questions that decide whether the drive is listed, as they were put.

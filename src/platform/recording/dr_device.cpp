@@ -72,6 +72,10 @@ DRDeviceStatus DRDevice::status() const {
   return drive_ ? drive_->status() : DRDeviceStatus();
 }
 
+std::string DRDevice::mediaIdentity() const {
+  return drive_ ? drive_->mediaIdentity() : std::string();
+}
+
 void DRDevice::acquireMediaReservation() {}
 
 bool DRDevice::acquireExclusiveAccess() {

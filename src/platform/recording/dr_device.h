@@ -63,6 +63,9 @@ class DRDevice {
   /// The blocks of 2048 bytes that a DVD which is written over at will has in all. Empty for other
   /// media, and where the drive does not say.
   virtual std::optional<uint32_t> formatCapacity() const;
+  /// Tells the disc in the drive from others (media_identity.h). Empty where there is none, or it
+  /// cannot be told now: whoever compares takes that for no difference.
+  virtual std::string mediaIdentity() const;
 
   /// Asks that no other program takes the discs of this drive for itself. Nothing on Linux grants
   /// that, so it always succeeds without effect.

@@ -39,4 +39,7 @@ struct DRDeviceStatus {
   std::optional<DRDeviceMediaInfo> DRDeviceMediaInfoKey;
 };
 
+/// The block at which the last complete session begins. Empty where there is none.
+std::optional<int64_t> lastSessionStart(const DRDeviceStatus& status);
+
 }  // namespace kelvane

@@ -7,6 +7,7 @@
 #include <utility>
 
 #include "platform/foundation/system_log.h"
+#include "platform/recording/media_identity.h"
 #include "platform/recording/mmc/format_capacities.h"
 #include "platform/recording/mmc/inquiry.h"
 #include "platform/recording/mmc/tray.h"
@@ -114,6 +115,14 @@ std::optional<uint32_t> Drive::formatCapacity() const {
   const std::lock_guard guard(mutex_);
   if (leftAlone_) return std::nullopt;
   return mmc::readFormatCapacity(*transport_);
+}
+
+std::string Drive::mediaIdentity() const {
+  const std::lock_guard guard(mutex_);
+  if (leftAlone_) return {};
+  NotingTransport transport(*transport_);
+  const std::string identity = readMediaIdentity(transport);
+  return transport.everyQuestionWasPut() ? identity : std::string();
 }
 
 bool Drive::acquireExclusiveAccess() {

@@ -56,6 +56,10 @@ class Drive {
   /// not say, or is left alone.
   std::optional<uint32_t> formatCapacity() const;
 
+  /// Tells the disc from others, as readMediaIdentity does; empty where the drive is left alone or
+  /// cannot be asked now.
+  std::string mediaIdentity() const;
+
   bool acquireExclusiveAccess();
   void releaseExclusiveAccess();
   /// Whether another process's recorder works on the drive, as far as that can be seen.

@@ -4,6 +4,7 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <QString>
 #include <algorithm>
 #include <cerrno>
 #include <cstring>
@@ -53,11 +54,13 @@ bool isMountedByOthers(const std::string& bsdName) {
   });
 }
 
-// A desktop that does so by itself may have been faster.
+// A desktop that does so by itself may have been faster, and one that is slow may still do it: a
+// disc that is mounted twice cannot be burned.
 bool desktopMounts(const std::string& bsdName) {
   const auto answer = desktop::mountThroughDiscService(bsdName);
   return answer == desktop::DiscServiceAnswer::Done ||
-         answer == desktop::DiscServiceAnswer::AlreadyMounted;
+         answer == desktop::DiscServiceAnswer::AlreadyMounted ||
+         answer == desktop::DiscServiceAnswer::Unanswered;
 }
 
 }  // namespace
@@ -149,20 +152,9 @@ std::string mountableBsdName(const DRDevice& device) {
   return isCd ? device.bsdName() + "s0" : device.bsdName();
 }
 
-std::optional<int64_t> lastSessionStart(const DRDeviceStatus& status) {
-  if (!status.DRDeviceMediaInfoKey) return std::nullopt;
-  const DRDeviceMediaInfo& media = *status.DRDeviceMediaInfoKey;
-  std::optional<int64_t> start;
-  for (const auto& [reference, track] : media.DRDeviceTrackInfoKey) {
-    if (track.DRTrackSessionNumberKey != media.DRDeviceMediaSessionCountKey) continue;
-    const std::optional<int64_t> address = track.DRTrackStartAddressKey;
-    if (address && (!start || *address < *start)) start = address;
-  }
-  return start;
-}
-
 std::string visibleFolderName(const std::string& volumeName) {
-  std::string name = volumeName;
+  // A name in another character set is made one that every program can pass on.
+  std::string name = QString::fromStdString(volumeName).toStdString();
   const auto isUnsafe = [](char c) {
     return c == '/' || static_cast<unsigned char>(c) < ' ' || c == '\x7f';
   };

@@ -68,9 +68,6 @@ class VisibleMounts {
 /// ("kv0s0"), the drive itself for every other medium.
 std::string mountableBsdName(const DRDevice& device);
 
-/// The block at which the last complete session begins. Empty where there is none.
-std::optional<int64_t> lastSessionStart(const DRDeviceStatus& status);
-
 /// The name of the folder for a volume called `volumeName`, without the number of a taken one.
 std::string visibleFolderName(const std::string& volumeName);
 
