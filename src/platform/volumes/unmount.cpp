@@ -13,6 +13,9 @@
 namespace kelvane {
 namespace {
 
+// A service that hangs must not hang those who wait for their disc, or for the end of the program.
+constexpr int kProgramTimeLimitMilliseconds = 30000;
+
 int statusOfErrno(int code) {
   return code == EBUSY ? kUnmountBusy : code;
 }
@@ -26,7 +29,7 @@ int unmountWith(const std::string& program, std::vector<std::string> arguments,
   task.setArguments(std::move(arguments));
   task.setEnvironmentVariable("LC_ALL", "C");
   if (!task.launch()) return ENOENT;
-  task.waitBlocking(-1);
+  if (!task.waitBlocking(kProgramTimeLimitMilliseconds)) return ETIMEDOUT;
   if (task.terminationStatus() == 0) return kUnmountDone;
   // UDisks2 says it in its own language, with the name of the error before it.
   const std::string words = task.readStandardErrorToEnd();
