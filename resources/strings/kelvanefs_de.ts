@@ -656,5 +656,138 @@ Wenn Sie trotzdem brennen, wird nichts geschrieben, und Ihre Änderungen gehen v
         <source>Nothing was written: the disc holds what it held before, and what you deleted is still on it. New and changed files lie in the folder that the report names. It is one for temporary files, so move them elsewhere before the computer is switched off.</source>
         <translation>Es wurde nichts geschrieben: Die Disc enthält, was sie vorher enthielt, auch was Sie gelöscht haben. Neue und geänderte Dateien liegen in dem Ordner, den der Bericht nennt. Er ist für temporäre Dateien da; bringen Sie sie woandershin, bevor der Rechner ausgeschaltet wird.</translation>
     </message>
+    <!-- Copying files onto the open disc -->
+    <message id="AccessibleMountedItemLong">
+        <source>Drop files or folders here to copy them onto the disc, or paste them with Ctrl+V.</source>
+        <translation>Ziehen Sie Dateien oder Ordner hierher, um sie auf die Disc zu kopieren, oder fügen Sie sie mit Strg+V ein.</translation>
+    </message>
+    <message id="Copying">
+        <source>Copying onto the disc</source>
+        <translation>Kopieren auf die Disc</translation>
+    </message>
+    <message id="CopyLooking">
+        <source>Finding out what is to be copied…</source>
+        <translation>Es wird ermittelt, was zu kopieren ist …</translation>
+    </message>
+    <message id="CopyName">
+        <source>Copying “%@”</source>
+        <translation>„%@“ wird kopiert</translation>
+    </message>
+    <message id="CopyAmount">
+        <source>%@ of %@ – %@ of %@</source>
+        <translation>%@ von %@ – %@ von %@</translation>
+    </message>
+    <message id="CopyUnderAMinute">
+        <source>Less than a minute left</source>
+        <translation>Noch weniger als eine Minute</translation>
+    </message>
+    <message id="CopyMinutes">
+        <source>About %i minutes left</source>
+        <translation>Noch etwa %i Minuten</translation>
+    </message>
+    <message id="CopyCancelling">
+        <source>Cancelling…</source>
+        <translation>Wird abgebrochen …</translation>
+    </message>
+    <message id="AccessibleCopyProgress">
+        <source>Progress of the copying</source>
+        <translation>Fortschritt des Kopierens</translation>
+    </message>
+    <message id="AccessibleCopyAmount">
+        <source>How much is copied</source>
+        <translation>Wie viel kopiert ist</translation>
+    </message>
+    <message id="AccessibleCopyRemaining">
+        <source>Remaining time</source>
+        <translation>Verbleibende Zeit</translation>
+    </message>
+    <message id="CopyTaken">
+        <source>“%@” is on the disc already</source>
+        <translation>„%@“ gibt es auf der Disc schon</translation>
+    </message>
+    <message id="CopyTakenLong">
+        <source>If you replace it, the file on the disc gives way to the one that you are copying. If you keep both, that one gets a number after its name.</source>
+        <translation>Wenn Sie sie ersetzen, weicht die Datei auf der Disc der, die Sie kopieren. Wenn Sie beide behalten, bekommt diese eine Nummer hinter ihren Namen.</translation>
+    </message>
+    <message id="CopyTakenByFolder">
+        <source>One of the two is a folder and the other is not, so neither can take the other’s place. If you keep both, the one that you are copying gets a number after its name.</source>
+        <translation>Eines von beiden ist ein Ordner, das andere nicht; keines kann den Platz des anderen einnehmen. Wenn Sie beide behalten, bekommt das, was Sie kopieren, eine Nummer hinter seinen Namen.</translation>
+    </message>
+    <message id="CopyForAll">
+        <source>Do the same for all names that are taken</source>
+        <translation>Bei allen vorhandenen Namen so verfahren</translation>
+    </message>
+    <message id="CopyReplace">
+        <source>&amp;Replace</source>
+        <translation>&amp;Ersetzen</translation>
+    </message>
+    <message id="CopyKeepBoth">
+        <source>&amp;Keep Both</source>
+        <translation>&amp;Beide behalten</translation>
+    </message>
+    <message id="CopySkip">
+        <source>&amp;Skip</source>
+        <translation>Ü&amp;berspringen</translation>
+    </message>
+    <message id="CopyNoRoom">
+        <source>There is not enough room for these files</source>
+        <translation>Für diese Dateien ist nicht genug Platz</translation>
+    </message>
+    <message id="CopyNoRoomLong">
+        <source>Nothing has been copied. The files have to find room on the disc, and until it is burned in this computer’s folder for temporary files. Copy less, or make room.</source>
+        <translation>Es wurde nichts kopiert. Die Dateien müssen auf der Disc Platz finden und bis zum Brennen auch im Ordner für temporäre Dateien auf diesem Rechner. Kopieren Sie weniger oder schaffen Sie Platz.</translation>
+    </message>
+    <message id="CopyRoom">
+        <source>%@ are needed, %@ are free.</source>
+        <translation>Nötig sind %@, frei sind %@.</translation>
+    </message>
+    <message id="CopyFailures">
+        <source>Not everything could be copied</source>
+        <translation>Nicht alles konnte kopiert werden</translation>
+    </message>
+    <message id="CopyFailuresLong">
+        <source>All other files and folders are on the volume. What is missing is named below; the system log has the whole list.</source>
+        <translation>Alle anderen Dateien und Ordner sind auf dem Volume. Was fehlt, steht unten; das Systemprotokoll enthält die ganze Liste.</translation>
+    </message>
+    <message id="CopyFailure">
+        <source>“%@”: %@</source>
+        <translation>„%@“: %@</translation>
+    </message>
+    <message id="CopyMoreFailures">
+        <source>and %i more</source>
+        <translation>und %i weitere</translation>
+    </message>
+    <message id="CopyNotReadable">
+        <source>it cannot be read</source>
+        <translation>nicht lesbar</translation>
+    </message>
+    <message id="CopyNoRoomLeft">
+        <source>no room is left</source>
+        <translation>kein Platz mehr</translation>
+    </message>
+    <message id="CopyTooLarge">
+        <source>it has 4 GB or more, which no file on a disc can have</source>
+        <translation>4 GB oder mehr, so groß darf eine Datei auf einer Disc nicht sein</translation>
+    </message>
+    <message id="CopyNotAFile">
+        <source>it is neither a file nor a folder</source>
+        <translation>weder Datei noch Ordner</translation>
+    </message>
+    <message id="CopyHoldsTheVolume">
+        <source>the disc itself is in this folder</source>
+        <translation>die Disc selbst liegt in diesem Ordner</translation>
+    </message>
+    <message id="CopyAlreadyThere">
+        <source>it is on the disc already, in the same place</source>
+        <translation>liegt schon an dieser Stelle auf der Disc</translation>
+    </message>
+    <message id="CopyRunning">
+        <source>Files are still being copied onto the disc</source>
+        <translation>Es werden noch Dateien auf die Disc kopiert</translation>
+    </message>
+    <message id="CopyRunningLong">
+        <source>The disc stays open until they are copied. Wait for that, or cancel the copying, and close the disc then.</source>
+        <translation>Die Disc bleibt geöffnet, bis sie kopiert sind. Warten Sie das ab oder brechen Sie das Kopieren ab, und schließen Sie die Disc dann.</translation>
+    </message>
 </context>
 </TS>

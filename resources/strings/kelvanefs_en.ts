@@ -656,5 +656,138 @@ If you burn all the same, nothing is written and your changes are lost. Keep the
         <source>Nothing was written: the disc holds what it held before, and what you deleted is still on it. New and changed files lie in the folder that the report names. It is one for temporary files, so move them elsewhere before the computer is switched off.</source>
         <translation>Nothing was written: the disc holds what it held before, and what you deleted is still on it. New and changed files lie in the folder that the report names. It is one for temporary files, so move them elsewhere before the computer is switched off.</translation>
     </message>
+    <!-- Copying files onto the open disc -->
+    <message id="AccessibleMountedItemLong">
+        <source>Drop files or folders here to copy them onto the disc, or paste them with Ctrl+V.</source>
+        <translation>Drop files or folders here to copy them onto the disc, or paste them with Ctrl+V.</translation>
+    </message>
+    <message id="Copying">
+        <source>Copying onto the disc</source>
+        <translation>Copying onto the disc</translation>
+    </message>
+    <message id="CopyLooking">
+        <source>Finding out what is to be copied…</source>
+        <translation>Finding out what is to be copied…</translation>
+    </message>
+    <message id="CopyName">
+        <source>Copying “%@”</source>
+        <translation>Copying “%@”</translation>
+    </message>
+    <message id="CopyAmount">
+        <source>%@ of %@ – %@ of %@</source>
+        <translation>%@ of %@ – %@ of %@</translation>
+    </message>
+    <message id="CopyUnderAMinute">
+        <source>Less than a minute left</source>
+        <translation>Less than a minute left</translation>
+    </message>
+    <message id="CopyMinutes">
+        <source>About %i minutes left</source>
+        <translation>About %i minutes left</translation>
+    </message>
+    <message id="CopyCancelling">
+        <source>Cancelling…</source>
+        <translation>Cancelling…</translation>
+    </message>
+    <message id="AccessibleCopyProgress">
+        <source>Progress of the copying</source>
+        <translation>Progress of the copying</translation>
+    </message>
+    <message id="AccessibleCopyAmount">
+        <source>How much is copied</source>
+        <translation>How much is copied</translation>
+    </message>
+    <message id="AccessibleCopyRemaining">
+        <source>Remaining time</source>
+        <translation>Remaining time</translation>
+    </message>
+    <message id="CopyTaken">
+        <source>“%@” is on the disc already</source>
+        <translation>“%@” is on the disc already</translation>
+    </message>
+    <message id="CopyTakenLong">
+        <source>If you replace it, the file on the disc gives way to the one that you are copying. If you keep both, that one gets a number after its name.</source>
+        <translation>If you replace it, the file on the disc gives way to the one that you are copying. If you keep both, that one gets a number after its name.</translation>
+    </message>
+    <message id="CopyTakenByFolder">
+        <source>One of the two is a folder and the other is not, so neither can take the other’s place. If you keep both, the one that you are copying gets a number after its name.</source>
+        <translation>One of the two is a folder and the other is not, so neither can take the other’s place. If you keep both, the one that you are copying gets a number after its name.</translation>
+    </message>
+    <message id="CopyForAll">
+        <source>Do the same for all names that are taken</source>
+        <translation>Do the same for all names that are taken</translation>
+    </message>
+    <message id="CopyReplace">
+        <source>&amp;Replace</source>
+        <translation>&amp;Replace</translation>
+    </message>
+    <message id="CopyKeepBoth">
+        <source>&amp;Keep Both</source>
+        <translation>&amp;Keep Both</translation>
+    </message>
+    <message id="CopySkip">
+        <source>&amp;Skip</source>
+        <translation>&amp;Skip</translation>
+    </message>
+    <message id="CopyNoRoom">
+        <source>There is not enough room for these files</source>
+        <translation>There is not enough room for these files</translation>
+    </message>
+    <message id="CopyNoRoomLong">
+        <source>Nothing has been copied. The files have to find room on the disc, and until it is burned in this computer’s folder for temporary files. Copy less, or make room.</source>
+        <translation>Nothing has been copied. The files have to find room on the disc, and until it is burned in this computer’s folder for temporary files. Copy less, or make room.</translation>
+    </message>
+    <message id="CopyRoom">
+        <source>%@ are needed, %@ are free.</source>
+        <translation>%@ are needed, %@ are free.</translation>
+    </message>
+    <message id="CopyFailures">
+        <source>Not everything could be copied</source>
+        <translation>Not everything could be copied</translation>
+    </message>
+    <message id="CopyFailuresLong">
+        <source>All other files and folders are on the volume. What is missing is named below; the system log has the whole list.</source>
+        <translation>All other files and folders are on the volume. What is missing is named below; the system log has the whole list.</translation>
+    </message>
+    <message id="CopyFailure">
+        <source>“%@”: %@</source>
+        <translation>“%@”: %@</translation>
+    </message>
+    <message id="CopyMoreFailures">
+        <source>and %i more</source>
+        <translation>and %i more</translation>
+    </message>
+    <message id="CopyNotReadable">
+        <source>it cannot be read</source>
+        <translation>it cannot be read</translation>
+    </message>
+    <message id="CopyNoRoomLeft">
+        <source>no room is left</source>
+        <translation>no room is left</translation>
+    </message>
+    <message id="CopyTooLarge">
+        <source>it has 4 GB or more, which no file on a disc can have</source>
+        <translation>it has 4 GB or more, which no file on a disc can have</translation>
+    </message>
+    <message id="CopyNotAFile">
+        <source>it is neither a file nor a folder</source>
+        <translation>it is neither a file nor a folder</translation>
+    </message>
+    <message id="CopyHoldsTheVolume">
+        <source>the disc itself is in this folder</source>
+        <translation>the disc itself is in this folder</translation>
+    </message>
+    <message id="CopyAlreadyThere">
+        <source>it is on the disc already, in the same place</source>
+        <translation>it is on the disc already, in the same place</translation>
+    </message>
+    <message id="CopyRunning">
+        <source>Files are still being copied onto the disc</source>
+        <translation>Files are still being copied onto the disc</translation>
+    </message>
+    <message id="CopyRunningLong">
+        <source>The disc stays open until they are copied. Wait for that, or cancel the copying, and close the disc then.</source>
+        <translation>The disc stays open until they are copied. Wait for that, or cancel the copying, and close the disc then.</translation>
+    </message>
 </context>
 </TS>

@@ -12,12 +12,14 @@
 
 #include "app/controller_services.h"
 #include "media/device_record.h"
+#include "overlayfs/overlay_changes.h"
 #include "platform/foundation/notification_center.h"
 #include "ui/window_outlets.h"
 
 namespace kelvane {
 
 class BurnFSDelegate;
+class BurnSurvey;
 class DRBurn;
 class DRDevice;
 class DVDBurn;
@@ -64,6 +66,8 @@ class KVController : public WindowActions {
   // One disc, from its opening to the question whether to burn.
   void mountBurnFS() override;
   void showDisk() override;
+  bool volumeTakesFiles() const override;
+  void addFiles(const std::vector<std::string>& files) override;
   /// Closes the volume: asks the file system to unmount, and tells the user where a program still
   /// uses it. False where the volume stays open.
   bool closeVolume();
@@ -74,6 +78,7 @@ class KVController : public WindowActions {
   // Burning.
   void burnConfirmationDidConfirm() override;
   void burnConfirmationDidCancel() override;
+  void burnConfirmationDidKeep() override;
   void burn();
   void cleanupWithoutBurn();
   void commonBurnCleanup();
@@ -169,6 +174,9 @@ class KVController : public WindowActions {
   bool discIsOursAlone();
   std::string whyOverlayIsUnsafe() const;
   std::string whyHideListIsUnsafe() const;
+  void surveyBurn();
+  void endBurnQuestion();
+  std::string putChangesAside();
   void refuseBurn(const std::string& messageKey, const std::string& reason,
                   const std::string& informativeKey = "SessionNotPreparedLong");
   void withdrawBurnQuestion();
@@ -204,7 +212,12 @@ class KVController : public WindowActions {
   std::optional<DeviceRecord> currentDeviceDictionary_;  // Guarded by the mutex above.
   std::string burnImagePath_;
   std::string tmpDirPath_;
-  bool hideListIsWhole_ = true;  // Written with `sizetoburn`.
+  // Written with `sizetoburn`.
+  bool hideListIsWhole_ = true;
+  OverlayChanges changes_;
+  int64_t nominallyFree_ = 0;  ///< Bytes that were free on the volume when it was opened.
+  /// The hidden mount of the opened disc; empty for a blank one. Written by the mount worker.
+  std::optional<std::string> discMountPath_;
   std::string openButtonCaption_;
   bool scanWasRefused_ = false;  ///< While a disc was being opened.
   bool mountHasFailed_ = false;  ///< That of the current device's disc.
@@ -212,7 +225,8 @@ class KVController : public WindowActions {
   bool burnInProgress_ = false;
   BurnEnd burnEnd_ = BurnEnd::Failed;  ///< Of the burn in progress, as far as is known.
   std::shared_ptr<void> inhibition_;
-  bool isBurnInQuestion_ = false;  // The burn confirmation sheet is shown.
+  bool isBurnInQuestion_ = false;       // The burn confirmation sheet is shown.
+  std::unique_ptr<BurnSurvey> survey_;  // While it is, if it tells what will change.
   std::unique_ptr<DRBurn> myBurn_;
   /// The overlay directory of the volume that is being closed in order to erase its disc; else
   /// empty. Each opened volume has one of its own, so this never outlives the volume it is meant

@@ -3,12 +3,15 @@
 #include <typeinfo>
 #include <utility>
 
+#include "app/burn_survey.h"
 #include "app/disc_volumes.h"
 #include "app/kv_controller.h"
 #include "app/volume_users.h"
 #include "app/warning_alert.h"
 #include "burn/apple_double_files.h"
 #include "burn/kept_changes.h"
+#include "burn/mkisofs_device_name.h"
+#include "burn/volume_identifier.h"
 #include "platform/foundation/main_thread.h"
 #include "platform/foundation/own_files.h"
 #include "platform/foundation/paths.h"
@@ -32,28 +35,59 @@ bool isDVDForGrowisofs(const std::optional<std::string>& mediaType) {
 
 }  // namespace
 
-void KVController::burnConfirmationDidConfirm() {
+// Finds out what the burn in question would change, for the sheet.
+void KVController::surveyBurn() {
+  DRDevice& device = *currentDevice_.load();
+  SurveySubject subject;
+  subject.overlay = tmpDirPath_;
+  subject.hideList = paths::hideListFile(tmpDirPath_);
+  subject.disc = discMountPath_;
+  subject.changes = changes_;
+  if (UserDefaults::standard().boolForKey("noappledoublefiles")) {
+    subject.appleDouble = AppleDouble::LeftOut;
+  }
+  if (isDVDForGrowisofs(device.mediaType())) subject.road = SurveySubject::Road::DVD;
+  subject.device = &device;
+  subject.volumes = services_.volumes;
+  subject.deviceName = mkisofsDeviceName(device, services_.devices());
+  subject.volumeName = volumeIdentifierOf(window_.burnConfirmationDiskTitle());
+  subject.nominallyFree = nominallyFree_;
+  survey_ = std::make_unique<BurnSurvey>(
+      std::move(subject), [this](const BurnSummary& summary) { window_.setBurnSummary(summary); });
+}
+
+void KVController::endBurnQuestion() {
   window_.endBurnConfirmationSheet();
   window_.orderOutBurnConfirmationPanel();
   isBurnInQuestion_ = false;
+  // It reads the disc and what the burn is made from; nobody does that any more then.
+  survey_.reset();
+}
+
+void KVController::burnConfirmationDidConfirm() {
+  endBurnQuestion();
   performOnMainThread([this] { burn(); });
 }
 
 void KVController::burnConfirmationDidCancel() {
-  window_.endBurnConfirmationSheet();
-  window_.orderOutBurnConfirmationPanel();
-  isBurnInQuestion_ = false;
+  endBurnQuestion();
   cleanupWithoutBurn();
   // The clean-up has replied already; the second reply belongs to this road.
   window_.replyToApplicationShouldTerminate(true);
 }
 
+void KVController::burnConfirmationDidKeep() {
+  endBurnQuestion();
+  Alert alert = warningAlert("ChangesKept", putChangesAside());
+  alert.style = Alert::Style::Informational;
+  window_.beginAlertSheet(alert, nullptr);
+  cleanupWithoutBurn();
+}
+
 // For a disc that was taken out while the question stood: the next one may be opened at once, and
 // the answer would act on the changes of that.
 void KVController::withdrawBurnQuestion() {
-  if (!std::exchange(isBurnInQuestion_, false)) return;
-  window_.endBurnConfirmationSheet();
-  window_.orderOutBurnConfirmationPanel();
+  if (isBurnInQuestion_) endBurnQuestion();
 }
 
 void KVController::burn() {
@@ -165,6 +199,17 @@ std::string KVController::whyHideListIsUnsafe() const {
   return format("The list of deleted files, %@, could not be written.", hideList);
 }
 
+// Puts the changes to where no clean-up finds them, and says where; empty where there are none.
+std::string KVController::putChangesAside() {
+  const std::string kept = keepChanges(tmpDirPath_);
+  if (kept.empty()) return {};
+  // An alert may go unread: a pending quit ends the application behind it.
+  const std::string where = format("Your changes are kept in %@.", kept);
+  systemLog("%@", where);
+  if (kept == tmpDirPath_) tmpDirPath_.clear();  // No clean-up may find it.
+  return where;
+}
+
 // Ends the burn before it has begun. Unlike a failure of the programs, this is not due to the
 // changes, which are kept.
 void KVController::refuseBurn(const std::string& messageKey, const std::string& reason,
@@ -173,13 +218,7 @@ void KVController::refuseBurn(const std::string& messageKey, const std::string& 
   Alert alert = warningAlert(messageKey, {});
   alert.informativeKey = informativeKey;
   alert.detail = reason;
-  if (const std::string kept = keepChanges(tmpDirPath_); !kept.empty()) {
-    // An alert may go unread: a pending quit ends the application behind it.
-    const std::string where = format("Your changes are kept in %@.", kept);
-    systemLog("%@", where);
-    alert.detail += " " + where;
-    if (kept == tmpDirPath_) tmpDirPath_.clear();  // No clean-up may find it.
-  }
+  if (const std::string where = putChangesAside(); !where.empty()) alert.detail += " " + where;
   window_.beginAlertSheet(alert, nullptr);
   ejectMediaOfCurrentDevice();
   commonBurnCleanup();

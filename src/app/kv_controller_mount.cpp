@@ -11,6 +11,7 @@
 
 #include "app/kv_controller.h"
 #include "app/volume_users.h"
+#include "app/warning_alert.h"
 #include "burn/volume_identifier.h"
 #include "media/quellbrook.h"
 #include "overlayfs/burn_fs_delegate.h"
@@ -24,6 +25,7 @@
 #include "platform/foundation/user_defaults.h"
 #include "platform/recording/dr_device.h"
 #include "platform/userfs/gm_user_file_system.h"
+#include "ui/copy_job.h"
 #include "ui/media_controller.h"
 
 namespace kelvane {
@@ -142,6 +144,7 @@ void KVController::mountOverlay(const DeviceRecord& record, const std::string& v
     refuseToOpen(format("The overlay directory %@ is missing or somebody else's.", tmpDirPath_));
     return;
   }
+  discMountPath_ = discMountPath;
   const auto fileSystem = std::make_shared<GMUserFileSystem>(myBurnFSDelegate_.get(), false);
   setTarnwickFS(fileSystem);
   const std::string icon = Bundle::mainBundle().pathForResource("disk", "icns").value_or("");
@@ -231,6 +234,10 @@ void KVController::showPerformMountFailedAlertAndReset(const std::string& detail
 bool KVController::closeVolume() {
   const std::shared_ptr<GMUserFileSystem> fileSystem = tarnwickFS();
   if (!fileSystem) return true;
+  if (window_.isCopying()) {
+    window_.beginAlertSheet(warningAlert("CopyRunning", {}), nullptr);
+    return false;
+  }
   const UnmountResult result = fileSystem->unmount();
   if (result == UnmountResult::Started || result == UnmountResult::NotMounted) return true;
   Alert alert;
@@ -248,6 +255,8 @@ void KVController::fuseDidUnmount() {
   // huge one.
   sizetoburn_ = static_cast<double>(static_cast<uint64_t>(myBurnFSDelegate_->localusedbytes()));
   hideListIsWhole_ = myBurnFSDelegate_->hideListIsWhole();
+  changes_ = myBurnFSDelegate_->changes();
+  nominallyFree_ = myBurnFSDelegate_->spaceAtFirst();
   releaseOverlay();
   performOnMainThread([this] { concludeUnmount(); });
 }
@@ -284,6 +293,7 @@ void KVController::concludeUnmount() {
       volumeIdentifierOf(currentDeviceDictionary()->description.volumename));
   isBurnInQuestion_ = true;
   window_.beginBurnConfirmationSheet();
+  if (window_.showsBurnSummary() && currentDevice_ != nullptr) surveyBurn();
 }
 
 void KVController::showDeletionsLostAlert() {
@@ -300,6 +310,7 @@ void KVController::showDeletionsLostAlert() {
 void KVController::respondToUnexpectedMediaEject() {
   systemLog("unexpected disk ejection. emergency of unmounting fuse without burning.");
   withdrawBurnQuestion();
+  window_.endCopySheet();
   NotificationCenter& center = NotificationCenter::defaultCenter();
   center.removeObserver(this, kGMUserFileSystemDidMount, nullptr);
   center.removeObserver(this, kGMUserFileSystemDidUnmount, nullptr);
@@ -316,6 +327,18 @@ void KVController::respondToUnexpectedMediaEject() {
 
 void KVController::discSizeDidChange() {
   updateMountedItemView();
+}
+
+bool KVController::volumeTakesFiles() const {
+  return mediaIsMounted_ && !burnInProgress_ && tarnwickFS() != nullptr && !window_.isCopying();
+}
+
+void KVController::addFiles(const std::vector<std::string>& files) {
+  if (!volumeTakesFiles()) {
+    window_.beep();
+    return;
+  }
+  window_.beginCopySheet({files, paths::overlayMountPoint(), paths::temporaryDirectory()});
 }
 
 void KVController::showDisk() {

@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: GPL-2.0-or-later
 // KVController: its construction and the way to the first scan.
+#include "app/burn_survey.h"
 #include "app/kv_controller.h"
 #include "burn/dvd_burn.h"
 #include "overlayfs/burn_fs_delegate.h"

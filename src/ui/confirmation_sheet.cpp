@@ -13,9 +13,13 @@
 #include "platform/foundation/placeholders.h"
 #include "platform/foundation/strings_table.h"
 #include "ui/alert_sheet.h"
+#include "ui/amount_texts.h"
+#include "ui/burn_summary.h"
 #include "ui/cd_name_formatter.h"
+#include "ui/change_summary_view.h"
 #include "ui/roomy_button.h"
 #include "ui/view_parts.h"
+#include "ui/warning_box.h"
 #include "ui/window_metrics.h"
 
 namespace kelvane {
@@ -57,11 +61,17 @@ ConfirmationSheet::ConfirmationSheet(QWidget* parent) : QDialog(parent) {
   auto* explanation = makeParagraph("BurnConfirmationLong", this);
   setAccessibleName(question->text());
   setAccessibleDescription(explanation->text());
+  summary_ = new ChangeSummaryView(this);
+  problem_ = new WarningBox("problemWarning", this);
+  tooLarge_ = new WarningBox("tooLargeWarning", this);
+  hiddenToo_ = new WarningBox("hiddenTooWarning", this);
 
   auto* column = new QVBoxLayout;
   column->setSpacing(10);
   column->addWidget(question);
   column->addWidget(explanation);
+  column->addWidget(summary_);
+  for (WarningBox* warning : {problem_, tooLarge_, hiddenToo_}) column->addWidget(warning);
   column->addLayout(makeFields());
 
   auto* body = new QHBoxLayout;
@@ -105,6 +115,12 @@ QLayout* ConfirmationSheet::makeButtons() {
   burnButton_ = makeButton("burnConfirmButton", "BurnConfirmationBurn", this);
   burnButton_->setDefault(true);
   discardButton_ = makeButton("burnCancelButton", "BurnConfirmationDiscard", this);
+  keepButton_ = makeButton("burnKeepButton", "BurnConfirmationKeep", this);
+  keepButton_->setToolTip(localizedText("BurnConfirmationKeepLong"));
+  keepButton_->setAccessibleDescription(localizedText("BurnConfirmationKeepLong"));
+  connect(keepButton_, &RoomyButton::clicked, this, [this] {
+    if (kept_) kept_();
+  });
   connect(burnButton_, &RoomyButton::clicked, this, [this] {
     if (confirmed_) confirmed_();
   });
@@ -115,6 +131,7 @@ QLayout* ConfirmationSheet::makeButtons() {
   auto* row = new QHBoxLayout;
   row->addStretch();
   row->addWidget(discardButton_);
+  row->addWidget(keepButton_);
   row->addWidget(burnButton_);
   return row;
 }
@@ -140,7 +157,40 @@ int32_t ConfirmationSheet::speedTag() const {
   return speedPopup_->currentData().toInt();
 }
 
+void ConfirmationSheet::setSummary(const BurnSummary& summary) {
+  summary_->setSummary(summary);
+  showWarnings(summary);
+  const bool isBoundToFail = summary.isTooLarge() || !summary.problem.empty();
+  keepButton_->setVisible(summary.warns());
+  keepButton_->setDefault(isBoundToFail);
+  burnButton_->setDefault(!isBoundToFail);
+}
+
+void ConfirmationSheet::showWarnings(const BurnSummary& summary) {
+  const bool hasProblem = !summary.problem.empty();
+  problem_->setWarning(
+      hasProblem ? localizedText("SummaryProblem") : QString(),
+      QString::fromStdString(format(localizedString("SummaryProblemLong"), summary.problem)));
+
+  QString excess;
+  if (summary.isTooLarge() && summary.needed && summary.freeBefore) {
+    excess = QString::fromStdString(format(localizedString("SummaryTooLargeLong"),
+                                           bytesText(summary.needed->bytes).toStdString(),
+                                           bytesText(summary.freeBefore->bytes).toStdString(),
+                                           bytesText(summary.freeAfterwards->bytes).toStdString()));
+  }
+  tooLarge_->setWarning(excess.isEmpty() ? QString() : localizedText("SummaryTooLarge"), excess);
+
+  QStringList names;
+  for (const std::string& name : summary.hiddenToo) names << QString::fromStdString(name);
+  const std::string list = namesText(names).toStdString();
+  hiddenToo_->setWarning(
+      names.isEmpty() ? QString() : localizedText("SummaryHidden"),
+      QString::fromStdString(format(localizedString("SummaryHiddenLong"), list)));
+}
+
 void ConfirmationSheet::begin() {
+  setSummary({});
   open();
   diskTitle_->selectAll();
   diskTitle_->setFocus(Qt::OtherFocusReason);

@@ -12,7 +12,10 @@ class QLineEdit;
 
 namespace kelvane {
 
+class ChangeSummaryView;
 class RoomyButton;
+class WarningBox;
+struct BurnSummary;
 
 /// The burn confirmation panel: asks whether to burn the changes, with which name and how fast.
 ///
@@ -27,6 +30,8 @@ class ConfirmationSheet : public QDialog {
   void setConfirmHandler(std::function<void()> confirmed) { confirmed_ = std::move(confirmed); }
   void setCancelHandler(std::function<void()> cancelled) { cancelled_ = std::move(cancelled); }
 
+  void setKeepHandler(std::function<void()> kept) { kept_ = std::move(kept); }
+
   void setDiskTitle(const QString& volumeName);
   QString diskTitle() const;
 
@@ -36,8 +41,13 @@ class ConfirmationSheet : public QDialog {
   /// 0 for the drive's fastest speed, otherwise the multiple of 1x.
   int32_t speedTag() const;
 
-  /// Opens the sheet over its parent and returns; the name is selected for typing over it.
+  /// Opens the sheet over its parent and returns; the name is selected for typing over it. Nothing
+  /// is known yet of what will change.
   void begin();
+
+  /// Tells what is known now. Where something stands against the burn the sheet says so, and offers
+  /// to keep the changes; where the burn is bound to fail, Return does that.
+  void setSummary(const BurnSummary& summary);
 
  public Q_SLOTS:
   void reject() override;
@@ -45,14 +55,21 @@ class ConfirmationSheet : public QDialog {
  private:
   QLayout* makeFields();
   QLayout* makeButtons();
+  void showWarnings(const BurnSummary& summary);
 
   std::function<void()> confirmed_;
   std::function<void()> cancelled_;
+  std::function<void()> kept_;
   // All are children of this dialog.
   QLineEdit* diskTitle_;
   QComboBox* speedPopup_;
   RoomyButton* burnButton_;
   RoomyButton* discardButton_;
+  RoomyButton* keepButton_;
+  ChangeSummaryView* summary_;
+  WarningBox* problem_;
+  WarningBox* tooLarge_;
+  WarningBox* hiddenToo_;
 };
 
 }  // namespace kelvane

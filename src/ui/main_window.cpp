@@ -23,6 +23,7 @@
 #include "ui/burn_progress_bar.h"
 #include "ui/burn_view.h"
 #include "ui/confirmation_sheet.h"
+#include "ui/copy_sheet.h"
 #include "ui/disc_erasing.h"
 #include "ui/disc_list_model.h"
 #include "ui/disc_list_view.h"
@@ -74,6 +75,7 @@ MainWindow::MainWindow(QWidget* parent) : QWidget(parent) {
   column->addWidget(makeButtonBar());
   column->setSizeConstraint(QLayout::SetFixedSize);
   burnConfirmationPanel_ = new ConfirmationSheet(this);
+  copyPanel_ = new CopySheet(this);
   eraseProgressPanel_ = new EraseProgressSheet(this);
   prefsPanel_ = new PreferencesPanel(this);
   licenseReader_ = new LicenseReader(this);
@@ -178,6 +180,13 @@ void MainWindow::connectActions() {
   burnConfirmationPanel_->setConfirmHandler([this] {
     if (actions_) actions_->burnConfirmationDidConfirm();
   });
+  burnConfirmationPanel_->setKeepHandler([this] {
+    if (actions_) actions_->burnConfirmationDidKeep();
+  });
+  mountedItemView_->setFileHandler([this] { return actions_ && actions_->volumeTakesFiles(); },
+                                   [this](const std::vector<std::string>& paths) {
+                                     if (actions_) actions_->addFiles(paths);
+                                   });
   burnConfirmationPanel_->setCancelHandler([this] {
     if (actions_) actions_->burnConfirmationDidCancel();
   });
@@ -193,6 +202,11 @@ void MainWindow::addMenuEntries() {
 }
 
 void MainWindow::addShortcuts() {
+  // Of no effect while the view is out of sight.
+  connect(new QShortcut(QKeySequence::Paste, mountedItemView_), &QShortcut::activated, this,
+          [this] {
+            if (!mountedItemView_->paste()) beep();
+          });
   connect(new QShortcut(QKeySequence::Close, this), &QShortcut::activated, this,
           [this] { close(); });
   connect(new QShortcut(QKeySequence::Open, this), &QShortcut::activated, this, [this] {
@@ -341,6 +355,22 @@ void MainWindow::endBurnConfirmationSheet() {
 
 void MainWindow::orderOutBurnConfirmationPanel() {
   burnConfirmationPanel_->hide();
+}
+
+void MainWindow::setBurnSummary(const BurnSummary& summary) {
+  burnConfirmationPanel_->setSummary(summary);
+}
+
+void MainWindow::beginCopySheet(const CopyRequest& request) {
+  copyPanel_->begin(request);
+}
+
+bool MainWindow::isCopying() const {
+  return copyPanel_->isCopying();
+}
+
+void MainWindow::endCopySheet() {
+  copyPanel_->cancelAndWait();
 }
 
 void MainWindow::beginAlertSheet(const Alert& alert, std::function<void(int returnCode)> didEnd) {

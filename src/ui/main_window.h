@@ -17,6 +17,7 @@ class Notifications;
 }
 
 class ConfirmationSheet;
+class CopySheet;
 class DiscListView;
 class DiscListModel;
 class EraseProgressSheet;
@@ -86,6 +87,11 @@ class MainWindow : public QWidget, public WindowOutlets {
   void beginBurnConfirmationSheet() override;
   void endBurnConfirmationSheet() override;
   void orderOutBurnConfirmationPanel() override;
+  bool showsBurnSummary() const override { return true; }
+  void setBurnSummary(const BurnSummary& summary) override;
+  void beginCopySheet(const CopyRequest& request) override;
+  bool isCopying() const override;
+  void endCopySheet() override;
   void beginAlertSheet(const Alert& alert, std::function<void(int returnCode)> didEnd) override;
   int runAlertModal(const Alert& alert) override;
   DREraseProgressPanel& eraseProgressPanel() override;
@@ -141,6 +147,7 @@ class MainWindow : public QWidget, public WindowOutlets {
   RoomyButton* eraseButton_ = nullptr;
   RoomyButton* openButton_ = nullptr;
   ConfirmationSheet* burnConfirmationPanel_ = nullptr;
+  CopySheet* copyPanel_ = nullptr;
   EraseProgressSheet* eraseProgressPanel_ = nullptr;
   PreferencesPanel* prefsPanel_ = nullptr;
   LicenseReader* licenseReader_ = nullptr;

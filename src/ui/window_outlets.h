@@ -12,6 +12,8 @@ namespace kelvane {
 
 class DREraseProgressPanel;
 class MediaController;
+struct BurnSummary;
+struct CopyRequest;
 
 /// A frame in window points: origin at the lower left of the content area, y upwards.
 struct Rect {
@@ -91,6 +93,10 @@ class WindowOutlets {
   virtual void beginBurnConfirmationSheet() = 0;
   virtual void endBurnConfirmationSheet() = 0;
   virtual void orderOutBurnConfirmationPanel() = 0;
+  /// Whether the panel tells what will change. Where it does not, nobody finds that out.
+  virtual bool showsBurnSummary() const { return false; }
+  /// What is known now of the session in question; called while the panel is shown.
+  virtual void setBurnSummary(const BurnSummary& summary) { static_cast<void>(summary); }
 
   /// Opens an alert as a sheet. `didEnd`, where given, hears which button ended it, after the alert
   /// has gone.
@@ -105,6 +111,13 @@ class WindowOutlets {
 
   /// A burn is over. Where it failed, an alert has been begun that tells why.
   virtual void burnDidEnd(BurnEnd end) = 0;
+
+  /// Copies files onto the volume, by a sheet that tells how far it is; what goes wrong is told by
+  /// alerts. Returns at once. Not asked for while one is under way.
+  virtual void beginCopySheet(const CopyRequest& request) { static_cast<void>(request); }
+  virtual bool isCopying() const { return false; }
+  /// Cancels a copy that is under way, and returns when nothing is read or written any more.
+  virtual void endCopySheet() {}
 
   /// The disc that was open has left the drive; what was changed on its volume is lost.
   virtual void discHasGone() {}
@@ -135,8 +148,14 @@ class WindowActions {
   virtual bool tableViewShouldSelectRow(int32_t row) = 0;
   /// Reveals the open volume in the file manager.
   virtual void showDisk() = 0;
+  /// Whether files can be copied onto the open volume now.
+  virtual bool volumeTakesFiles() const { return false; }
+  /// Copies files and folders, by their absolute paths, onto the open volume.
+  virtual void addFiles(const std::vector<std::string>& paths) { static_cast<void>(paths); }
   virtual void burnConfirmationDidConfirm() = 0;
   virtual void burnConfirmationDidCancel() = 0;
+  /// Nothing is burned, and what was changed is kept where the user finds it.
+  virtual void burnConfirmationDidKeep() {}
   /// Asks whether to erase the selected disc, and erases it then.
   virtual void attemptErase() = 0;
 };

@@ -75,8 +75,10 @@ class ErasingWindow : public WindowlessOutlets {
   Panel panel_{*this};
 };
 
-/// The application as it runs: a disc in an emulated drive, its volume mounted for real.
-class OpenDiscTest : public ApplicationFixture {
+/// The application as it runs: a disc in an emulated drive, its volume mounted for real; and a
+/// window of the kind given.
+template <typename Window>
+class OpenDiscTestOf : public ApplicationFixture {
  protected:
   void SetUp() override {
     disc_ = prefix_.path() + "/disc.kvdisc";
@@ -96,8 +98,12 @@ class OpenDiscTest : public ApplicationFixture {
   /// The names of the disc's files; a disc without any is blank.
   virtual std::vector<std::string> contents() const { return {"a.txt"}; }
 
+  /// What kelvanedisc is told of the disc that it makes.
+  virtual QStringList discOptions() const { return {"--media", "cd-rw"}; }
+
   void makeDisc() {
-    QStringList arguments{"create", QString::fromStdString(disc_), "--media", "cd-rw"};
+    QStringList arguments{"create", QString::fromStdString(disc_)};
+    arguments << discOptions();
     const std::string source = prefix_.path() + "/source";
     fs::create_directory(source);
     for (const std::string& name : contents()) std::ofstream(source + "/" + name) << "content";
@@ -132,7 +138,7 @@ class OpenDiscTest : public ApplicationFixture {
   }
 
   TemporaryPrefix prefix_;
-  ErasingWindow window_;
+  Window window_;
   std::string disc_;
   std::string volume_ = paths::overlayMountPoint();
   std::unique_ptr<ApplicationCore> core_;
@@ -140,5 +146,7 @@ class OpenDiscTest : public ApplicationFixture {
   std::optional<KVController> controller_;
   DRDevice* device_ = nullptr;
 };
+
+using OpenDiscTest = OpenDiscTestOf<ErasingWindow>;
 
 }  // namespace kelvane::test

@@ -3,20 +3,26 @@
 // into the folder given: window_gallery FOLDER [LANGUAGE]
 #include <QApplication>
 #include <QDir>
+#include <QDragEnterEvent>
 #include <QElapsedTimer>
 #include <QFile>
 #include <QMenu>
+#include <QMimeData>
 #include <QPainter>
 #include <QPixmap>
 #include <QScrollBar>
+#include <QTemporaryDir>
 #include <QTextBrowser>
 #include <QTimer>
+#include <QUrl>
 #include <cstdio>
 
 #include "platform/foundation/bundle.h"
 #include "platform/foundation/placeholders.h"
 #include "platform/foundation/strings_table.h"
 #include "ui/agreement_window.h"
+#include "ui/burn_summary.h"
+#include "ui/copy_job.h"
 #include "ui/main_window.h"
 #include "ui/sample_records.h"
 #include "ui/sliding_area.h"
@@ -40,6 +46,7 @@ class GalleryActions : public WindowActions {
     return isUsable(media_.arrangedObjects()[static_cast<size_t>(row)]);
   }
   void showDisk() override {}
+  bool volumeTakesFiles() const override { return true; }
   void burnConfirmationDidConfirm() override {}
   void burnConfirmationDidCancel() override {}
   void attemptErase() override {}
@@ -88,6 +95,8 @@ class Gallery {
     loading();
     list();
     opened();
+    dropping();
+    copying();
     confirming();
     burning();
     alert("alert", {.style = Alert::Style::Warning,
@@ -157,10 +166,77 @@ class Gallery {
     shoot(QStringLiteral("opened"));
   }
 
+  /// The open disc while files hover over it.
+  void dropping() {
+    auto* view = window_.findChild<QWidget*>(QStringLiteral("mountedItemView"));
+    QMimeData files;
+    files.setUrls({QUrl::fromLocalFile(QStringLiteral("/"))});
+    QDragEnterEvent enter(view->rect().center(), Qt::CopyAction, &files, Qt::LeftButton,
+                          Qt::NoModifier);
+    QApplication::sendEvent(view, &enter);
+    shoot(QStringLiteral("dropping"));
+    QDragLeaveEvent leave;
+    QApplication::sendEvent(view, &leave);
+  }
+
+  /// A copy that stands at the question about a name that is taken.
+  void copying() {
+    QTemporaryDir from;
+    QTemporaryDir to;
+    const QString name = QStringLiteral("/Holiday report 2019.odt");
+    CopyRequest request;
+    request.folder = to.path().toStdString();
+    for (const QString& file : {QStringLiteral("/A film.mkv"), name}) {
+      QFile made(from.path() + file);
+      if (made.open(QIODevice::WriteOnly)) made.write(QByteArray(7'500'000, 'x'));
+      request.sources.push_back(made.fileName().toStdString());
+    }
+    QFile(from.path() + name).copy(to.path() + name);
+    window_.beginCopySheet(request);
+    const auto question = [] {
+      for (QWidget* widget : QApplication::topLevelWidgets()) {
+        if (widget->objectName() == QStringLiteral("copyQuestion")) return widget;
+      }
+      return static_cast<QWidget*>(nullptr);
+    };
+    QElapsedTimer waiting;
+    waiting.start();
+    while (question() == nullptr || waiting.elapsed() < 300) QCoreApplication::processEvents();
+    shoot(QStringLiteral("copy-question"));
+    question()->setVisible(false);
+    shoot(QStringLiteral("copying"));
+    window_.endCopySheet();
+  }
+
   void confirming() {
     window_.setBurnConfirmationDiskTitle("Holiday");
     window_.beginBurnConfirmationSheet();
+    shoot(QStringLiteral("confirming-looking"));
+    constexpr int64_t kMegabyte = 1 << 20;
+    BurnSummary summary;
+    summary.changes = BurnSummary::Changes{{128, 6}, {3, 0}, {12, 1}, {45, 2}};
+    summary.needed = {184 * kMegabyte, BurnSummary::Certainty::Estimated};
+    summary.freeBefore = {412 * kMegabyte, BurnSummary::Certainty::Estimated};
+    summary.freeAfterwards = {228 * kMegabyte, BurnSummary::Certainty::Estimated};
+    window_.setBurnSummary(summary);
+    shoot(QStringLiteral("confirming-guess"));
+    summary.needed->certainty = BurnSummary::Certainty::Exact;
+    summary.freeBefore->certainty = BurnSummary::Certainty::Exact;
+    summary.freeAfterwards = {215 * kMegabyte, BurnSummary::Certainty::Exact};
+    window_.setBurnSummary(summary);
     shoot(QStringLiteral("confirming"));
+    summary.hiddenToo = {"Fotos/Mxller.jpg", "Mueller/", "draft.txt", "a", "b", "c"};
+    window_.setBurnSummary(summary);
+    shoot(QStringLiteral("confirming-hidden"));
+    summary.hiddenToo.clear();
+    summary.freeBefore->bytes = 150 * kMegabyte;
+    summary.freeAfterwards->bytes = -34 * kMegabyte;
+    window_.setBurnSummary(summary);
+    shoot(QStringLiteral("confirming-too-large"));
+    summary.freeAfterwards->bytes = 215 * kMegabyte;
+    summary.problem = format(localizedString("ReasonFileTooLarge"), "Film.mkv");
+    window_.setBurnSummary(summary);
+    shoot(QStringLiteral("confirming-problem"));
     window_.endBurnConfirmationSheet();
     window_.orderOutBurnConfirmationPanel();
   }
