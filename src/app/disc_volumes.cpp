@@ -2,7 +2,6 @@
 #include "app/disc_volumes.h"
 
 #include "platform/recording/dr_device.h"
-#include "platform/volumes/device_hold.h"
 #include "platform/volumes/unmount.h"
 
 namespace kelvane {
@@ -44,7 +43,6 @@ std::optional<std::string> unmountVisibleVolumes(
     if (!unmountVolume(*volume, services, sleep)) return volume;
     volume = visibleVolumeOf(device, services);
   }
-  if (!volume) waitUntilNobodyHolds("/dev/" + device.bsdName(), services);
   return volume;
 }
 

@@ -2,8 +2,6 @@
 #include "burn/whole_disc_unmount.h"
 
 #include "platform/foundation/paths.h"
-#include "platform/volumes/device_hold.h"
-#include "platform/volumes/unmount.h"
 
 namespace kelvane {
 namespace {
@@ -15,16 +13,13 @@ bool isOfDisc(const MountTableEntry& volume, const std::string& device) {
 }  // namespace
 
 void requestWholeDiscUnmount(const std::string& bsdName, VolumeServices& services) {
-  bool anyUnmounted = false;
   std::vector<std::string> candidates = services.visibleVolumePaths();
   candidates.push_back(paths::hiddenMountPoint());
   for (const std::string& path : candidates) {
     const std::optional<MountTableEntry> entry = services.mountTableEntryOf(path);
     if (!entry || !isOfDisc(*entry, "/dev/" + bsdName)) continue;
-    const auto volume = services.volumeAtPath(path);
-    if (volume && services.unmountVolumeSync(*volume) == kUnmountDone) anyUnmounted = true;
+    if (const auto volume = services.volumeAtPath(path)) services.unmountVolumeSync(*volume);
   }
-  if (anyUnmounted) waitUntilNobodyHolds("/dev/" + bsdName, services);
 }
 
 }  // namespace kelvane

@@ -9,8 +9,7 @@ namespace kelvane {
 
 /// Asks that every volume of the disc in the drive is unmounted: the visible ones and the hidden
 /// one, whether mounted from the drive itself or from a slice. Each is tried once; one that is in
-/// use stays, and nobody is told. The process that has served a volume holds the drive for a moment
-/// longer; it is waited for, for three seconds at the most. Any thread.
+/// use stays, and nobody is told. Any thread.
 void requestWholeDiscUnmount(const std::string& bsdName, VolumeServices& services);
 
 }  // namespace kelvane

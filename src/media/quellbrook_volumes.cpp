@@ -4,7 +4,6 @@
 #include "platform/foundation/paths.h"
 #include "platform/foundation/system_log.h"
 #include "platform/recording/dr_device.h"
-#include "platform/volumes/device_hold.h"
 #include "platform/volumes/unmount.h"
 #include "platform/volumes/visible_mounts.h"
 
@@ -81,9 +80,7 @@ std::optional<std::string> remounthidden(const DRDevice& device, VolumeServices&
 void unmount(const DRDevice& device, VolumeServices& services) {
   if (sessionString(device) == "0") return;
   const std::optional<std::string> volume = services.volumeAtPath(paths::hiddenMountPoint());
-  if (!volume) return;
-  services.unmountVolumeSync(*volume);
-  waitUntilNobodyHolds("/dev/" + device.bsdName(), services);
+  if (volume) services.unmountVolumeSync(*volume);
 }
 
 }  // namespace kelvane::quellbrook

@@ -40,7 +40,7 @@ double secondsOf(const timeval& time) {
 int main(int argc, char** argv) {
   if (argc != 2) return 2;
   std::string error;
-  const auto source = FileBlockSource::open(argv[1], FileBlockSource::Hold::Shared, &error);
+  const auto source = FileBlockSource::open(argv[1], &error);
   const auto volume = source ? IsoVolume::open(*source, {}, &error) : nullptr;
   if (!volume) {
     std::fprintf(stderr, "%s\n", error.c_str());

@@ -90,8 +90,7 @@ TEST(IsoVolumeComposed, FileOfMoreThanFourGigabytesIsReadAcrossItsSections) {
   const Workshop workshop;
   composer.writeSparse(workshop / "disc");
   std::string error;
-  const auto source =
-      FileBlockSource::open(workshop / "disc", FileBlockSource::Hold::Shared, &error);
+  const auto source = FileBlockSource::open(workshop / "disc", &error);
   ASSERT_TRUE(source) << error;
   const auto volume = IsoVolume::open(*source, {}, &error);
   ASSERT_TRUE(volume) << error;

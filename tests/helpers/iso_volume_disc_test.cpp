@@ -47,7 +47,7 @@ class IsoVolumeOnDisc : public testing::Test {
 
   IsoVolume& open() {
     std::string error;
-    source_ = FileBlockSource::open(image(), FileBlockSource::Hold::Shared, &error);
+    source_ = FileBlockSource::open(image(), &error);
     if (source_) volume_ = IsoVolume::open(*source_, {}, &error);
     if (!volume_) throw std::runtime_error(error);
     return *volume_;

@@ -37,7 +37,7 @@ class IsoVolumeOfSeveralSessions : public testing::Test {
 
   FileTree shownAt(std::uint32_t start) {
     std::string error;
-    const auto source = FileBlockSource::open(disc(), FileBlockSource::Hold::Shared, &error);
+    const auto source = FileBlockSource::open(disc(), &error);
     EXPECT_TRUE(source) << error;
     const auto volume = IsoVolume::open(*source, {start}, &error);
     EXPECT_TRUE(volume) << error;
@@ -97,7 +97,7 @@ TEST_F(IsoVolumeOfSeveralSessions, EachSessionShowsWhatXorrisoReadsFromIt) {
 TEST_F(IsoVolumeOfSeveralSessions, SessionThatIsNotThereIsRefusedInWords) {
   addSession(makeTree("first"), 0);
   std::string error;
-  const auto source = FileBlockSource::open(disc(), FileBlockSource::Hold::Shared, &error);
+  const auto source = FileBlockSource::open(disc(), &error);
   ASSERT_TRUE(source) << error;
   EXPECT_FALSE(IsoVolume::open(*source, {5}, &error));
   EXPECT_EQ(error, "no ISO-9660 volume at block 5");

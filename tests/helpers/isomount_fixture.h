@@ -90,7 +90,7 @@ class IsoMount : public testing::Test {
   }
 
   RunResult mount(std::vector<std::string> options = {}) {
-    std::vector<std::string> words = {kIsoMountProgram, "--source", source_.value_or(image())};
+    std::vector<std::string> words = {kIsoMountProgram, "--source", image()};
     words.insert(words.end(), options.begin(), options.end());
     words.push_back(mountPoint());
     return run(words);
@@ -103,7 +103,6 @@ class IsoMount : public testing::Test {
   }
 
   Workshop workshop_;
-  std::optional<fs::path> source_;  ///< Where it is not the image.
 };
 
 #define NEEDS_FUSE() \

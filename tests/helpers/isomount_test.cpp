@@ -23,7 +23,6 @@
 #include "helpers/isomount_fixture.h"
 #include "helpers/isovolume/iso_volume.h"
 #include "helpers/workshop.h"
-#include "volumes/loop_device.h"
 
 namespace kelvane::test {
 namespace {
@@ -48,36 +47,6 @@ TEST_F(IsoMount, ShowsTheSourceTree) {
   EXPECT_EQ(differences(treeOfDirectory(mountPoint()), treeOfDirectory(tree())), "");
   EXPECT_EQ(differences(treeOfDirectory(mountPoint()), treeOfDirectory(tree())), "")
       << "from the kernel's caches";
-}
-
-TEST_F(IsoMount, HasADriveAloneSoThatTheKernelDoesNotMountTheDiscBesideIt) {
-  NEEDS_FUSE();
-  writeFile(tree() / "a.txt", "content");
-  build();
-  const LoopDevice drive(image());
-  if (drive.path().empty()) GTEST_SKIP() << "no loop device may be used here";
-  EXPECT_FALSE(drive.isHeld());
-  source_ = drive.path();
-  mustMount();
-  EXPECT_TRUE(drive.isHeld());
-  EXPECT_EQ(readFile(mountPoint() / "a.txt"), "content");
-  unmount(mountPoint());
-  EXPECT_TRUE(waitFor([&drive] { return !drive.isHeld(); }));
-}
-
-TEST_F(IsoMount, ShowsADiscThatSomebodyElseHasAloneAllTheSame) {
-  NEEDS_FUSE();
-  writeFile(tree() / "a.txt", "content");
-  build();
-  const LoopDevice drive(image());
-  if (drive.path().empty()) GTEST_SKIP() << "no loop device may be used here";
-  const int holder = open(drive.path().c_str(), O_RDONLY | O_EXCL | O_CLOEXEC);
-  ASSERT_GE(holder, 0);
-  source_ = drive.path();
-  mustMount();
-  EXPECT_EQ(readFile(mountPoint() / "a.txt"), "content");
-  unmount(mountPoint());
-  close(holder);
 }
 
 TEST_F(IsoMount, IsInTheMountTableAsADisc) {
@@ -147,8 +116,7 @@ TEST_F(IsoMount, CountsTheWholeDiscAsUsed) {
     disc << second << std::string(1000 * 2048, '\0');
   }
   std::string error;
-  const auto source =
-      isovolume::FileBlockSource::open(image(), isovolume::FileBlockSource::Hold::Shared, &error);
+  const auto source = isovolume::FileBlockSource::open(image(), &error);
   const auto volume = isovolume::IsoVolume::open(*source, {kStart}, &error);
   ASSERT_TRUE(volume) << error;
 

@@ -110,10 +110,7 @@ int printLine(const std::string& text) {
 
 int run(Request request) {
   std::string error;
-  // The desktop is not to mount a second time what is mounted here.
-  using Hold = isovolume::FileBlockSource::Hold;
-  const Hold hold = request.printVolumeId ? Hold::Shared : Hold::Alone;
-  const auto source = isovolume::FileBlockSource::open(request.source, hold, &error);
+  const auto source = isovolume::FileBlockSource::open(request.source, &error);
   if (!source) return fail(error);
   const auto volume = isovolume::IsoVolume::open(*source, request.start, &error);
   if (!volume) return fail(request.source + ": " + error);

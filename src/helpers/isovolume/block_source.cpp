@@ -12,27 +12,11 @@
 
 namespace kelvane::isovolume {
 
-namespace {
-
-// O_NONBLOCK keeps the open of a named pipe from waiting for ever; reads of files and devices do
-// not heed it.
-constexpr int kReading = O_RDONLY | O_CLOEXEC | O_NOCTTY | O_NONBLOCK;
-
-// Without O_CREAT, O_EXCL means a block device that the caller has alone; of anything else it is
-// undefined.
-int openForReading(const std::string& path, FileBlockSource::Hold hold) {
-  struct stat status = {};
-  const bool alone = hold == FileBlockSource::Hold::Alone && stat(path.c_str(), &status) == 0 &&
-                     S_ISBLK(status.st_mode);
-  const int descriptor = alone ? open(path.c_str(), kReading | O_EXCL) : -1;
-  return descriptor >= 0 ? descriptor : open(path.c_str(), kReading);
-}
-
-}  // namespace
-
-std::unique_ptr<FileBlockSource> FileBlockSource::open(const std::string& path, Hold hold,
+std::unique_ptr<FileBlockSource> FileBlockSource::open(const std::string& path,
                                                        std::string* error) {
-  const int descriptor = openForReading(path, hold);
+  // O_NONBLOCK keeps the open of a named pipe from waiting for ever; reads of files and devices do
+  // not heed it.
+  const int descriptor = ::open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NOCTTY | O_NONBLOCK);
   if (descriptor < 0) {
     *error = "cannot open " + path + ": " + std::strerror(errno);
     return nullptr;

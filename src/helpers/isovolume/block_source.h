@@ -35,13 +35,8 @@ class BlockSource {
 /// The blocks of a plain file or a block device, by descriptor.
 class FileBlockSource final : public BlockSource {
  public:
-  /// Whether others may have a device for themselves meanwhile. A mount of the kernel's, and a
-  /// program that burns, do not come up beside one who holds it alone; whoever only reads does.
-  enum class Hold { Shared, Alone };
-
-  /// Opens `path` for reading. A device that somebody else holds alone already is opened as a
-  /// shared one. Null on failure, with the reason in words in `*error`.
-  [[nodiscard]] static std::unique_ptr<FileBlockSource> open(const std::string& path, Hold hold,
+  /// Opens `path` for reading. Null on failure, with the reason in words in `*error`.
+  [[nodiscard]] static std::unique_ptr<FileBlockSource> open(const std::string& path,
                                                              std::string* error);
 
   ~FileBlockSource() override;

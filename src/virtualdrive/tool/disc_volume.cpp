@@ -38,8 +38,7 @@ std::optional<DiscVolume> openVolume(const std::filesystem::path& disc, std::opt
   const auto start = sessionStart(*state, session);
   if (!start) return std::nullopt;
   DiscVolume opened;
-  opened.source = isovolume::FileBlockSource::open(
-      drive->sectorsFile().string(), isovolume::FileBlockSource::Hold::Shared, &error);
+  opened.source = isovolume::FileBlockSource::open(drive->sectorsFile().string(), &error);
   if (!opened.source) return complain(error), std::nullopt;
   opened.volume =
       isovolume::IsoVolume::open(*opened.source, {static_cast<isovolume::Lba>(*start)}, &error);
