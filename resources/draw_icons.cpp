@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: GPL-2.0-or-later
 // Draws the disc of the disc list, of the volume and of the application, and writes it into the
-// folder given: as diskicon.png and disk.icns, and for the desktop as kelvanefs.png in the sizes of
-// an icon theme.
+// folder given: as diskicon.png (and again with twice the pixels, for screens that have them) and
+// disk.icns, and for the desktop as kelvanefs.png in the sizes of an icon theme.
 #include <QBuffer>
 #include <QConicalGradient>
 #include <QDataStream>
@@ -122,6 +122,7 @@ int main(int argc, char** argv) {
   if (arguments.size() != 2) return 2;
   const QString folder = arguments.at(1) + QLatin1Char('/');
   const bool written = write(folder + QStringLiteral("diskicon.png"), asPng(picture(128))) &&
+                       write(folder + QStringLiteral("diskicon@2x.png"), asPng(picture(256))) &&
                        write(folder + QStringLiteral("disk.icns"), asIconFile()) &&
                        writeThemeIcons(folder);
   return written ? 0 : 1;

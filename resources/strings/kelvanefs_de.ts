@@ -40,7 +40,7 @@
     </message>
     <message id="EraseDisc">
         <source>&amp;Erase Disc…</source>
-        <translation>Disc &amp;löschen …</translation>
+        <translation>&amp;Löschen …</translation>
     </message>
     <message id="InsertDisc">
         <source>&amp;Insert Disc</source>
@@ -243,11 +243,11 @@
     </message>
     <message id="burningchangescd">
         <source>Writing your changes to the CD…</source>
-        <translation>Ihre Änderungen werden auf die CD geschrieben …</translation>
+        <translation>Ihre Änderungen kommen auf die CD …</translation>
     </message>
     <message id="burningchangesdvd">
         <source>Writing your changes to the DVD…</source>
-        <translation>Ihre Änderungen werden auf die DVD geschrieben …</translation>
+        <translation>Ihre Änderungen kommen auf die DVD …</translation>
     </message>
     <message id="erasingdisk">
         <source>Erasing the disc…</source>
@@ -575,6 +575,14 @@
         <source>Warning</source>
         <translation>Warnung</translation>
     </message>
+    <message id="AccessibleError">
+        <source>Error</source>
+        <translation>Fehler</translation>
+    </message>
+    <message id="AccessibleInformation">
+        <source>Information</source>
+        <translation>Hinweis</translation>
+    </message>
     <!-- What a burn will change, in the burn confirmation sheet -->
     <message id="Summary">
         <source>What will change</source>
@@ -630,7 +638,7 @@ Wenn Sie trotzdem brennen, wird nichts geschrieben, und Ihre Änderungen gehen v
     </message>
     <message id="SummaryTooLargeLong">
         <source>They need %@, and %@ are free: that is %@ too much. Keep the changes in a folder, then open the disc again and copy less onto it, or use another disc.</source>
-        <translation>Sie brauchen %@, frei sind %@; das sind %@ zu viel. Heben Sie die Änderungen in einem Ordner auf, öffnen Sie die Disc wieder und kopieren Sie weniger darauf, oder nehmen Sie eine andere Disc.</translation>
+        <translation>Gebraucht werden %@, frei sind %@: %@ zu viel. Heben Sie die Änderungen in einem Ordner auf, öffnen Sie die Disc wieder und kopieren Sie weniger darauf, oder nehmen Sie eine andere Disc.</translation>
     </message>
     <message id="SummaryHidden">
         <source>Something would be missing that you did not delete</source>

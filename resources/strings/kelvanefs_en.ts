@@ -575,6 +575,14 @@
         <source>Warning</source>
         <translation>Warning</translation>
     </message>
+    <message id="AccessibleError">
+        <source>Error</source>
+        <translation>Error</translation>
+    </message>
+    <message id="AccessibleInformation">
+        <source>Information</source>
+        <translation>Information</translation>
+    </message>
     <!-- What a burn will change, in the burn confirmation sheet -->
     <message id="Summary">
         <source>What will change</source>

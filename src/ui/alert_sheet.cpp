@@ -36,9 +36,17 @@ QMessageBox::Icon iconOf(Alert::Style style) {
   return QMessageBox::Warning;
 }
 
-/// What a drive or program said may look like markup and is none. The two labels bear these names
-/// in every version of the toolkit so far; a box without them merely looks plainer.
+std::string iconNameKey(QMessageBox::Icon icon) {
+  if (icon == QMessageBox::Information) return "AccessibleInformation";
+  return icon == QMessageBox::Critical ? "AccessibleError" : "AccessibleWarning";
+}
+
+/// What a drive or program said may look like markup and is none. The labels bear these names in
+/// every version of the toolkit so far; a box without them merely looks and sounds plainer.
 void adaptLabels(QMessageBox& box) {
+  if (auto* icon = box.findChild<QLabel*>(QStringLiteral("qt_msgboxex_icon_label"))) {
+    icon->setAccessibleName(localizedText(iconNameKey(box.icon())));
+  }
   if (auto* message = box.findChild<QLabel*>(QStringLiteral("qt_msgbox_label"))) {
     QFont bold = message->font();
     bold.setBold(true);

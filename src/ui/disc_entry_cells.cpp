@@ -25,7 +25,9 @@ void drawLine(QPainter& painter, const QRectF& frame, double offset, const QStri
   const QFontMetricsF metrics(painter.font());
   const QString shown = metrics.elidedText(text, Qt::ElideRight, frame.width());
   const double top = frame.y() + (frame.height() - metrics.height()) / 2 + offset;
-  painter.drawText(QPointF(frame.x(), top + metrics.ascent()), shown);
+  const bool fromTheRight = painter.layoutDirection() == Qt::RightToLeft;
+  const double left = fromTheRight ? frame.right() - metrics.horizontalAdvance(shown) : frame.x();
+  painter.drawText(QPointF(left, top + metrics.ascent()), shown);
 }
 
 }  // namespace
@@ -49,18 +51,20 @@ void CenteredTextCell::drawWithFrame(QPainter& painter, const QRectF& frame, dou
   painter.restore();
 }
 
-QRectF USMessageTextCell::badgeRect(const QRectF& frame, double scale) const {
+QRectF USMessageTextCell::badgeRect(const QRectF& frame, double scale,
+                                    Qt::LayoutDirection direction) const {
   if (text_.isEmpty()) return {};
   const double textWidth = QFontMetricsF(cellFont(kBadgePoints, scale)).horizontalAdvance(text_);
   const double width = textWidth + 2 * kBadgePadding * scale;
   const double height = kBadgeHeight * scale;
-  return {frame.right() - width - kBadgeMargin * scale,
-          frame.y() + frame.height() / 2 - height / 2 + 0.5, width, height};
+  const double left = direction == Qt::RightToLeft ? frame.x() + kBadgeMargin * scale
+                                                   : frame.right() - width - kBadgeMargin * scale;
+  return {left, frame.y() + frame.height() / 2 - height / 2 + 0.5, width, height};
 }
 
 void USMessageTextCell::drawWithFrame(QPainter& painter, const QRectF& frame, double scale) const {
   if (text_.isEmpty()) return;
-  const QRectF badge = badgeRect(frame, scale);
+  const QRectF badge = badgeRect(frame, scale, painter.layoutDirection());
   painter.save();
   painter.setRenderHint(QPainter::Antialiasing);
   painter.setPen(Qt::NoPen);

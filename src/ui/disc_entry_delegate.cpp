@@ -18,8 +18,14 @@ constexpr double kIconSize = 32;
 constexpr double kTextLeft = 58;
 constexpr double kTextRightMargin = 10;
 
+/// `frame`, which is laid out from the left, where texts in `row` begin at its right.
+QRectF mirrored(QRectF frame, const QRectF& row, Qt::LayoutDirection direction) {
+  if (direction == Qt::RightToLeft) frame.moveRight(row.right() - (frame.left() - row.left()));
+  return frame;
+}
+
 void drawFocus(QPainter& painter, const QRect& row) {
-  painter.setPen(QPen(display_colors::kSecondaryText, 1, Qt::DotLine));
+  painter.setPen(QPen(display_colors::kText, 1, Qt::DotLine));
   painter.setBrush(Qt::NoBrush);
   painter.drawRect(row.adjusted(1, 1, -2, -2));
 }
@@ -34,20 +40,24 @@ void DiscEntryDelegate::paint(QPainter* painter, const QStyleOptionViewItem& opt
   const USMessageTextCell refusal(index.data(DiscListModel::RefusalRole).toString());
 
   painter->save();
+  painter->setLayoutDirection(option.direction);
   if (selected) painter->fillRect(row, display_colors::kSelection);
   const QRectF icon(row.x() + kSideMargin * scale, row.center().y() - kIconSize * scale / 2,
                     kIconSize * scale, kIconSize * scale);
-  index.data(Qt::DecorationRole).value<QIcon>().paint(painter, icon.toAlignedRect());
+  index.data(Qt::DecorationRole)
+      .value<QIcon>()
+      .paint(painter, mirrored(icon, row, option.direction).toAlignedRect());
 
   QRectF text = row.adjusted(kTextLeft * scale, 0, -kTextRightMargin * scale, 0);
   if (const QRectF badge = refusal.badgeRect(row, scale); !badge.isEmpty()) {
     text.setRight(badge.left() - kTextRightMargin * scale);
   }
+  text = mirrored(text, row, option.direction);
   const CenteredTextCell entry(index.data(DiscListModel::VolumeNameRole).toString(),
                                index.data(DiscListModel::DeviceLineRole).toString());
   entry.drawWithFrame(*painter, text, scale, selected);
   refusal.drawWithFrame(*painter, row, scale);
-  if (option.state.testFlag(QStyle::State_HasFocus) && !selected) drawFocus(*painter, option.rect);
+  if (option.state.testFlag(QStyle::State_HasFocus)) drawFocus(*painter, option.rect);
   painter->restore();
 }
 

@@ -63,7 +63,7 @@ void EraseProgressSheet::closeEvent(QCloseEvent* event) {
 
 void EraseProgressSheet::showBeginning(const std::string& description) {
   const QString text = QString::fromStdString(description);
-  descriptionField_->setText(text);
+  setFieldText(*descriptionField_, text);
   setAccessibleName(text);
   showFraction(std::nullopt);
   open();
@@ -73,9 +73,11 @@ void EraseProgressSheet::showBeginning(const std::string& description) {
 void EraseProgressSheet::showFraction(std::optional<double> fraction) {
   progressBar_->setRange(0, fraction ? kSteps : 0);
   if (fraction) progressBar_->setValue(static_cast<int>(std::lround(*fraction * kSteps)));
+  Q_EMIT percentChanged(fraction ? static_cast<int>(100 * *fraction) : -1);
 }
 
 void EraseProgressSheet::showEnd(const std::string& error) {
+  Q_EMIT percentChanged(-1);
   done(error.empty() ? QDialog::Accepted : QDialog::Rejected);
   if (error.empty()) return;
   systemLog("erasing failed: %@", error);

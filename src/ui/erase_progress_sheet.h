@@ -23,6 +23,10 @@ class EraseProgressSheet : public QDialog, public EraseFollower {
  public Q_SLOTS:
   void reject() override;
 
+ Q_SIGNALS:
+  /// How much is done, in whole percent; -1 while nobody knows, and when the erase has ended.
+  void percentChanged(int percent);
+
  protected:
   void closeEvent(QCloseEvent* event) override;
 

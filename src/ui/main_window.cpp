@@ -62,7 +62,6 @@ std::span<const int32_t> speedsFor(const std::optional<std::string>& mediaType) 
 
 MainWindow::MainWindow(QWidget* parent) : QWidget(parent) {
   setObjectName(QStringLiteral("mainWindow"));
-  setWindowTitle(QStringLiteral("KelvaneFS"));
   if (const auto icon = Bundle::mainBundle().pathForResource("diskicon", "png")) {
     setWindowIcon(QIcon(toText(*icon)));
   }
@@ -176,6 +175,10 @@ void MainWindow::connectActions() {
     showEraseMenu(mediaController_, static_cast<size_t>(row), *diskTable_, where,
                   [this](size_t chosen) { askToErase(chosen); });
   });
+  connect(&burnView_->progressIndicator(), &BurnProgressBar::percentChanged, this,
+          [this](int percent) { showPercent(percent); });
+  connect(eraseProgressPanel_, &EraseProgressSheet::percentChanged, this,
+          [this](int percent) { showPercent(percent); });
   prefsPanel_->setLicenseHandler([this] { showLicense(); });
   burnConfirmationPanel_->setConfirmHandler([this] {
     if (actions_) actions_->burnConfirmationDidConfirm();
@@ -235,6 +238,18 @@ void MainWindow::adaptButtons() {
   eraseButton_->setEnabled(erasableRow(mediaController_).has_value());
 }
 
+void MainWindow::showPercent(int percent) {
+  status_.setPercent(percent < 0 ? std::nullopt : std::optional(percent));
+}
+
+// A disc is open while its view or that of its burn is in sight.
+void MainWindow::adaptStatus() {
+  const bool burning = contentArea_->isArriving(ContentView::Burn);
+  const bool open = burning || contentArea_->isArriving(ContentView::MountedItem);
+  status_.setOpenDisc(open ? mountedItemView_->volumeNameField()->text() : QString());
+  if (!burning) status_.setPercent(std::nullopt);
+}
+
 // Selected or not, the disc to be erased is the selected one from now on, and is seen to be.
 void MainWindow::askToErase(size_t row) {
   mediaController_.setSelectionIndex(row);
@@ -292,6 +307,7 @@ void MainWindow::setHidden(HideableView view, bool hidden) {
 void MainWindow::setFrame(ContentView view, Rect frame, Movement movement) {
   contentArea_->setFrame(view, frame, movement);
   adaptButtons();
+  adaptStatus();
 }
 
 void MainWindow::setAnimationDuration(double seconds) {
@@ -311,19 +327,20 @@ void MainWindow::setMessage(const std::string& text) {
 }
 
 void MainWindow::setVolumeNameField(const std::string& text) {
-  mountedItemView_->volumeNameField()->setText(toText(text));
+  setFieldText(*mountedItemView_->volumeNameField(), toText(text));
+  adaptStatus();
 }
 
 void MainWindow::setDeviceNameField(const std::string& text) {
-  mountedItemView_->deviceNameField()->setText(toText(text));
+  setFieldText(*mountedItemView_->deviceNameField(), toText(text));
 }
 
 void MainWindow::setSizeInformationField(const std::string& text) {
-  mountedItemView_->sizeInformationField()->setText(toText(text));
+  setFieldText(*mountedItemView_->sizeInformationField(), toText(text));
 }
 
 void MainWindow::setBurnMessage(const std::string& text) {
-  burnView_->messageTextField()->setText(toText(text));
+  setFieldText(*burnView_->messageTextField(), toText(text));
 }
 
 ProgressIndicator& MainWindow::burnProgressIndicator() {

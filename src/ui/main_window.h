@@ -9,6 +9,7 @@
 
 #include "ui/media_controller.h"
 #include "ui/window_outlets.h"
+#include "ui/window_status.h"
 
 namespace kelvane {
 
@@ -119,12 +120,15 @@ class MainWindow : public QWidget, public WindowOutlets {
   void showLicense();
   void applyScale();
   void adaptButtons();
+  void adaptStatus();
+  void showPercent(int percent);
   void showMediaController();
   void selectInMediaController();
   void askToErase(size_t row);
 
   WindowActions* actions_ = nullptr;
   MediaController mediaController_;
+  WindowStatus status_{*this};
   std::function<void()> quitRequested_;
   std::function<void(bool)> terminateReplied_;
   std::function<std::string()> licenseSource_;

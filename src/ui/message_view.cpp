@@ -23,7 +23,7 @@ MessageView::MessageView(QWidget* parent) : QWidget(parent) {
 }
 
 void MessageView::setMessage(const QString& text) {
-  messageTextField_->setText(text);
+  setFieldText(*messageTextField_, text);
 }
 
 QString MessageView::message() const {

@@ -27,7 +27,7 @@ QLabel* makeExplanation(const QString& text, int indent, QWidget* parent) {
   auto* label = new QLabel(text, parent);
   label->setTextFormat(Qt::PlainText);
   label->setWordWrap(true);
-  label->setFixedWidth(toPixels(kTextWidth, parent->font()));
+  label->setMinimumWidth(toPixels(kTextWidth, parent->font()));
   label->setIndent(indent);
   return label;
 }

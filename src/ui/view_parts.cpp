@@ -2,42 +2,14 @@
 #include "ui/view_parts.h"
 
 #include <QLabel>
-#include <QPainter>
-#include <QPixmap>
 #include <QRegularExpression>
 
-#include "platform/foundation/bundle.h"
 #include "platform/foundation/strings_table.h"
+#include "ui/disc_picture.h"
 #include "ui/roomy_button.h"
-#include "ui/window_metrics.h"
 
 namespace kelvane {
-namespace {
-
-constexpr double kPictureSize = 48;
-constexpr double kFaintOpacity = 0.45;
-
-/// The disc icon at `size` points, drawn with as many pixels as the screen of `widget` has for it.
-QPixmap discPixmap(Shade shade, const QWidget& widget) {
-  const auto path = Bundle::mainBundle().pathForResource("diskicon", "png");
-  const QPixmap icon(QString::fromStdString(path.value_or(std::string())));
-  const double ratio = widget.devicePixelRatioF();
-  const int side = qRound(toPixels(kPictureSize, widget.font()) * ratio);
-  QPixmap drawn(side, side);
-  drawn.fill(Qt::transparent);
-  QPainter painter(&drawn);
-  painter.setRenderHint(QPainter::SmoothPixmapTransform);
-  painter.setOpacity(shade == Shade::Faint ? kFaintOpacity : 1.0);
-  if (!icon.isNull()) {
-    painter.drawPixmap(0, 0,
-                       icon.scaled(side, side, Qt::KeepAspectRatio, Qt::SmoothTransformation));
-  }
-  painter.end();
-  drawn.setDevicePixelRatio(ratio);
-  return drawn;
-}
-
-}  // namespace
+namespace {}  // namespace
 
 QString localizedText(const std::string& key) {
   return QString::fromStdString(localizedString(key));
@@ -60,6 +32,14 @@ QLabel* makeTextField(const char* name, const std::string& accessibleKey, QWidge
   return label;
 }
 
+void setFieldText(QLabel& field, const QString& text) {
+  if (field.accessibleDescription().isEmpty()) {
+    field.setAccessibleDescription(field.accessibleName());
+  }
+  field.setText(text);
+  field.setAccessibleName(text.isEmpty() ? field.accessibleDescription() : text);
+}
+
 RoomyButton* makeButton(const char* name, const std::string& key, QWidget* parent) {
   auto* button = new RoomyButton(parent);
   button->setObjectName(QLatin1String(name));
@@ -68,11 +48,7 @@ RoomyButton* makeButton(const char* name, const std::string& key, QWidget* paren
 }
 
 QLabel* makeDiscPicture(Shade shade, QWidget* parent) {
-  auto* picture = new QLabel(parent);
-  picture->setPixmap(discPixmap(shade, *parent));
-  picture->setSizePolicy(QSizePolicy::Fixed, QSizePolicy::Preferred);
-  picture->setAccessibleName(localizedText("AccessibleDiskIcon"));
-  return picture;
+  return new DiscPicture(shade, parent);
 }
 
 }  // namespace kelvane

@@ -4,6 +4,8 @@
 #include <QString>
 #include <string>
 
+#include "ui/disc_picture.h"
+
 class QLabel;
 class QWidget;
 
@@ -21,13 +23,15 @@ QString withoutMnemonic(QString text);
 QString withoutMnemonicMark(QString text);
 
 /// A label for changing text, plain whatever it holds: names come from discs and drives. `name` is
-/// its object name, `accessibleKey` the key of what a screen reader calls it. The parent owns it.
+/// its object name, `accessibleKey` the key of what it is for. The parent owns it.
 QLabel* makeTextField(const char* name, const std::string& accessibleKey, QWidget* parent);
+
+/// Shows `text` in a label whose accessible name so far is what it is for. A screen reader speaks
+/// the text from now on, and describes it by what it is for.
+void setFieldText(QLabel& field, const QString& text);
 
 /// A button with the text of `key`, in which "&" marks the mnemonic. The parent owns it.
 RoomyButton* makeButton(const char* name, const std::string& key, QWidget* parent);
-
-enum class Shade { Full, Faint };
 
 /// The picture of a disc that stands at the left of a content view. The parent owns it.
 QLabel* makeDiscPicture(Shade shade, QWidget* parent);

@@ -105,6 +105,18 @@ QDBusObjectPath FakePortal::Inhibit(const QString&, uint flags, const QVariantMa
   return handle;
 }
 
+FakeLauncher::FakeLauncher(QDBusConnection bus) {
+  bus.connect(QString(), QString(), QStringLiteral("com.canonical.Unity.LauncherEntry"),
+              QStringLiteral("Update"), this, SLOT(update(QString, QVariantMap)));
+}
+
+void FakeLauncher::update(const QString& application, const QVariantMap& properties) {
+  const bool visible = properties.value(QStringLiteral("progress-visible")).toBool();
+  const int percent = qRound(100 * properties.value(QStringLiteral("progress")).toDouble());
+  shown.push_back(application.toStdString() +
+                  (visible ? " " + std::to_string(percent) + "%" : std::string(" none")));
+}
+
 FakeNotifications::FakeNotifications(const QDBusConnection& bus)
     : FakeService(bus, QStringLiteral("org.freedesktop.Notifications"),
                   QStringLiteral("/org/freedesktop/Notifications")) {}

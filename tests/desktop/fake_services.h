@@ -114,6 +114,20 @@ class FakePortal : public FakeService {
   int granted_ = 0;
 };
 
+/// A dock that shows the progress of applications.
+class FakeLauncher : public QObject {
+  Q_OBJECT
+
+ public:
+  explicit FakeLauncher(QDBusConnection bus);
+
+  /// What it was told, such as "application://name.desktop 25%", or "… none".
+  std::vector<std::string> shown;
+
+ public Q_SLOTS:
+  void update(const QString& application, const QVariantMap& properties);
+};
+
 class FakeNotifications : public FakeService {
   Q_OBJECT
   Q_CLASSINFO("D-Bus Interface", "org.freedesktop.Notifications")

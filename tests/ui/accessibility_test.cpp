@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: GPL-2.0-or-later
 // What a screen reader finds in the window, and that the keyboard reaches everything.
+#include <QAbstractButton>
 #include <QAccessible>
 #include <QApplication>
 #include <QComboBox>
@@ -13,6 +14,7 @@
 #include <set>
 
 #include "ui/sample_records.h"
+#include "ui/window_states.h"
 #include "ui/window_test.h"
 
 namespace kelvane {
@@ -114,11 +116,88 @@ TEST_F(Accessibility, EverythingOfTheSheetsHasAName) {
   EXPECT_EQ(openSheet("alertSheet")->accessibleName(), "Erase this disc?");
 }
 
+/// What a screen reader would not know how to speak of, below and with `item`.
+std::vector<std::string> unspeakable(QAccessibleInterface& item) {
+  std::vector<std::string> found;
+  if (item.state().invisible) return found;
+  const std::string name = item.text(QAccessible::Name).toStdString();
+  const QObject* object = item.object();
+  const std::string what = object ? object->objectName().toStdString() : std::string("an item");
+  if (item.role() == QAccessible::NoRole) found.push_back(what + " has no role");
+  if (item.state().focusable && name.empty()) found.push_back(what + " has no name");
+  for (int index = 0; index < item.childCount(); ++index) {
+    QAccessibleInterface* child = item.child(index);
+    if (!child || !child->isValid()) continue;
+    for (std::string& each : unspeakable(*child)) found.push_back(std::move(each));
+  }
+  return found;
+}
+
+TEST_F(Accessibility, EveryStateAndEveryAlertIsSpokenOfByRoleAndName) {
+  for (const WindowState& state : windowStates()) {
+    QWidget* top = state.enter(window_);
+    ASSERT_NE(top, nullptr) << state.name;
+    QAccessibleInterface* root = QAccessible::queryAccessibleInterface(top);
+    EXPECT_FALSE(root->text(QAccessible::Name).isEmpty()) << state.name;
+    EXPECT_THAT(unspeakable(*root), IsEmpty()) << state.name;
+    EXPECT_THAT(nameless(top), IsEmpty()) << state.name;
+    leaveState(window_);
+  }
+}
+
+TEST_F(Accessibility, FieldsSpeakTheirTextAndAreDescribedByWhatTheyAreFor) {
+  window_.setFrame(ContentView::MountedItem, kInWindow, Movement::Direct);
+  window_.setVolumeNameField("Holiday");
+  auto* field = child<QWidget>("volumeNameField");
+  EXPECT_EQ(spokenName(field), "Holiday");
+  EXPECT_EQ(field->accessibleDescription(), "Name of the disc");
+  window_.setVolumeNameField("");
+  EXPECT_EQ(spokenName(field), "Name of the disc");
+}
+
+/// The mnemonics of the visible buttons and entries below `top`.
+std::vector<std::string> mnemonicsOf(QWidget* top) {
+  std::vector<std::string> found;
+  for (const QAbstractButton* button : top->findChildren<QAbstractButton*>()) {
+    if (!button->isVisible() || button->window() != top->window() || button->text().isEmpty()) {
+      continue;
+    }
+    const QKeySequence mnemonic = QKeySequence::mnemonic(button->text());
+    found.push_back(mnemonic.isEmpty() ? "none: " + button->text().toStdString()
+                                       : mnemonic.toString().toStdString());
+  }
+  return found;
+}
+
+TEST_F(Accessibility, EachButtonHasAMnemonicOfItsOwnInBothLanguages) {
+  for (const char* language : {"en", "de"}) {
+    const Language spoken(language);
+    MainWindow window;
+    leaveState(window);
+    window.makeKeyAndOrderFront();
+    for (const WindowState& state : windowStates()) {
+      const std::vector<std::string> all = mnemonicsOf(state.enter(window));
+      const std::set<std::string> different(all.begin(), all.end());
+      EXPECT_EQ(all.size(), different.size()) << language << " " << state.name;
+      EXPECT_THAT(all, ::testing::Each(::testing::StartsWith("Alt+")))
+          << language << " " << state.name;
+      leaveState(window);
+    }
+  }
+}
+
+TEST_F(Accessibility, MnemonicPressesItsButton) {
+  window_.setOpenButtonCaption("&Open Disc");
+  QTest::keyClick(&window_, Qt::Key_O, Qt::AltModifier);
+  EXPECT_TRUE(QTest::qWaitFor([this] { return !actions_.calls.empty(); }));
+  EXPECT_THAT(actions_.calls, ::testing::ElementsAre("mountBurnFS"));
+}
+
 TEST_F(Accessibility, KeyboardReachesListAndButtons) {
   window_.setInsertableDiscs({"Holiday"}, {});
   window_.mediaController().addObjects({usableRecord("Holiday")});
-  EXPECT_THAT(visitedByTab(&window_),
-              IsSupersetOf({"diskTableView", "insertDiscButton", "openButton"}));
+  EXPECT_THAT(visitedByTab(&window_), IsSupersetOf({"diskTableView", "insertDiscButton",
+                                                    "openButton", "windowMenuButton"}));
 }
 
 TEST_F(Accessibility, KeyboardReachesTheEraseButtonWhichSaysWhatItDoes) {

@@ -16,6 +16,7 @@ namespace {
 
 using namespace kelvane::testing;
 using test::FakeFileManager;
+using test::FakeLauncher;
 using test::FakeNotifications;
 using test::Manner;
 using ::testing::ElementsAre;
@@ -87,6 +88,51 @@ TEST_F(DesktopWindow, WhoLooksAtTheWindowIsNotToldTwice) {
   turnUntil([&desktop] { return !desktop.shown.empty(); });
   ASSERT_EQ(desktop.shown.size(), 1U);
   EXPECT_EQ(desktop.shown[0].category, "transfer.error") << "the success had been seen";
+}
+
+TEST_F(DesktopWindow, TitleTellsTheOpenDiscAndHowMuchOfItIsBurned) {
+  EXPECT_EQ(window_.windowTitle(), "KelvaneFS");
+  window_.setFrame(ContentView::MountedItem, kInWindow, Movement::Direct);
+  window_.setVolumeNameField("HOLIDAY");
+  EXPECT_EQ(window_.windowTitle(), "HOLIDAY – KelvaneFS");
+  window_.setFrame(ContentView::MountedItem, kLeftOfWindow, Movement::Direct);
+  window_.setFrame(ContentView::Burn, kInWindow, Movement::Direct);
+  window_.burnProgressIndicator().setIndeterminate(true);
+  window_.burnProgressIndicator().startAnimation();
+  EXPECT_EQ(window_.windowTitle(), "HOLIDAY – KelvaneFS") << "nobody knows how much yet";
+  window_.burnProgressIndicator().setIndeterminate(false);
+  window_.burnProgressIndicator().setDoubleValue(0.84);
+  EXPECT_EQ(window_.windowTitle(), "42% – HOLIDAY – KelvaneFS");
+  window_.setFrame(ContentView::MountedItem, kRightOfWindow, Movement::Direct);
+  window_.setFrame(ContentView::Burn, kRightOfWindow, Movement::Animated);
+  EXPECT_EQ(window_.windowTitle(), "KelvaneFS");
+}
+
+TEST_F(DesktopWindow, TaskBarShowsTheProgressOfABurnUntilItEnds) {
+  const FakeLauncher launcher(bus_.services());
+  window_.setFrame(ContentView::Burn, kInWindow, Movement::Direct);
+  window_.burnProgressIndicator().setIndeterminate(false);
+  window_.burnProgressIndicator().setDoubleValue(0.84);
+  window_.setFrame(ContentView::Burn, kRightOfWindow, Movement::Direct);
+  turnUntil(
+      [&launcher] { return !launcher.shown.empty() && launcher.shown.back().ends_with(" none"); });
+  EXPECT_THAT(launcher.shown, ::testing::Contains("application://kelvanefs.desktop 42%"));
+}
+
+TEST_F(DesktopWindow, PaletteThatChangesWhileItIsShownIsFollowed) {
+  const QPalette before = QApplication::palette();
+  QPalette dark(QColor(0x30, 0x30, 0x30));
+  QApplication::setPalette(dark);
+  QApplication::processEvents();
+  const QImage inDark = window_.grab().toImage();
+  EXPECT_LT(QColor(inDark.pixel(3, 3)).lightness(), 80) << "the header";
+  EXPECT_LT(QColor(inDark.pixel(3, inDark.height() - 3)).lightness(), 80) << "the bar of buttons";
+  QApplication::setPalette(before);
+  QApplication::processEvents();
+  const QImage inLight = window_.grab().toImage();
+  EXPECT_GT(QColor(inLight.pixel(3, 3)).lightness(), 180);
+  const int middle = inLight.height() / 2;
+  EXPECT_EQ(inLight.pixel(3, middle), inDark.pixel(3, middle)) << "the display stays as it is";
 }
 
 TEST_F(DesktopWindow, AClickOnTheNotificationBringsTheWindowBack) {

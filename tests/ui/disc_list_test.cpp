@@ -172,6 +172,54 @@ TEST_F(DiscList, BadgeIsRed) {
   EXPECT_EQ(badge.pixelColor(402 - 20 + 2, 21), QColor(Qt::black)) << "the margin stays free";
 }
 
+/// The columns of `picture` between `top` and `bottom` in which something like `color` stands.
+std::vector<int> columnsOf(const QImage& picture, int top, int bottom, const QColor& color) {
+  std::vector<int> found;
+  for (int x = 0; x < picture.width(); ++x) {
+    for (int y = top; y < bottom; ++y) {
+      const QColor here = picture.pixelColor(x, y);
+      if (std::abs(here.red() - color.red()) < 12 && std::abs(here.green() - color.green()) < 12 &&
+          std::abs(here.blue() - color.blue()) < 12) {
+        found.push_back(x);
+        break;
+      }
+    }
+  }
+  return found;
+}
+
+TEST_F(DiscList, WhereTextsRunFromTheRightNameAndBadgeStandOnTheirOtherSides) {
+  const QColor red = QColor::fromRgbF(0.9F, 0.3F, 0.3F);
+  list()->scrollToTop();
+  QCoreApplication::processEvents();
+  const QImage fromLeft = list()->viewport()->grab().toImage();
+  list()->setLayoutDirection(Qt::RightToLeft);
+  QCoreApplication::processEvents();
+  const QImage fromRight = list()->viewport()->grab().toImage();
+  const std::vector<int> badge = columnsOf(fromLeft, 0, 43, red);
+  const std::vector<int> mirrored = columnsOf(fromRight, 0, 43, red);
+  ASSERT_FALSE(badge.empty());
+  ASSERT_FALSE(mirrored.empty());
+  EXPECT_GT(badge.front(), fromLeft.width() / 2);
+  EXPECT_NEAR(mirrored.front(), 20, 1);
+  EXPECT_EQ(mirrored.size(), badge.size());
+  // The second row has no badge: what is white there is the name.
+  const std::vector<int> name = columnsOf(fromLeft, 44, 64, Qt::white);
+  const std::vector<int> nameFromRight = columnsOf(fromRight, 44, 64, Qt::white);
+  ASSERT_FALSE(name.empty());
+  ASSERT_FALSE(nameFromRight.empty());
+  EXPECT_LT(name.back(), fromLeft.width() / 2);
+  EXPECT_GT(nameFromRight.front(), fromRight.width() / 2);
+}
+
+TEST_F(DiscList, SelectedRowIsOutlinedWhileItHasTheKeyboard) {
+  clickRow(1);
+  list()->setFocus();
+  const QImage focused = list()->viewport()->grab().toImage();
+  child<QWidget>("openButton")->setFocus();
+  EXPECT_NE(list()->viewport()->grab().toImage(), focused);
+}
+
 TEST_F(DiscList, LongNamesEndBeforeTheBadge) {
   window_.mediaController().removeArrangedObjects();
   window_.mediaController().addObjects(

@@ -1,0 +1,122 @@
+// SPDX-License-Identifier: GPL-2.0-or-later
+// No text is cut and nothing lies over another thing, in every state, in both languages, with
+// platform fonts of 10 to 18 points, and on screens of more pixels.
+#include <QAbstractButton>
+#include <QApplication>
+#include <QCoreApplication>
+#include <QLabel>
+#include <QProcess>
+#include <QTest>
+#include <tuple>
+
+#include "ui/header_view.h"
+#include "ui/sliding_area.h"
+#include "ui/window_states.h"
+#include "ui/window_test.h"
+
+namespace kelvane {
+namespace {
+
+using ::testing::IsEmpty;
+using namespace kelvane::testing;
+
+std::string nameOf(const QWidget& widget) {
+  return widget.objectName().toStdString() + " (" + widget.accessibleName().toStdString() + ")";
+}
+
+bool isCut(QWidget* widget) {
+  if (const auto* label = qobject_cast<QLabel*>(widget)) {
+    if (label->text().isEmpty()) return false;
+    const QRect room = label->contentsRect();
+    if (label->wordWrap()) return label->heightForWidth(label->width()) > label->height();
+    return label->fontMetrics().horizontalAdvance(label->text()) > room.width() ||
+           label->fontMetrics().height() > room.height() + 1;
+  }
+  const auto* button = qobject_cast<QAbstractButton*>(widget);
+  if (!button || button->text().isEmpty()) return false;
+  const QSize needed = button->minimumSizeHint();
+  return needed.width() > button->width() || needed.height() > button->height();
+}
+
+/// What of the visible widgets below `top` is cut, reaches out of what is around it, or lies over
+/// its neighbour.
+std::vector<std::string> misfits(QWidget* top) {
+  std::vector<std::string> found;
+  for (QWidget* widget : top->findChildren<QWidget*>()) {
+    if (!widget->isVisible() || widget->window() != top->window()) continue;
+    if (isCut(widget)) found.push_back("cut: " + nameOf(*widget));
+    QWidget* around = widget->parentWidget();
+    const bool slides = qobject_cast<SlidingArea*>(around) != nullptr ||
+                        qobject_cast<HeaderView*>(around) != nullptr;
+    const bool scrolls = around->objectName().startsWith(QLatin1String("qt_scrollarea"));
+    if (!slides && !scrolls && !around->rect().contains(widget->geometry())) {
+      found.push_back("outside: " + nameOf(*widget));
+    }
+    for (QWidget* other :
+         around->findChildren<QAbstractButton*>(QString(), Qt::FindDirectChildrenOnly)) {
+      if (other == widget || !other->isVisible() || !qobject_cast<QAbstractButton*>(widget))
+        continue;
+      if (other->geometry().intersects(widget->geometry())) {
+        found.push_back("over another: " + nameOf(*widget));
+      }
+    }
+  }
+  return found;
+}
+
+class TextsFit : public ::testing::TestWithParam<std::tuple<const char*, int>> {
+ protected:
+  TextsFit() : language_(std::get<0>(GetParam())), before_(QApplication::font()) {
+    QFont font = before_;
+    font.setPointSize(std::get<1>(GetParam()));
+    QApplication::setFont(font);
+  }
+  ~TextsFit() override { QApplication::setFont(before_); }
+
+ private:
+  Language language_;
+  QFont before_;
+};
+
+TEST_P(TextsFit, InEveryState) {
+  MainWindow window;
+  window.setAnimationDuration(0);
+  leaveState(window);
+  window.makeKeyAndOrderFront();
+  for (const WindowState& state : windowStates()) {
+    QWidget* top = state.enter(window);
+    ASSERT_NE(top, nullptr) << state.name;
+    QCoreApplication::processEvents();
+    EXPECT_THAT(misfits(top), IsEmpty()) << state.name;
+    leaveState(window);
+    QCoreApplication::processEvents();
+  }
+}
+
+INSTANTIATE_TEST_SUITE_P(LanguagesAndFonts, TextsFit,
+                         ::testing::Combine(::testing::Values("en", "de"),
+                                            ::testing::Values(10, 11, 13, 15, 18)),
+                         [](const auto& test) {
+                           return std::string(std::get<0>(test.param)) +
+                                  std::to_string(std::get<1>(test.param));
+                         });
+
+/// The number of pixels for a point is fixed when a program starts, so the tests above run in
+/// another process.
+TEST(TextsFitOnScreensOfMorePixels, AtEveryScaleFactor) {
+  for (const char* factor : {"1.25", "1.5", "2"}) {
+    QProcess again;
+    QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
+    environment.insert(QStringLiteral("QT_SCALE_FACTOR"), QLatin1String(factor));
+    again.setProcessEnvironment(environment);
+    again.setProcessChannelMode(QProcess::MergedChannels);
+    again.start(QCoreApplication::applicationFilePath(),
+                {QStringLiteral("--gtest_filter=LanguagesAndFonts/TextsFit.*"),
+                 QStringLiteral("--gtest_brief=1")});
+    ASSERT_TRUE(again.waitForFinished(-1));
+    EXPECT_EQ(again.exitCode(), 0) << factor << "\n" << again.readAll().toStdString();
+  }
+}
+
+}  // namespace
+}  // namespace kelvane

@@ -1,0 +1,234 @@
+// SPDX-License-Identifier: GPL-2.0-or-later
+#include "ui/window_states.h"
+
+#include <QApplication>
+#include <QDialog>
+#include <QTranslator>
+
+#include "platform/foundation/placeholders.h"
+#include "platform/foundation/strings_table.h"
+#include "ui/license_reader.h"
+#include "ui/media_controller.h"
+#include "ui/preferences_panel.h"
+#include "ui/sample_records.h"
+
+namespace kelvane::testing {
+namespace {
+
+constexpr Rect kIn{0, 33, 402, 86};
+constexpr Rect kLeft{-402, 33, 402, 86};
+constexpr Rect kRight{402, 33, 402, 86};
+
+constexpr double kHalfBurned = 1.37;
+
+QWidget* visibleChild(MainWindow& window, const char* name) {
+  for (QWidget* sheet : window.findChildren<QWidget*>(QLatin1String(name))) {
+    if (sheet->isVisible()) return sheet;
+  }
+  return nullptr;
+}
+
+QWidget* empty(MainWindow& window) {
+  window.setHidden(HideableView::OpenButton, true);
+  window.setHidden(HideableView::DiskScroll, true);
+  window.setHidden(HideableView::Message, false);
+  window.setMessage(localizedString("insertdisk"));
+  return &window;
+}
+
+QWidget* emptyWithDiscToInsert(MainWindow& window) {
+  window.setInsertableDiscs({"Holiday"}, [](size_t) {});
+  return empty(window);
+}
+
+QWidget* loading(MainWindow& window) {
+  window.setHidden(HideableView::Message, true);
+  window.mediaController().addObjects({loadingRecord(localizedString("loadingdisk"))});
+  return &window;
+}
+
+QWidget* list(MainWindow& window) {
+  window.setHidden(HideableView::Message, true);
+  window.mediaController().addObjects(
+      {refusedRecord("Archive 2009", localizedString("unsupporteddiskformat")),
+       usableRecord("Holiday"),
+       refusedRecord("A volume name as long as 32 char", localizedString("diskfull"))});
+  window.mediaController().setSelectionIndex(1);
+  return &window;
+}
+
+QWidget* listWithDiscToInsert(MainWindow& window) {
+  window.setInsertableDiscs({"Holiday"}, [](size_t) {});
+  return list(window);
+}
+
+QWidget* opened(MainWindow& window) {
+  list(window);
+  window.setFrame(ContentView::DiskScroll, kLeft, Movement::Direct);
+  window.setFrame(ContentView::Message, kLeft, Movement::Direct);
+  window.setFrame(ContentView::MountedItem, kIn, Movement::Direct);
+  window.setHeaderLine(localizedString("headerDisksRemounted"));
+  window.setOpenButtonCaption(localizedString("buttonclose"));
+  window.setVolumeNameField("Holiday");
+  window.setDeviceNameField("CDRW in KELVANE Emulated Burner");
+  window.setSizeInformationField(format(localizedString("viewSizeOfDisk"), 412));
+  return &window;
+}
+
+QWidget* confirming(MainWindow& window) {
+  opened(window);
+  window.setBurnConfirmationDiskTitle("Holiday");
+  window.beginBurnConfirmationSheet();
+  return visibleChild(window, "burnConfirmationPanel");
+}
+
+QWidget* discarding(MainWindow& window) {
+  static_cast<QDialog*>(confirming(window))->reject();
+  return visibleChild(window, "alertSheet");
+}
+
+QWidget* burn(MainWindow& window, const char* message) {
+  opened(window);
+  window.setHeaderLine(localizedString("burningdisk"));
+  window.setBurnMessage(localizedString(message));
+  window.setFrame(ContentView::MountedItem, kLeft, Movement::Direct);
+  window.setFrame(ContentView::Burn, kIn, Movement::Direct);
+  return &window;
+}
+
+QWidget* burnBegins(MainWindow& window) {
+  burn(window, "burnpreparing");
+  window.burnProgressIndicator().setIndeterminate(true);
+  window.burnProgressIndicator().startAnimation();
+  return &window;
+}
+
+QWidget* burning(MainWindow& window) {
+  burn(window, "burningchangescd");
+  window.burnProgressIndicator().setIndeterminate(false);
+  window.burnProgressIndicator().setDoubleValue(kHalfBurned);
+  return &window;
+}
+
+QWidget* preferences(MainWindow& window) {
+  auto* panel = window.findChild<PreferencesPanel*>();
+  panel->present();
+  return panel;
+}
+
+QWidget* license(MainWindow& window) {
+  auto* reader = window.findChild<LicenseReader*>();
+  reader->present("<h1>Licence</h1><p>Words that are agreed to.</p>");
+  return reader;
+}
+
+std::vector<WindowState> allStates() {
+  std::vector<WindowState> states{{"empty", empty},
+                                  {"emptyWithDiscToInsert", emptyWithDiscToInsert},
+                                  {"loading", loading},
+                                  {"list", list},
+                                  {"listWithDiscToInsert", listWithDiscToInsert},
+                                  {"opened", opened},
+                                  {"confirming", confirming},
+                                  {"discarding", discarding},
+                                  {"burnBegins", burnBegins},
+                                  {"burning", burning},
+                                  {"preferences", preferences},
+                                  {"license", license}};
+  for (const Alert& alert : everyAlert()) {
+    states.push_back({alert.messageKey + "_" + alert.informativeKey, [alert](MainWindow& window) {
+                        window.beginAlertSheet(alert, {});
+                        return visibleChild(window, "alertSheet");
+                      }});
+  }
+  return states;
+}
+
+Alert ok(const std::string& key, const std::string& longKey, const std::string& detail) {
+  return {.style = Alert::Style::Warning,
+          .buttonKeys = {"OK"},
+          .messageKey = key,
+          .informativeKey = longKey,
+          .detail = detail};
+}
+
+Alert choice(Alert::Style style, const std::vector<std::string>& buttons, const std::string& key,
+             const std::string& longKey, const std::string& detail) {
+  return {.style = style,
+          .buttonKeys = buttons,
+          .messageKey = key,
+          .informativeKey = longKey,
+          .detail = detail};
+}
+
+void removeTranslations() {
+  for (QTranslator* table : qApp->findChildren<QTranslator*>()) delete table;
+}
+
+}  // namespace
+
+const std::vector<Alert>& everyAlert() {
+  using Style = Alert::Style;
+  static const std::string sense = "The drive said: write error, medium may be damaged (3/0C/00).";
+  static const std::vector<Alert> alerts{
+      choice(Style::Critical, {"Install", "Quit"}, "InstallationIncomplete",
+             "InstallationIncompleteLong",
+             "The program fusermount3 is missing; it belongs to the "
+             "package “fuse3”."),
+      ok("Unmountfailed", "Unmountfailedlong", ""),
+      ok("VolumeBusy", "VolumeBusyLong", "gimp (4711)"),
+      ok("MountFailed", "MountFailedLong", "Permission denied"),
+      ok("DriveClosed", "DriveClosedLong", "Add yourself to the group cdrom, then log in again."),
+      ok("CreateTrackAbortedWithError", "CreateTrackAbortedWithErrorLong", "No space left"),
+      ok("CreateTrackAbortedWithError", "SessionNotPreparedLong", "/tmp/.1234.hide is a folder"),
+      ok("CDBurnError", "CDBurnErrorLong", sense),
+      ok("DVDDeviceNotResponding", "DVDDeviceNotRespondingLong", ""),
+      ok("DVDBurnError", "DVDBurnErrorLong", sense),
+      ok("DVDBurnError", "DVDBurnErrorAllocLong", sense),
+      ok("DVDBurnError", "DVDBurnErrorFull", sense),
+      choice(Style::Warning, {"Erase", "Cancel"}, "attempteraseshort", "attempteraselong", ""),
+      ok("EraseError", "EraseErrorLong", sense),
+      ok("EraseDriveBusy", "EraseDriveBusyLong", ""),
+      ok("EraseVolumeBusy", "EraseVolumeBusyLong", "gimp (4711)"),
+      choice(Style::Informational, {"updatecheckdownload", "cancelbutton"}, "updatecheck",
+             "updatechecklong", "")};
+  return alerts;
+}
+
+const std::vector<WindowState>& windowStates() {
+  static const std::vector<WindowState> states = allStates();
+  return states;
+}
+
+void leaveState(MainWindow& window) {
+  for (QDialog* sheet : window.findChildren<QDialog*>()) {
+    if (sheet->objectName() == QLatin1String("alertSheet")) delete sheet;
+  }
+  window.endBurnConfirmationSheet();
+  window.orderOutBurnConfirmationPanel();
+  for (QDialog* panel : window.findChildren<QDialog*>()) panel->hide();
+  window.mediaController().removeArrangedObjects();
+  window.setInsertableDiscs({}, {});
+  window.burnProgressIndicator().stopAnimation();
+  window.setFrame(ContentView::MountedItem, kRight, Movement::Direct);
+  window.setFrame(ContentView::Burn, kRight, Movement::Direct);
+  window.setFrame(ContentView::DiskScroll, kIn, Movement::Direct);
+  window.setFrame(ContentView::Message, kIn, Movement::Direct);
+  window.setHidden(HideableView::DiskScroll, false);
+  window.setHidden(HideableView::Message, false);
+  window.setHidden(HideableView::OpenButton, false);
+  window.setHeaderLine(localizedString("headerDisksAvail"));
+  window.setOpenButtonCaption(localizedString("buttonopen"));
+}
+
+Language::Language(const std::string& language) {
+  removeTranslations();
+  loadStringsTable(language);
+}
+
+Language::~Language() {
+  removeTranslations();
+  loadStringsTable("en");
+}
+
+}  // namespace kelvane::testing
