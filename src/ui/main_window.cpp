@@ -37,6 +37,7 @@
 #include "ui/roomy_button.h"
 #include "ui/sliding_area.h"
 #include "ui/view_parts.h"
+#include "ui/window_accessibility.h"
 #include "ui/window_menu.h"
 #include "ui/window_metrics.h"
 
@@ -61,6 +62,7 @@ std::span<const int32_t> speedsFor(const std::optional<std::string>& mediaType) 
 }  // namespace
 
 MainWindow::MainWindow(QWidget* parent) : QWidget(parent) {
+  installWindowAccessibility();
   setObjectName(QStringLiteral("mainWindow"));
   if (const auto icon = Bundle::mainBundle().pathForResource("diskicon", "png")) {
     setWindowIcon(QIcon(toText(*icon)));

@@ -145,6 +145,12 @@ TEST_F(Accessibility, EveryStateAndEveryAlertIsSpokenOfByRoleAndName) {
   }
 }
 
+TEST_F(Accessibility, WindowIsOneAndBearsItsTitle) {
+  QAccessibleInterface* window = QAccessible::queryAccessibleInterface(&window_);
+  EXPECT_EQ(window->role(), QAccessible::Window);
+  EXPECT_EQ(window->text(QAccessible::Name), "KelvaneFS");
+}
+
 TEST_F(Accessibility, FieldsSpeakTheirTextAndAreDescribedByWhatTheyAreFor) {
   window_.setFrame(ContentView::MountedItem, kInWindow, Movement::Direct);
   window_.setVolumeNameField("Holiday");

@@ -1,0 +1,85 @@
+# SPDX-License-Identifier: GPL-2.0-or-later
+"""What a screen reader finds in each state of the real application, over AT-SPI."""
+
+from real_window import RealWindowTest, pyatspi, tree
+
+# Nobody asks for these by name: they hold others, or divide them.
+CONTAINERS = {"filler", "panel", "scroll pane", "separator", "layered pane", "viewport",
+              "scroll bar"}
+
+
+class AccessibleTree(RealWindowTest):
+    def check(self, state):
+        """Everything that is shown has a role, and a name where it is for the user."""
+        wrong = []
+        count = 0
+        for window in self.windows():
+            for item in tree(window):
+                count += 1
+                role = item.getRoleName()
+                focusable = item.getState().contains(pyatspi.STATE_FOCUSABLE)
+                if role in ("unknown", "invalid", ""):
+                    wrong.append(f"no role: “{item.name}”")
+                if not item.name and (focusable or role not in CONTAINERS):
+                    wrong.append(f"no name: {role}")
+        self.assertEqual(wrong, [], state)
+        self.assertGreater(count, 4, state)
+
+    def press(self, name):
+        self.wait_for(name, "push button").queryAction().doAction(0)
+
+    def test_states_of_a_session(self):
+        music = self.make_disc("MUSIC", "cd-r")
+        old = self.make_disc("OLD", "cd-rw")
+        self.start(music, old)
+        self.wait_for("Licence Agreement")
+        self.check("licence")
+        self.press("Agree")
+        self.wait_for("OLD, CDRW in KELVANE SOFTWARE BURNER")
+        self.check("list")
+        self.keys("ctrl+comma")
+        self.wait_for("Show the files as soon as a disc is open")
+        self.check("preferences")
+        self.keys("Escape")
+        self.wait_until("the panel's end", lambda: len(self.windows()) == 1)
+        self.press("Open Disc")
+        self.wait_for("Close Disc")
+        self.wait_for("MUSIC")
+        self.check("opened")
+        (self.volume / "new.txt").write_text("new")
+        self.press("Close Disc")
+        self.wait_for("Burn your changes to the disc?")
+        self.check("confirming")
+        changes = self.listen("object:property-change:accessible-value", "object:value-changed")
+        self.press("Burn")
+        bar = self.wait_for("Progress of the burn", "progress bar")
+        self.check("burning")
+        value = bar.queryValue()
+        self.assertLessEqual(value.minimumValue, value.currentValue)
+        self.wait_until("the announcement of progress", lambda: "Progress of the burn" in changes())
+        # The other disc is the only one now, and opens by itself.
+        self.wait_for("OLD", "label")
+
+    def test_alert_of_a_change_that_cannot_be_burned(self):
+        disc = self.make_disc("LETTERS", "cd-rw")
+        self.agree_to_license()
+        self.start(disc)
+        self.wait_for("Close Disc")
+        (self.volume / "not text \udcff").write_text("x")
+        self.press("Close Disc")
+        self.wait_for("Burn your changes to the disc?")
+        self.press("Burn")
+        self.wait_for("The new session could not be prepared")
+        self.check("alert")
+        self.press("OK")
+        self.wait_until("the alert's end", lambda: len(self.windows()) == 1)
+        self.check("empty")
+
+    def test_question_before_erasing(self):
+        discs = [self.make_disc(name, "cd-rw") for name in ("ONE", "TWO")]
+        self.agree_to_license()
+        self.start(*discs)
+        self.wait_for("ONE, CDRW in KELVANE SOFTWARE BURNER")
+        self.press("Erase Disc…")
+        self.wait_for("Erase this disc?")
+        self.check("erase")
