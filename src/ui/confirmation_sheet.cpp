@@ -17,10 +17,10 @@
 #include "ui/burn_summary.h"
 #include "ui/cd_name_formatter.h"
 #include "ui/change_summary_view.h"
+#include "ui/paragraph.h"
 #include "ui/roomy_button.h"
 #include "ui/view_parts.h"
 #include "ui/warning_box.h"
-#include "ui/window_metrics.h"
 
 namespace kelvane {
 namespace {
@@ -40,25 +40,18 @@ class NameValidator : public QValidator {
   CDNameFormatter formatter_;
 };
 
-QLabel* makeParagraph(const char* key, QWidget* parent) {
-  auto* label = new QLabel(localizedText(key), parent);
-  label->setTextFormat(Qt::PlainText);
-  label->setWordWrap(true);
-  label->setFixedWidth(toPixels(kTextWidth, parent->font()));
-  return label;
-}
-
 }  // namespace
 
 ConfirmationSheet::ConfirmationSheet(QWidget* parent) : QDialog(parent) {
   setObjectName(QStringLiteral("burnConfirmationPanel"));
   setWindowModality(Qt::WindowModal);
   setWindowTitle(QGuiApplication::applicationDisplayName());
-  auto* question = makeParagraph("BurnConfirmation", this);
+  auto* question = makeParagraph({}, kTextWidth, this);
   QFont bold = font();
   bold.setBold(true);
   question->setFont(bold);
-  auto* explanation = makeParagraph("BurnConfirmationLong", this);
+  setParagraph(*question, localizedText("BurnConfirmation"));
+  auto* explanation = makeParagraph(localizedText("BurnConfirmationLong"), kTextWidth, this);
   setAccessibleName(question->text());
   setAccessibleDescription(explanation->text());
   summary_ = new ChangeSummaryView(this);

@@ -8,6 +8,7 @@
 #include <QStyle>
 #include <QVBoxLayout>
 
+#include "ui/paragraph.h"
 #include "ui/view_parts.h"
 #include "ui/window_metrics.h"
 
@@ -17,18 +18,12 @@ namespace {
 constexpr double kIconSize = 24;
 constexpr double kTextWidth = 296;
 
-QLabel* makeParagraph(QWidget* parent) {
-  auto* label = new QLabel(parent);
-  label->setTextFormat(Qt::PlainText);
-  label->setWordWrap(true);
-  label->setFixedWidth(toPixels(kTextWidth, parent->font()));
-  return label;
-}
-
 }  // namespace
 
 WarningBox::WarningBox(const char* name, QWidget* parent)
-    : QWidget(parent), message_(makeParagraph(this)), explanation_(makeParagraph(this)) {
+    : QWidget(parent),
+      message_(makeParagraph({}, kTextWidth, this)),
+      explanation_(makeParagraph({}, kTextWidth, this)) {
   setObjectName(QLatin1String(name));
   QFont bold = font();
   bold.setBold(true);
@@ -40,26 +35,31 @@ WarningBox::WarningBox(const char* name, QWidget* parent)
 
   auto* texts = new QVBoxLayout;
   texts->setSpacing(3);
-  texts->addWidget(message_);
-  texts->addWidget(explanation_);
+  texts->addWidget(message_, 0, Qt::AlignLeading);
+  texts->addWidget(explanation_, 0, Qt::AlignLeading);
   auto* row = new QHBoxLayout(this);
   row->setContentsMargins(0, 0, 0, 0);
   row->setSpacing(10);
   row->addWidget(icon, 0, Qt::AlignTop);
-  row->addLayout(texts, 1);
+  row->addLayout(texts);
+  row->addStretch();
   hide();
 }
 
 void WarningBox::setWarning(const QString& message, const QString& explanation) {
   const bool isNews = message_->text() != message || explanation_->text() != explanation;
-  message_->setText(message);
-  explanation_->setText(explanation);
+  setParagraph(*message_, message);
+  setParagraph(*explanation_, explanation);
   setAccessibleName(message);
   setAccessibleDescription(explanation);
   setHidden(message.isEmpty());
+  // What is around it learns its new height at once, and not when it changes the next time.
+  layout()->activate();
+  updateGeometry();
   if (message.isEmpty() || !isNews) return;
-  QAccessibleEvent appeared(this, QAccessible::Alert);
-  QAccessible::updateAccessibility(&appeared);
+  QAccessibleEvent alert(this, QAccessible::Alert);
+  QAccessible::updateAccessibility(&alert);
+  Q_EMIT appeared();
 }
 
 }  // namespace kelvane

@@ -19,6 +19,10 @@ class WarningBox : public QWidget {
   /// Shows the warning; hides the box where `message` is empty.
   void setWarning(const QString& message, const QString& explanation);
 
+ Q_SIGNALS:
+  /// It says something that it has not said before; screen readers are told at that moment.
+  void appeared();
+
  private:
   // Both are children of this widget.
   QLabel* message_;

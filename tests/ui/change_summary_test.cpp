@@ -1,15 +1,16 @@
 // SPDX-License-Identifier: GPL-2.0-or-later
 // What the burn confirmation sheet tells of the burn, and what it warns of.
-#include <QAccessible>
 #include <QDialog>
 #include <QLabel>
 #include <QLineEdit>
 #include <QPushButton>
+#include <QSignalSpy>
 #include <QTest>
 
 #include "platform/foundation/strings_table.h"
 #include "ui/amount_texts.h"
 #include "ui/burn_summary.h"
+#include "ui/warning_box.h"
 #include "ui/window_test.h"
 
 namespace kelvane {
@@ -159,21 +160,65 @@ TEST_F(ChangeSummary, NamesItemsThatWouldBeMissingAndLeavesBurningTheDefault) {
   EXPECT_TRUE(button("burnConfirmButton")->isDefault());
 }
 
-TEST_F(ChangeSummary, TellsScreenReadersOfAWarning) {
-  static std::vector<QAccessible::Event> events;
-  events.clear();
-  // As if a screen reader had asked for it.
-  QAccessible::setActive(true);
-  QAccessible::installUpdateHandler([](QAccessibleEvent* event) {
-    if (event->object() && event->object()->objectName() == QStringLiteral("tooLargeWarning")) {
-      events.push_back(event->type());
-    }
-  });
+TEST_F(ChangeSummary, AnnouncesAWarningOnce) {
+  QSignalSpy appeared(child<WarningBox>("tooLargeWarning"), &WarningBox::appeared);
+  window_.setBurnSummary(counted());
+  EXPECT_EQ(appeared.count(), 0);
   window_.setBurnSummary(tooLarge());
   window_.setBurnSummary(tooLarge());
-  QAccessible::installUpdateHandler(nullptr);
-  QAccessible::setActive(false);
-  EXPECT_EQ(std::count(events.begin(), events.end(), QAccessible::Alert), 1);
+  EXPECT_EQ(appeared.count(), 1);
+}
+
+/// The paragraphs of which not all is to be seen.
+std::vector<std::string> cutParagraphs(const QWidget& sheet) {
+  std::vector<std::string> cut;
+  for (const QLabel* label : sheet.findChildren<QLabel*>()) {
+    if (!label->wordWrap() || !label->isVisible()) continue;
+    const QRect needed = label->fontMetrics().boundingRect(QRect(0, 0, label->width(), 10000),
+                                                           Qt::TextWordWrap, label->text());
+    const QRect seen = label->visibleRegion().boundingRect();
+    if (seen.height() < needed.height()) cut.push_back(label->text().toStdString());
+  }
+  return cut;
+}
+
+TEST_F(ChangeSummary, GrowsWithItsWarningsSoThatNoneIsCut) {
+  BurnSummary summary = tooLarge();
+  for (int names = 1; names < 60; ++names) {
+    summary.problem += " word";
+    summary.hiddenToo = {std::string(static_cast<size_t>(names), 'n'), "b", "c", "d", "e"};
+    window_.setBurnSummary(summary);
+    QCoreApplication::processEvents();
+    EXPECT_THAT(cutParagraphs(*openSheet("burnConfirmationPanel")), ::testing::IsEmpty()) << names;
+  }
+}
+
+class GermanChangeSummary : public ChangeSummary {
+ protected:
+  GermanChangeSummary() {
+    window_.endBurnConfirmationSheet();
+    loadStringsTable("de");
+    german_.emplace();
+    german_->setBurnConfirmationDiskTitle("Urlaub");
+    german_->makeKeyAndOrderFront();
+    german_->beginBurnConfirmationSheet();
+  }
+  ~GermanChangeSummary() override {
+    german_.reset();
+    loadStringsTable("en");
+  }
+
+  std::optional<MainWindow> german_;  // Its texts are those of the moment when it is made.
+};
+
+TEST_F(GermanChangeSummary, IsNotCutThoughItsButtonsMakeTheSheetWider) {
+  BurnSummary summary = counted();
+  german_->setBurnSummary(summary);
+  summary.hiddenToo = {"Fotos/Mxller.jpg", "Mueller/", "draft.txt", "a", "b", "c"};
+  german_->setBurnSummary(summary);
+  QCoreApplication::processEvents();
+  const auto* sheet = german_->findChild<QDialog*>(QStringLiteral("burnConfirmationPanel"));
+  EXPECT_THAT(cutParagraphs(*sheet), ::testing::IsEmpty());
 }
 
 TEST_F(ChangeSummary, IsForgottenWhenTheSheetIsOpenedAnew) {

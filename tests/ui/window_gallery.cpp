@@ -15,6 +15,7 @@
 #include <QTextBrowser>
 #include <QTimer>
 #include <QUrl>
+#include <algorithm>
 #include <cstdio>
 
 #include "platform/foundation/bundle.h"
@@ -64,6 +65,12 @@ QImage composition(MainWindow& window) {
     sheets << widget;
     size = size.expandedTo(widget->size() + QSize(40, 40));
   }
+  // A sheet lies over the one that it belongs to.
+  std::ranges::stable_sort(sheets, {}, [](const QWidget* sheet) {
+    int depth = 0;
+    while ((sheet = sheet->parentWidget()) != nullptr) ++depth;
+    return depth;
+  });
   QImage image(size + QSize(40, 40), QImage::Format_RGB32);
   image.fill(QColor(0x9a, 0xa4, 0xb0));
   QPainter painter(&image);
