@@ -4,9 +4,11 @@
 #include <QApplication>
 #include <QCloseEvent>
 #include <QDesktopServices>
+#include <QFileInfo>
 #include <QHBoxLayout>
 #include <QIcon>
 #include <QItemSelectionModel>
+#include <QProcess>
 #include <QScreen>
 #include <QShortcut>
 #include <QUrl>
@@ -427,7 +429,13 @@ void MainWindow::selectFile(const std::string& path, const std::string& root) {
   desktop::showInFileManager(path, this, [this, path] { openFile(path); });
 }
 
+// A program is what opening it means to a user: it is started, and goes on without this one.
 void MainWindow::openFile(const std::string& path) {
+  const QFileInfo file(toText(path));
+  if (file.isFile() && file.isExecutable()) {
+    QProcess::startDetached(file.absoluteFilePath(), {});
+    return;
+  }
   QDesktopServices::openUrl(QUrl::fromLocalFile(toText(path)));
 }
 

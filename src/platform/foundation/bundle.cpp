@@ -37,8 +37,8 @@ std::optional<std::string> Bundle::pathForAuxiliaryExecutable(const std::string&
 std::optional<std::string> Bundle::pathForResource(const std::string& name,
                                                    const std::string& type) const {
   const std::string path = format(":/kelvanefs/%@.%@", name, type);
-  if (!QFile::exists(QString::fromStdString(path))) return std::nullopt;
-  return path;
+  if (QFile::exists(QString::fromStdString(path))) return path;
+  return pathForAuxiliaryExecutable(format("%@.%@", name, type));
 }
 
 std::string Bundle::shortVersionString() const {

@@ -23,8 +23,9 @@ class Bundle {
   /// The libexec folder, whether or not it exists.
   std::string auxiliaryFolder() const;
 
-  /// The Qt resource path of "name.type", for example ":/kelvanefs/diskicon.png". Empty where there
-  /// is none.
+  /// The Qt resource path of "name.type", for example ":/kelvanefs/diskicon.png"; the path of a
+  /// file of that name in the libexec folder for a resource that is a program. Empty where there is
+  /// neither.
   std::optional<std::string> pathForResource(const std::string& name,
                                              const std::string& type) const;
 
