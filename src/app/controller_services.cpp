@@ -6,6 +6,7 @@
 
 #include "platform/desktop/work_inhibition.h"
 #include "platform/recording/dr_device.h"
+#include "platform/recording/drive.h"
 #include "platform/userfs/gm_user_file_system.h"
 #include "platform/volumes/visible_mounts.h"
 
@@ -23,6 +24,10 @@ ControllerServices systemControllerServices(VisibleMounts& visibleMounts) {
     visibleMounts.hold(bsdName);
   };
   services.discIsClosed = [&visibleMounts](const std::string& bsdName) {
+    for (const DRDevice* device : DRDevice::devices()) {
+      Drive* drive = device->drive();
+      if (device->bsdName() == bsdName && drive != nullptr) drive->letOthersMount();
+    }
     visibleMounts.release(bsdName);
   };
   services.discWillBeEjected = [&visibleMounts](const std::string& bsdName) {

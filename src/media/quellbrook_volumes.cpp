@@ -66,6 +66,7 @@ std::optional<std::string> remounthidden(const DRDevice& device, VolumeServices&
     systemLog("Remounting aborted: Unmount failed: %i ", status);
     return std::nullopt;
   }
+  services.keepOthersFromMounting(device);
   const std::string hiddenMountPoint = paths::hiddenMountPoint();
   services.createDirectory(hiddenMountPoint);
   const std::string bsdName = mountableBsdName(device);

@@ -6,6 +6,7 @@
 #include <memory>
 #include <optional>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "platform/volumes/volume_services.h"
@@ -38,6 +39,10 @@ class FakeVolumeServices : public VolumeServices {
     return attempt < statuses.size() ? statuses[attempt] : lastStatus;
   }
 
+  void keepOthersFromMounting(const DRDevice& device) override {
+    keptFromOthers.emplace_back(&device, unmounted.size());
+  }
+
   void createDirectory(const std::string& path) override { created.push_back(path); }
 
   std::unique_ptr<MountRequest> requestMount(const DiscMount& mount) override {
@@ -66,6 +71,8 @@ class FakeVolumeServices : public VolumeServices {
   std::vector<std::string> visible;
   std::map<std::string, MountTableEntry> table;
   bool lookupFails = false;
+  /// The drives that nobody else was to mount, and after how many unmounts.
+  std::vector<std::pair<const DRDevice*, size_t>> keptFromOthers;
   std::vector<int> statuses;  ///< Of the unmount attempts, in order; then `lastStatus`.
   int lastStatus = 0;
 

@@ -6,6 +6,7 @@
 #include "media/fake_volume_services.h"
 #include "media/quellbrook.h"
 #include "media/recorded_log.h"
+#include "platform/volumes/unmount.h"
 #include "volumes/fake_device.h"
 #include "volumes/temporary_prefix.h"
 
@@ -110,6 +111,23 @@ TEST_F(VolumeControlTest, ACdIsRemountedFromItsFirstSliceWithItsLastSession) {
   EXPECT_EQ(services_.requests[0].sessionStart, 11702);
   EXPECT_EQ(services_.requests[0].mountPoint, hidden_);
   EXPECT_EQ(log_.lines(), (Lines{"unmount attempt 0"}));
+}
+
+TEST_F(VolumeControlTest, OthersAreKeptFromMountingTheDiscAsSoonAsItIsUnmounted) {
+  services_.addVisible("/Volumes/DISC", "/dev/disk2s0");
+  services_.statuses = {kUnmountBusy, kUnmountDone};
+  mountHiddenAtRead(1);
+  EXPECT_EQ(remounthidden(device_, services_), hidden_);
+  ASSERT_EQ(services_.keptFromOthers.size(), 1U);
+  EXPECT_EQ(services_.keptFromOthers[0].first, &device_);
+  EXPECT_EQ(services_.keptFromOthers[0].second, 2U);
+}
+
+TEST_F(VolumeControlTest, ADiscThatStaysMountedIsKeptFromNobody) {
+  services_.addVisible("/Volumes/DISC", "/dev/disk2s0");
+  services_.lastStatus = kUnmountBusy;
+  EXPECT_EQ(remounthidden(device_, services_), std::nullopt);
+  EXPECT_TRUE(services_.keptFromOthers.empty());
 }
 
 TEST_F(VolumeControlTest, EveryMediumButCdRAndCdRwIsRemountedFromTheDeviceItself) {

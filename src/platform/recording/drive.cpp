@@ -127,7 +127,7 @@ std::string Drive::mediaIdentity() const {
 
 bool Drive::acquireExclusiveAccess() {
   const std::lock_guard guard(mutex_);
-  if (!exclusiveAccess_ && !transport_->refusesExclusiveAccess()) {
+  if (!exclusiveAccess_ && (claim_ || !transport_->refusesExclusiveAccess())) {
     exclusiveAccess_ = FileLock::acquire(identity_.exclusiveLockPath, kLockPatience);
   }
   return exclusiveAccess_.has_value();
@@ -136,6 +136,18 @@ bool Drive::acquireExclusiveAccess() {
 void Drive::releaseExclusiveAccess() {
   const std::lock_guard guard(mutex_);
   exclusiveAccess_.reset();
+}
+
+bool Drive::keepOthersFromMounting() {
+  const std::lock_guard guard(mutex_);
+  if (identity_.emulatedDisc || claim_) return true;
+  claim_ = DriveClaim::take(identity_.programPath);
+  return claim_ != nullptr;
+}
+
+void Drive::letOthersMount() {
+  const std::lock_guard guard(mutex_);
+  claim_.reset();
 }
 
 bool Drive::isRecordedByAnyone() const {
@@ -176,6 +188,7 @@ void Drive::leaveAlone() {
   learnNames();
   askForState();
   lastStatus_ = readDeviceStatus(*transport_);
+  claim_.reset();
   leftAlone_ = true;
 }
 

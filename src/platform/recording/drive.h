@@ -9,6 +9,7 @@
 #include <string>
 
 #include "platform/recording/dr_device_status.h"
+#include "platform/recording/drive_claim.h"
 #include "platform/recording/file_lock.h"
 #include "platform/recording/media_state.h"
 #include "platform/recording/mmc/event_status.h"
@@ -62,6 +63,13 @@ class Drive {
 
   bool acquireExclusiveAccess();
   void releaseExclusiveAccess();
+  /// Keeps everybody else from mounting the disc, until `letOthersMount` or the beginning of a
+  /// recording: a mount and a holder of an exclusive descriptor (O_EXCL) of the node shut each
+  /// other out. udev asks for one too before it opens the tray at the press of the button, so that
+  /// has no effect meanwhile. False where the disc is mounted, or claimed by another program. Of an
+  /// emulated drive, whose disc nobody else can mount, always true.
+  bool keepOthersFromMounting();
+  void letOthersMount();
   /// Whether another process's recorder works on the drive, as far as that can be seen.
   bool isRecordedByAnyone() const;
 
@@ -70,7 +78,8 @@ class Drive {
   /// How often the tray was opened from here.
   int trayOpenings() const { return trayOpenings_; }
 
-  /// From now on the drive is left alone, and the last answers are repeated.
+  /// From now on the drive is left alone, and the last answers are repeated. A recorder needs the
+  /// exclusive descriptor itself, so the claim ends.
   void leaveAlone();
   void askAgain();
 
@@ -90,6 +99,7 @@ class Drive {
   mutable MediaState lastState_;
   mutable DRDeviceStatus lastStatus_;
   std::optional<FileLock> exclusiveAccess_;
+  std::unique_ptr<DriveClaim> claim_;
   bool leftAlone_ = false;
   std::atomic<int> trayOpenings_{0};
 };

@@ -12,6 +12,8 @@
 
 #include "platform/foundation/paths.h"
 #include "platform/foundation/system_log.h"
+#include "platform/recording/dr_device.h"
+#include "platform/recording/drive.h"
 #include "platform/volumes/desktop_mounts.h"
 #include "platform/volumes/unmount.h"
 #include "platform/volumes/volume_services.h"
@@ -82,6 +84,25 @@ class SystemVolumeServices : public VolumeServices {
       rmdir(volume.c_str());
     }
     return status;
+  }
+
+  // A desktop may be faster than this, so what it has mounted meanwhile is unmounted, too.
+  void keepOthersFromMounting(const DRDevice& device) override {
+    constexpr int kMostAttempts = 50;
+    constexpr milliseconds kPause{100};
+    Drive* drive = device.drive();
+    if (drive == nullptr) return;
+    for (int attempt = 0; attempt < kMostAttempts; ++attempt) {
+      if (drive->keepOthersFromMounting()) return;
+      for (const MountTableLine& line : readMountTable()) {
+        if (line.mountedFrom == drive->identity().programPath) {
+          unmountAtPath(line.mountedOn, UnmountManner::WhenFree);
+        }
+      }
+      if (drive->keepOthersFromMounting()) return;
+      sleep(kPause);
+    }
+    systemLog("%@ may be mounted by others while it is open.", drive->identity().programPath);
   }
 
   void createDirectory(const std::string& path) override {

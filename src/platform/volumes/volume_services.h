@@ -12,6 +12,8 @@
 
 namespace kelvane {
 
+class DRDevice;
+
 /// A disc that is being mounted. Deleted by the thread that asked for it once that is not
 /// interested any more: a mount that has come stays, one that has not come is given up.
 class MountRequest {
@@ -43,6 +45,10 @@ class VolumeServices {
   /// Unmounts the volume, once, and waits for it: 0, −47 where it is in use, otherwise an errno
   /// value. The folder of a visible volume goes with it.
   virtual int unmountVolumeSync(const std::string& volume) = 0;
+
+  /// The disc of this drive has just been unmounted, to be mounted out of sight: keeps a desktop
+  /// that mounts discs by itself from mounting it again, until that is ended at the drive.
+  virtual void keepOthersFromMounting(const DRDevice& /*device*/) {}
 
   /// Makes the folder and those above it. Errors are ignored.
   virtual void createDirectory(const std::string& path) = 0;
