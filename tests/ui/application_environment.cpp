@@ -12,7 +12,10 @@ namespace {
 class ApplicationEnvironment : public ::testing::Environment {
  public:
   void SetUp() override {
-    qputenv("QT_QPA_PLATFORM", "offscreen");
+    // With a screen of its own where a test has started this program with one.
+    if (!qgetenv("QT_QPA_PLATFORM").startsWith("offscreen")) {
+      qputenv("QT_QPA_PLATFORM", "offscreen");
+    }
     for (const char* bus : {"DBUS_SESSION_BUS_ADDRESS", "DBUS_SYSTEM_BUS_ADDRESS"}) {
       qputenv(bus, "disabled:");
     }

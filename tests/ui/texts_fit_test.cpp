@@ -4,8 +4,10 @@
 #include <QAbstractButton>
 #include <QApplication>
 #include <QCoreApplication>
+#include <QFile>
 #include <QLabel>
 #include <QProcess>
+#include <QTemporaryDir>
 #include <QTest>
 #include <tuple>
 
@@ -101,13 +103,24 @@ INSTANTIATE_TEST_SUITE_P(LanguagesAndFonts, TextsFit,
                                   std::to_string(std::get<1>(test.param));
                          });
 
+/// A platform with a screen as large as those that are scaled; its own would be too small then.
+QString platformWithLargeScreen(const QTemporaryDir& folder) {
+  QFile file(folder.filePath(QStringLiteral("screen.json")));
+  EXPECT_TRUE(file.open(QIODevice::WriteOnly));
+  file.write(R"({"screens": [{"name": "large", "x": 0, "y": 0, "width": 2560, "height": 1600,
+                              "logicalDpi": 96, "logicalBaseDpi": 96, "dpr": 1}]})");
+  return QStringLiteral("offscreen:configfile=") + file.fileName();
+}
+
 /// The number of pixels for a point is fixed when a program starts, so the tests above run in
 /// another process.
 TEST(TextsFitOnScreensOfMorePixels, AtEveryScaleFactor) {
+  const QTemporaryDir folder;
   for (const char* factor : {"1.25", "1.5", "2"}) {
     QProcess again;
     QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
     environment.insert(QStringLiteral("QT_SCALE_FACTOR"), QLatin1String(factor));
+    environment.insert(QStringLiteral("QT_QPA_PLATFORM"), platformWithLargeScreen(folder));
     again.setProcessEnvironment(environment);
     again.setProcessChannelMode(QProcess::MergedChannels);
     again.start(QCoreApplication::applicationFilePath(),
