@@ -7,6 +7,7 @@
 #include "platform/foundation/system_log.h"
 #include "platform/recording/dr_device.h"
 #include "platform/recording/dr_notification_center.h"
+#include "platform/recording/drive_events.h"
 #include "platform/recording/drive_permission.h"
 
 namespace kelvane {
@@ -14,6 +15,8 @@ namespace {
 
 std::string reasonOf(const DRDevice& device) {
   if (device.emulatedDisc() || !device.isValid()) return {};
+  // The kernel makes the node for root alone; udev gives it to the others a moment later.
+  if (!DriveEvents::isSettled(device.bsdName())) return {};
   return whyDriveIsClosed("/dev/" + device.bsdName());
 }
 

@@ -71,6 +71,15 @@ DriveEvents::Channel DriveEvents::systemChannel() {
   return access(kUdevControl, F_OK) == 0 ? Channel::Udev : Channel::Kernel;
 }
 
+bool DriveEvents::isSettled(const std::string& name) {
+  if (systemChannel() == Channel::Kernel) return true;
+  const UdevContext context(udev_new());
+  if (!context) return true;
+  const UdevDevice device{
+      udev_device_new_from_subsystem_sysname(context.get(), "block", name.c_str())};
+  return !device || udev_device_get_is_initialized(device.get()) != 0;
+}
+
 std::unique_ptr<DriveEvents> DriveEvents::listen(Channel channel, const std::string& prefix,
                                                  std::function<void()> handler) {
   UdevContext context(udev_new());

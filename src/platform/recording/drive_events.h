@@ -24,6 +24,10 @@ class DriveEvents {
   /// The channel that can be relied on here.
   static Channel systemChannel();
 
+  /// Whether udev has finished with the block device of this name ("sr0"), so that its node has its
+  /// owner and rights. True where no udevd runs, and for a device that is not there.
+  static bool isSettled(const std::string& name);
+
   /// Calls `handler`, from the event loop, after each event of a block device whose kernel name
   /// begins with `prefix`. Null where the channel cannot be listened to.
   static std::unique_ptr<DriveEvents> listen(Channel channel, const std::string& prefix,

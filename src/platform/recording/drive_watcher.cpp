@@ -69,6 +69,7 @@ DriveWatcher::Observation DriveWatcher::observe(const DRDevice& device) {
   Observation observation;
   observation.valid = device.isValid();
   observation.busy = device.mediaIsBusy();
+  observation.settled = isEmulated(device) || DriveEvents::isSettled(device.bsdName());
   if (const Drive* drive = device.drive()) {
     observation.trayOpenings = drive->trayOpenings();
     // Whoever writes to the disc is not to be disturbed by questions.

@@ -47,6 +47,8 @@ class DriveWatcher {
   struct Observation {
     bool valid = false;
     bool busy = false;
+    /// Whether udev has given the node its owner and rights.
+    bool settled = true;
     int trayOpenings = 0;
     MediaState media;
 
