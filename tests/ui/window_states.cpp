@@ -7,6 +7,7 @@
 
 #include "platform/foundation/placeholders.h"
 #include "platform/foundation/strings_table.h"
+#include "ui/burn_summary.h"
 #include "ui/license_reader.h"
 #include "ui/media_controller.h"
 #include "ui/preferences_panel.h"
@@ -82,6 +83,22 @@ QWidget* confirming(MainWindow& window) {
   return visibleChild(window, "burnConfirmationPanel");
 }
 
+/// With everything in it that can be told of a burn.
+QWidget* confirmingWithWarnings(MainWindow& window) {
+  QWidget* sheet = confirming(window);
+  constexpr int64_t kMegabyte = 1 << 20;
+  constexpr auto kExact = BurnSummary::Certainty::Exact;
+  BurnSummary summary;
+  summary.changes = BurnSummary::Changes{{128, 6}, {3, 1}, {12, 1}, {45, 2}};
+  summary.needed = {184 * kMegabyte, kExact};
+  summary.freeBefore = {150 * kMegabyte, kExact};
+  summary.freeAfterwards = {-34 * kMegabyte, kExact};
+  summary.hiddenToo = {"Photos/Mxller.jpg", "Mueller/", "draft.txt", "a", "b", "c"};
+  summary.problem = format(localizedString("ReasonFileTooLarge"), "Film.mkv");
+  window.setBurnSummary(summary);
+  return sheet;
+}
+
 QWidget* discarding(MainWindow& window) {
   static_cast<QDialog*>(confirming(window))->reject();
   return visibleChild(window, "alertSheet");
@@ -130,6 +147,7 @@ std::vector<WindowState> allStates() {
                                   {"listWithDiscToInsert", listWithDiscToInsert},
                                   {"opened", opened},
                                   {"confirming", confirming},
+                                  {"confirmingWithWarnings", confirmingWithWarnings},
                                   {"discarding", discarding},
                                   {"burnBegins", burnBegins},
                                   {"burning", burning},
@@ -190,6 +208,10 @@ const std::vector<Alert>& everyAlert() {
       ok("EraseError", "EraseErrorLong", sense),
       ok("EraseDriveBusy", "EraseDriveBusyLong", ""),
       ok("EraseVolumeBusy", "EraseVolumeBusyLong", "gimp (4711)"),
+      ok("CopyRunning", "CopyRunningLong", ""),
+      ok("CopyNoRoom", "CopyNoRoomLong", "812 MB are needed, 412 MB are free."),
+      ok("CopyFailures", "CopyFailuresLong", "“Film.mkv”: it has 4 GB or more"),
+      ok("ChangesKept", "ChangesKeptLong", "Your changes are kept in /tmp/817000000.kept."),
       choice(Style::Informational, {"updatecheckdownload", "cancelbutton"}, "updatecheck",
              "updatechecklong", "")};
   return alerts;
