@@ -3,51 +3,29 @@
 
 import unittest
 
-from rig import make_tree, tree_of
+from rig import make_tree
 from system_test import SystemTest
 
 
 class TwoDrives(SystemTest):
-    def test_two_discs_are_listed_and_the_chosen_one_is_burned_then_the_other_is_opened(self):
-        trees = {name: make_tree(self.path(name.lower()), number)
-                 for number, name in enumerate(["ONE", "OTHER", "THIRD"])}
-        for name, tree in trees.items():
-            self.with_session("disc" + name.lower(), "cd-r", tree, label=name)
+    def test_two_discs_are_listed_and_none_of_them_is_opened_by_itself(self):
+        for number, name in enumerate(["ONE", "OTHER"]):
+            self.with_session("disc" + name.lower(), "cd-r", make_tree(self.path(name.lower()), number), label=name)
         self.guest("""
 start_desktop
 agree
 plug discone.kvdisc
-ONE=$DISC
+eventually "udev knows the first disc" has_property ID_FS_LABEL ONE
 plug discother.kvdisc
+eventually "udev knows the second disc" has_property ID_FS_LABEL OTHER
 start_window
 eventually "both discs are listed" eval "shows 'ONE, CDR in' && shows 'OTHER, CDR in'"
 shows "Open Disc" || fail "a disc cannot be opened"
 logged "Notified that Filesystem did mount." && fail "one of two discs has been opened by itself"
-
-as_user udisksctl unmount -b /dev/sr0 || fail "the user cannot unmount the disc"
-SECOND=$DISC DISC=$ONE
-swap discthird.kvdisc
-eventually "the other disc is listed" eval "shows 'THIRD, CDR in' && ! shows 'ONE, CDR in'"
-shows "OTHER, CDR in" || fail "the disc that has stayed is listed no more"
-
-key Home
-key Down
-key Return
-await_open
-edit "test ! -e 'file 2 0.bin'; echo new > new.txt"
-DISC=$SECOND
-close_and_burn
-eventually "the disc comes out" tray_is_open
-await_open 2
-as_user test -e "/Volumes/tarnwick/file 2 0.bin" || fail "not the other disc has been opened"
 key ctrl+q
 await_end kelvanefs
 nothing_is_left
-keep burned
 """)
-        shown = tree_of(self.path("shown"))
-        self.assertIn("new.txt", shown)
-        self.assertEqual(self.tree_on(self.path("burned.kvdisc")), shown)
 
 
 class PulledOut(SystemTest):
@@ -67,6 +45,7 @@ nothing_is_left
 rm -r "$DISC"
 plug disc.kvdisc
 await_open 2
+windows_are 1 || fail "there is something to say of a drive that works"
 as_user test ! -e /Volumes/tarnwick/new.txt || fail "changes of before are there"
 key ctrl+q
 await_end kelvanefs
@@ -75,7 +54,7 @@ nothing_is_left
 
     def test_a_drive_pulled_out_while_it_takes_a_disc_in(self):
         self.guest(self.plugged("cd-r", "load: never ready\n") + """
-drive_probe eject "$DRIVE" || fail "the tray does not open"
+press_button
 kelvanedisc insert "$DISC" || fail "the tray does not close"
 as_user kelvanefs batch --drive "$DRIVE" --json -- true > /share/outcome 2> /tmp/words &
 BATCH=$!
