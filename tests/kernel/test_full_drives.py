@@ -27,6 +27,26 @@ await_end kelvanefs
 nothing_is_left
 """)
 
+    def test_where_one_of_two_listed_discs_is_taken_out_the_other_is_the_only_one_and_is_opened(self):
+        for number, name in enumerate(["ONE", "OTHER"]):
+            self.with_session("disc" + name.lower(), "cd-r", make_tree(self.path(name.lower()), number), label=name)
+        self.guest("""
+start_desktop
+agree
+plug discone.kvdisc
+eventually "udev knows the first disc" has_property ID_FS_LABEL ONE
+plug discother.kvdisc
+eventually "udev knows the second disc" has_property ID_FS_LABEL OTHER
+start_window
+eventually "both discs are listed" eval "shows 'ONE, CDR in' && shows 'OTHER, CDR in'"
+press_button
+await_open
+as_user test -e "/Volumes/tarnwick/file 0 0.bin" || fail "what is open is not the disc that stayed"
+key ctrl+q
+await_end kelvanefs
+nothing_is_left
+""")
+
 
 class PulledOut(SystemTest):
     def test_a_drive_pulled_out_while_its_disc_is_open_in_the_window_and_plugged_in_again(self):

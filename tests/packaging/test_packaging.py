@@ -23,6 +23,7 @@ PROGRAMS = ["bin/kelvanedisc", "bin/kelvanefs"] + ["libexec/kelvanefs/" + name f
     "df", "growisofs", "isomount", "kelvane-drive-shim.so", "mkisofs", "recorder")]
 DATA = [
     "lib/tmpfiles.d/kelvanefs.conf",
+    "libexec/kelvanefs/MacFUSE.pkg",  # A script.
     "share/applications/kelvanefs.desktop",
     *(f"share/icons/hicolor/{size}x{size}/apps/kelvanefs.png" for size in ICON_SIZES),
     "share/metainfo/kelvanefs.metainfo.xml",

@@ -27,11 +27,12 @@ class Desktop:
         atexit.register(self.end)
         self.programs = []
         display = self.start("Xvfb", "-displayfd", "{}", "-screen", "0", "1000x700x24")
-        bus = self.start("dbus-daemon", "--session", "--nofork", "--print-address={}")
         runtime = self.folder / "run"
         runtime.mkdir(mode=0o700)
-        os.environ.update(DISPLAY=f":{display}", DBUS_SESSION_BUS_ADDRESS=bus, XDG_RUNTIME_DIR=str(runtime),
-                          QT_LINUX_ACCESSIBILITY_ALWAYS_ON="1", NO_AT_BRIDGE="0")
+        # What the bus starts has these from it: a second accessibility bus at the same place would take the first one's.
+        os.environ.update(DISPLAY=f":{display}", XDG_RUNTIME_DIR=str(runtime), QT_LINUX_ACCESSIBILITY_ALWAYS_ON="1",
+                          NO_AT_BRIDGE="0")
+        os.environ["DBUS_SESSION_BUS_ADDRESS"] = self.start("dbus-daemon", "--session", "--nofork", "--print-address={}")
         # Nobody decides for these tests what the desktop looks like.
         for name in ("XDG_CURRENT_DESKTOP", "QT_QPA_PLATFORM", "QT_SCALE_FACTOR", "WAYLAND_DISPLAY"):
             os.environ.pop(name, None)
