@@ -500,6 +500,22 @@
         <source>The window of KelvaneFS tells why.</source>
         <translation>Das Fenster von KelvaneFS nennt den Grund.</translation>
     </message>
+    <message id="NoticeErased">
+        <source>The disc has been erased</source>
+        <translation>Die Disc ist gelöscht</translation>
+    </message>
+    <message id="NoticeErasedLong">
+        <source>It is blank and can be written again.</source>
+        <translation>Sie ist leer und kann wieder beschrieben werden.</translation>
+    </message>
+    <message id="NoticeEraseFailed">
+        <source>The disc could not be erased</source>
+        <translation>Die Disc konnte nicht gelöscht werden</translation>
+    </message>
+    <message id="NoticeEraseFailedLong">
+        <source>The window of KelvaneFS tells why.</source>
+        <translation>Den Grund nennt das Fenster von KelvaneFS.</translation>
+    </message>
     <!-- Licence agreement. The resource is the name of the agreement in this language. -->
     <message id="LicenseResource">
         <source>license_en</source>
@@ -540,12 +556,12 @@
         <translation>de_DE</translation>
     </message>
     <message id="Megabytes">
-        <source>%@ MB</source>
-        <translation>%@ MB</translation>
+        <source>%@ MB</source>
+        <translation>%@ MB</translation>
     </message>
     <message id="Kilobytes">
-        <source>%@ KB</source>
-        <translation>%@ KB</translation>
+        <source>%@ KB</source>
+        <translation>%@ KB</translation>
     </message>
     <message id="OneFile">
         <source>1 file</source>
@@ -685,11 +701,11 @@ Wenn Sie trotzdem brennen, wird nichts geschrieben, und Ihre Änderungen gehen v
         <source>%@ of %@ – %@ of %@</source>
         <translation>%@ von %@ – %@ von %@</translation>
     </message>
-    <message id="CopyUnderAMinute">
+    <message id="UnderAMinuteLeft">
         <source>Less than a minute left</source>
         <translation>Noch weniger als eine Minute</translation>
     </message>
-    <message id="CopyMinutes">
+    <message id="MinutesLeft">
         <source>About %i minutes left</source>
         <translation>Noch etwa %i Minuten</translation>
     </message>
@@ -705,7 +721,7 @@ Wenn Sie trotzdem brennen, wird nichts geschrieben, und Ihre Änderungen gehen v
         <source>How much is copied</source>
         <translation>Wie viel kopiert ist</translation>
     </message>
-    <message id="AccessibleCopyRemaining">
+    <message id="AccessibleRemainingTime">
         <source>Remaining time</source>
         <translation>Verbleibende Zeit</translation>
     </message>

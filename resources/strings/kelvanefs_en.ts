@@ -500,6 +500,22 @@
         <source>The window of KelvaneFS tells why.</source>
         <translation>The window of KelvaneFS tells why.</translation>
     </message>
+    <message id="NoticeErased">
+        <source>The disc has been erased</source>
+        <translation>The disc has been erased</translation>
+    </message>
+    <message id="NoticeErasedLong">
+        <source>It is blank and can be written again.</source>
+        <translation>It is blank and can be written again.</translation>
+    </message>
+    <message id="NoticeEraseFailed">
+        <source>The disc could not be erased</source>
+        <translation>The disc could not be erased</translation>
+    </message>
+    <message id="NoticeEraseFailedLong">
+        <source>The window of KelvaneFS tells why.</source>
+        <translation>The window of KelvaneFS tells why.</translation>
+    </message>
     <!-- Licence agreement. The resource is the name of the agreement in this language. -->
     <message id="LicenseResource">
         <source>license_en</source>
@@ -540,12 +556,12 @@
         <translation>en_US</translation>
     </message>
     <message id="Megabytes">
-        <source>%@ MB</source>
-        <translation>%@ MB</translation>
+        <source>%@ MB</source>
+        <translation>%@ MB</translation>
     </message>
     <message id="Kilobytes">
-        <source>%@ KB</source>
-        <translation>%@ KB</translation>
+        <source>%@ KB</source>
+        <translation>%@ KB</translation>
     </message>
     <message id="OneFile">
         <source>1 file</source>
@@ -685,11 +701,11 @@ If you burn all the same, nothing is written and your changes are lost. Keep the
         <source>%@ of %@ – %@ of %@</source>
         <translation>%@ of %@ – %@ of %@</translation>
     </message>
-    <message id="CopyUnderAMinute">
+    <message id="UnderAMinuteLeft">
         <source>Less than a minute left</source>
         <translation>Less than a minute left</translation>
     </message>
-    <message id="CopyMinutes">
+    <message id="MinutesLeft">
         <source>About %i minutes left</source>
         <translation>About %i minutes left</translation>
     </message>
@@ -705,7 +721,7 @@ If you burn all the same, nothing is written and your changes are lost. Keep the
         <source>How much is copied</source>
         <translation>How much is copied</translation>
     </message>
-    <message id="AccessibleCopyRemaining">
+    <message id="AccessibleRemainingTime">
         <source>Remaining time</source>
         <translation>Remaining time</translation>
     </message>

@@ -4,6 +4,7 @@
 #include <QHBoxLayout>
 #include <QLabel>
 #include <QVBoxLayout>
+#include <utility>
 
 #include "platform/foundation/placeholders.h"
 #include "platform/foundation/strings_table.h"
@@ -19,6 +20,9 @@ KVBurnView::KVBurnView(QWidget* parent) : QWidget(parent) {
   messageTextField_ = makeTextField("burnMessageTextField", "AccessibleBurnMessage", this);
   percentField_ = makeTextField("burnPercentField", "AccessibleBurnProgress", this);
   percentField_->setAlignment(Qt::AlignTrailing | Qt::AlignVCenter);
+  remainingField_ = makeTextField("burnRemainingField", "AccessibleRemainingTime", this);
+  // Its line stays free, or the bar would move when there is something to tell.
+  remainingField_->setMinimumHeight(remainingField_->fontMetrics().height());
   progressIndicator_ = new BurnProgressBar(this);
   progressIndicator_->setObjectName(QStringLiteral("burnProgressIndicator"));
   progressIndicator_->setAccessibleName(localizedText("AccessibleBurnProgress"));
@@ -30,18 +34,37 @@ KVBurnView::KVBurnView(QWidget* parent) : QWidget(parent) {
 
   auto* layout = new QVBoxLayout(this);
   layout->setContentsMargins(kSideMargin, 0, kSideMargin, 0);
-  layout->setSpacing(8);
+  layout->setSpacing(6);
   layout->addStretch();
   layout->addLayout(line);
   layout->addWidget(progressIndicator_);
+  layout->addWidget(remainingField_);
   layout->addStretch();
+}
+
+// How long the image of a CD takes says nothing of how long its burn will.
+void KVBurnView::setMessage(const QString& text) {
+  setFieldText(*messageTextField_, text);
+  isWriting_ =
+      text == localizedText("burningchangescd") || text == localizedText("burningchangesdvd");
+  isJudged_ = false;
+  remainingField_->clear();
+}
+
+QString KVBurnView::remainingTimeText() {
+  if (!isWriting_) return {};
+  const double fraction = progressIndicator_->doubleValue() / BurnProgressBar::kMaximum;
+  if (!std::exchange(isJudged_, true)) remainingTime_.begin(fraction);
+  return remainingTime_.textAt(fraction);
 }
 
 void KVBurnView::showPercent(int percent) {
   if (percent < 0) {
     percentField_->clear();
+    remainingField_->clear();
     return;
   }
+  remainingField_->setText(remainingTimeText());
   percentField_->setText(QString::fromStdString(format(localizedString("BurnPercent"), percent)));
 }
 

@@ -29,8 +29,6 @@ constexpr double kWidth = 320;
 constexpr int kSteps = 1000;
 constexpr std::chrono::milliseconds kRefreshInterval{100};
 // Earlier, what is left is anybody's guess.
-constexpr std::chrono::milliseconds kLeastTimeToJudge{2000};
-constexpr double kLeastFractionToJudge = 0.02;
 
 double fractionOf(const CopyProgress& progress) {
   const bool hasBytes = progress.bytesInAll > 0;
@@ -58,7 +56,7 @@ CopySheet::CopySheet(QWidget* parent) : QDialog(parent) {
   progressBar_->setTextVisible(false);
   progressBar_->setFixedWidth(toPixels(kWidth, font()));
   amountField_ = makeTextField("copyAmountField", "AccessibleCopyAmount", this);
-  remainingField_ = makeTextField("copyRemainingField", "AccessibleCopyRemaining", this);
+  remainingField_ = makeTextField("copyRemainingField", "AccessibleRemainingTime", this);
   cancelButton_ = makeButton("copyCancelButton", "Cancel", this);
   connect(cancelButton_, &RoomyButton::clicked, this, [this] { reject(); });
   refresh_ = new QTimer(this);
@@ -86,7 +84,7 @@ void CopySheet::begin(const CopyRequest& request) {
   answerForAll_.reset();
   progress_ = {};
   cancelButton_->setEnabled(true);
-  sinceBeginning_.start();
+  remainingTime_.begin();
   showProgress();
   open();
   refresh_->start(kRefreshInterval);
@@ -188,18 +186,7 @@ void CopySheet::showProgress() {
              filesText(progress.filesInAll).toStdString(),
              bytesText(static_cast<int64_t>(progress.bytes)).toStdString(),
              bytesText(static_cast<int64_t>(progress.bytesInAll)).toStdString())));
-  if (!stop_.stop_requested()) remainingField_->setText(remainingText(fraction));
-}
-
-QString CopySheet::remainingText(double fraction) const {
-  constexpr double kMinute = 60'000;
-  const auto elapsed = static_cast<double>(sinceBeginning_.elapsed());
-  const auto least = static_cast<double>(kLeastTimeToJudge.count());
-  if (elapsed < least || fraction < kLeastFractionToJudge) return {};
-  const double minutes = elapsed * (1 - fraction) / fraction / kMinute;
-  if (minutes < 1) return localizedText("CopyUnderAMinute");
-  return QString::fromStdString(
-      format(localizedString("CopyMinutes"), static_cast<int64_t>(std::ceil(minutes))));
+  if (!stop_.stop_requested()) remainingField_->setText(remainingTime_.textAt(fraction));
 }
 
 void CopySheet::end(const CopyOutcome& outcome) {

@@ -2,7 +2,6 @@
 #pragma once
 
 #include <QDialog>
-#include <QElapsedTimer>
 #include <condition_variable>
 #include <memory>
 #include <mutex>
@@ -12,6 +11,7 @@
 
 #include "ui/copy_job.h"
 #include "ui/copy_question.h"
+#include "ui/remaining_time.h"
 
 class QLabel;
 class QProgressBar;
@@ -55,7 +55,6 @@ class CopySheet : public QDialog, private CopyObserver {
   void showQuestion(const CopyConflict& conflict);
   void answer(std::optional<ConflictAnswer> answer, CopyQuestionScope scope);
   void showProgress();
-  QString remainingText(double fraction) const;
   void end(const CopyOutcome& outcome);
   void closeQuestion();
 
@@ -68,7 +67,7 @@ class CopySheet : public QDialog, private CopyObserver {
   QTimer* refresh_;
   QDialog* question_ = nullptr;
 
-  QElapsedTimer sinceBeginning_;
+  RemainingTime remainingTime_;
   std::optional<ConflictAnswer> answerForAll_;  // The copying thread's.
 
   std::mutex mutex_;  // Guards what follows.

@@ -61,6 +61,17 @@ std::span<const int32_t> speedsFor(const std::optional<std::string>& mediaType) 
   return kCdSpeeds;
 }
 
+// `key` is that of the summary. Whoever looks at the window sees it there.
+void notifyOfEnd(desktop::Notifications& notifications, desktop::Notice::Kind kind,
+                 const std::string& key) {
+  if (QApplication::activeWindow() != nullptr) return;
+  desktop::Notice notice;
+  notice.kind = kind;
+  notice.summary = localizedString(key);
+  notice.body = localizedString(key + "Long");
+  notifications.show(notice);
+}
+
 }  // namespace
 
 MainWindow::MainWindow(QWidget* parent) : QWidget(parent) {
@@ -183,6 +194,13 @@ void MainWindow::connectActions() {
           [this](int percent) { showPercent(percent); });
   connect(eraseProgressPanel_, &EraseProgressSheet::percentChanged, this,
           [this](int percent) { showPercent(percent); });
+  connect(eraseProgressPanel_, &QDialog::finished, this, [this](int result) {
+    if (result == QDialog::Accepted) {
+      notifyOfEnd(*notifications_, desktop::Notice::Kind::Success, "NoticeErased");
+    } else {
+      notifyOfEnd(*notifications_, desktop::Notice::Kind::Failure, "NoticeEraseFailed");
+    }
+  });
   prefsPanel_->setLicenseHandler([this] { showLicense(); });
   burnConfirmationPanel_->setConfirmHandler([this] {
     if (actions_) actions_->burnConfirmationDidConfirm();
@@ -344,7 +362,7 @@ void MainWindow::setSizeInformationField(const std::string& text) {
 }
 
 void MainWindow::setBurnMessage(const std::string& text) {
-  setFieldText(*burnView_->messageTextField(), toText(text));
+  burnView_->setMessage(toText(text));
 }
 
 ProgressIndicator& MainWindow::burnProgressIndicator() {
@@ -407,15 +425,12 @@ DREraseProgressPanel& MainWindow::eraseProgressPanel() {
   return *eraseProgressPanel_;
 }
 
-// Whoever looks at the window sees it there.
 void MainWindow::burnDidEnd(BurnEnd end) {
-  if (QApplication::activeWindow() != nullptr) return;
-  const bool failed = end == BurnEnd::Failed;
-  desktop::Notice notice;
-  notice.kind = failed ? desktop::Notice::Kind::Failure : desktop::Notice::Kind::Success;
-  notice.summary = localizedString(failed ? "NoticeBurnFailed" : "NoticeBurned");
-  notice.body = localizedString(failed ? "NoticeBurnFailedLong" : "NoticeBurnedLong");
-  notifications_->show(notice);
+  if (end == BurnEnd::Failed) {
+    notifyOfEnd(*notifications_, desktop::Notice::Kind::Failure, "NoticeBurnFailed");
+  } else {
+    notifyOfEnd(*notifications_, desktop::Notice::Kind::Success, "NoticeBurned");
+  }
 }
 
 void MainWindow::beep() {

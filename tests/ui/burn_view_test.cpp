@@ -2,8 +2,10 @@
 // The burn progress bar from 0 to 2, and the percentage beside it.
 #include <QLabel>
 #include <QProgressBar>
+#include <QTest>
 #include <limits>
 
+#include "platform/foundation/strings_table.h"
 #include "ui/burn_progress_bar.h"
 #include "ui/window_test.h"
 
@@ -90,6 +92,29 @@ TEST_F(BurnView, AnimationThatStartsLateDoesNotTakeADeterminateBarAway) {
   indicator().startAnimation();
   EXPECT_FALSE(isBusy());
   EXPECT_DOUBLE_EQ(shownShare(), 0.15);
+}
+
+TEST_F(BurnView, TimeIsToldWhileTheDiscIsWrittenAndNotWhileItIsPrepared) {
+  constexpr int kFarTooLong = 60000;
+  const auto* remaining = child<QLabel>("burnRemainingField");
+  window_.setBurnMessage(localizedString("burningchangescd"));
+  indicator().setIndeterminate(false);
+  indicator().setDoubleValue(1);
+  // It is judged by what passes from here on.
+  EXPECT_TRUE(QTest::qWaitFor(
+      [&] {
+        indicator().setDoubleValue(1.9);
+        return !remaining->text().isEmpty();
+      },
+      kFarTooLong));
+  EXPECT_EQ(remaining->text(), "Less than a minute left");
+  indicator().setIndeterminate(true);
+  indicator().startAnimation();
+  EXPECT_EQ(remaining->text(), "") << "nobody knows any more";
+  window_.setBurnMessage(localizedString("preparingdata"));
+  indicator().setIndeterminate(false);
+  indicator().setDoubleValue(1.95);
+  EXPECT_EQ(remaining->text(), "");
 }
 
 }  // namespace

@@ -105,14 +105,14 @@ TEST_F(ChangeSummary, LeavesOutWhatThereIsNoneOf) {
 
 TEST_F(ChangeSummary, TellsAGuessUntilTheSizeIsKnown) {
   window_.setBurnSummary(counted());
-  EXPECT_EQ(line("summaryNeeded"), "about 45 MB");
-  EXPECT_EQ(line("summaryLeft"), "about 455 MB");
+  EXPECT_EQ(line("summaryNeeded"), "about 45\u00A0MB");
+  EXPECT_EQ(line("summaryLeft"), "about 455\u00A0MB");
   BurnSummary summary = counted();
   summary.needed = {46 * kMegabyte, kExact};
   summary.freeAfterwards = {400 * kMegabyte, kExact};
   window_.setBurnSummary(summary);
-  EXPECT_EQ(line("summaryNeeded"), "46 MB");
-  EXPECT_EQ(line("summaryLeft"), "400 MB");
+  EXPECT_EQ(line("summaryNeeded"), "46\u00A0MB");
+  EXPECT_EQ(line("summaryLeft"), "400\u00A0MB");
   EXPECT_FALSE(button("burnKeepButton")->isVisible());
   EXPECT_TRUE(button("burnConfirmButton")->isDefault());
 }
@@ -125,8 +125,9 @@ TEST_F(ChangeSummary, SpeaksEachLineWithWhatItIsAbout) {
 TEST_F(ChangeSummary, WarnsOfASessionThatIsTooLargeAndReturnKeepsTheChangesThen) {
   window_.setBurnSummary(tooLarge());
   EXPECT_THAT(warning("tooLargeWarning"), HasSubstr("do not fit"));
-  EXPECT_THAT(warning("tooLargeWarning"), HasSubstr("They need 45 MB, and 30 MB are free"));
-  EXPECT_THAT(warning("tooLargeWarning"), HasSubstr("15 MB too much"));
+  EXPECT_THAT(warning("tooLargeWarning"),
+              HasSubstr("They need 45\u00A0MB, and 30\u00A0MB are free"));
+  EXPECT_THAT(warning("tooLargeWarning"), HasSubstr("15\u00A0MB too much"));
   EXPECT_EQ(line("summaryLeft"), "");
   EXPECT_TRUE(button("burnConfirmButton")->isEnabled()) << "the choice is the user's";
   QTest::keyClick(child<QLineEdit>("burnConfirmationPanelDiskTitle"), Qt::Key_Return);
@@ -231,12 +232,12 @@ TEST_F(ChangeSummary, IsForgottenWhenTheSheetIsOpenedAnew) {
 }
 
 TEST(AmountTexts, AreInTheWordsOfAPerson) {
-  EXPECT_EQ(bytesText(0), "0 MB");
-  EXPECT_EQ(bytesText(1), "1 KB");
-  EXPECT_EQ(bytesText(12 * 1024), "12 KB");
-  EXPECT_EQ(bytesText(kMegabyte / 10 + 1), "0.1 MB");
-  EXPECT_EQ(bytesText(kMegabyte * 7 / 2), "3.5 MB");
-  EXPECT_EQ(bytesText(-kMegabyte * 4300), "4,300 MB");
+  EXPECT_EQ(bytesText(0), "0\u00A0MB");
+  EXPECT_EQ(bytesText(1), "1\u00A0KB");
+  EXPECT_EQ(bytesText(12 * 1024), "12\u00A0KB");
+  EXPECT_EQ(bytesText(kMegabyte / 10 + 1), "0.1\u00A0MB");
+  EXPECT_EQ(bytesText(kMegabyte * 7 / 2), "3.5\u00A0MB");
+  EXPECT_EQ(bytesText(-kMegabyte * 4300), "4,300\u00A0MB");
   EXPECT_EQ(filesText(1), "1 file");
   EXPECT_EQ(itemsText(0, 0), "0 files");
   EXPECT_EQ(itemsText(0, 2), "2 folders");
@@ -246,7 +247,7 @@ TEST(AmountTexts, AreInTheWordsOfAPerson) {
 
 TEST(AmountTexts, AreGermanInGerman) {
   loadStringsTable("de");
-  EXPECT_EQ(bytesText(kMegabyte * 7 / 2), "3,5 MB");
+  EXPECT_EQ(bytesText(kMegabyte * 7 / 2), "3,5\u00A0MB");
   EXPECT_EQ(itemsText(1234, 1), "1.234 Dateien, 1 Ordner");
   loadStringsTable("en");
 }

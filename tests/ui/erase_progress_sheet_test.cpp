@@ -2,6 +2,7 @@
 // The progress sheet of an erase, over erases by the real recorder on emulated discs.
 #include <unistd.h>
 
+#include <QApplication>
 #include <QDialog>
 #include <QLabel>
 #include <QMessageBox>
@@ -167,6 +168,30 @@ TEST_F(EraseProgressSheet, RecorderThatDiesIsAFailure) {
   ASSERT_TRUE(sheetHasGone());
   ASSERT_NE(alert(), nullptr);
   EXPECT_TRUE(alert()->informativeText().contains("signal 9"));
+}
+
+TEST_F(EraseProgressSheet, ItsEndIsToldWhereTheWindowIsNotInFront) {
+  const test::PrivateBus bus;
+  test::FakeNotifications desktop(bus.services());
+  beginAndPause();
+  QApplication::setActiveWindow(nullptr);
+  goOn();
+  ASSERT_TRUE(sheetHasGone());
+  EXPECT_TRUE(QTest::qWaitFor([&desktop] { return desktop.shown.size() == 1; }, kFarTooLong));
+  EXPECT_EQ(desktop.shown[0].summary, "The disc has been erased");
+  EXPECT_EQ(desktop.shown[0].category, "transfer.complete");
+}
+
+TEST_F(EraseProgressSheet, ItsFailureIsToldWhereTheWindowIsNotInFront) {
+  const test::PrivateBus bus;
+  test::FakeNotifications desktop(bus.services());
+  beginAndPause();
+  QApplication::setActiveWindow(nullptr);
+  kill(recorder_, SIGKILL);
+  ASSERT_TRUE(sheetHasGone());
+  EXPECT_TRUE(QTest::qWaitFor([&desktop] { return desktop.shown.size() == 1; }, kFarTooLong));
+  EXPECT_EQ(desktop.shown[0].summary, "The disc could not be erased");
+  EXPECT_EQ(desktop.shown[0].category, "transfer.error");
 }
 
 TEST_F(EraseProgressSheet, TheMachineStaysAwakeUntilTheEraseHasEnded) {
