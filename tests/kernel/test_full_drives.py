@@ -8,10 +8,11 @@ from system_test import SystemTest
 
 
 class TwoDrives(SystemTest):
-    def test_two_discs_are_listed_and_none_of_them_is_opened_by_itself(self):
+    def both_listed(self):
+        """Two drives with a disc each, and the steps that have the window list both."""
         for number, name in enumerate(["ONE", "OTHER"]):
             self.with_session("disc" + name.lower(), "cd-r", make_tree(self.path(name.lower()), number), label=name)
-        self.guest("""
+        return """
 start_desktop
 agree
 plug discone.kvdisc
@@ -20,6 +21,10 @@ plug discother.kvdisc
 eventually "udev knows the second disc" has_property ID_FS_LABEL OTHER
 start_window
 eventually "both discs are listed" eval "shows 'ONE, CDR in' && shows 'OTHER, CDR in'"
+"""
+
+    def test_two_discs_are_listed_and_none_of_them_is_opened_by_itself(self):
+        self.guest(self.both_listed() + """
 shows "Open Disc" || fail "a disc cannot be opened"
 logged "Notified that Filesystem did mount." && fail "one of two discs has been opened by itself"
 key ctrl+q
@@ -28,17 +33,7 @@ nothing_is_left
 """)
 
     def test_where_one_of_two_listed_discs_is_taken_out_the_other_is_the_only_one_and_is_opened(self):
-        for number, name in enumerate(["ONE", "OTHER"]):
-            self.with_session("disc" + name.lower(), "cd-r", make_tree(self.path(name.lower()), number), label=name)
-        self.guest("""
-start_desktop
-agree
-plug discone.kvdisc
-eventually "udev knows the first disc" has_property ID_FS_LABEL ONE
-plug discother.kvdisc
-eventually "udev knows the second disc" has_property ID_FS_LABEL OTHER
-start_window
-eventually "both discs are listed" eval "shows 'ONE, CDR in' && shows 'OTHER, CDR in'"
+        self.guest(self.both_listed() + """
 press_button
 await_open
 as_user test -e "/Volumes/tarnwick/file 0 0.bin" || fail "what is open is not the disc that stayed"
