@@ -19,7 +19,7 @@ status=$?
         with open(self.path("no-udisks"), "w", encoding="ascii"):
             pass
         self.guest(self.plugged("cd-r") + """
-udisksctl status && fail "UDisks2 is there"
+pidof udisksd && fail "UDisks2 is there"
 as_user """ + self.BATCH.lstrip() + """
 [ $status = 0 ] || fail "batch ended with $status: $(cat /share/words /share/outcome)"
 nothing_is_left
