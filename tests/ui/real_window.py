@@ -11,6 +11,7 @@ import pathlib
 import shutil
 import signal
 import subprocess
+import sys
 import tempfile
 import time
 import unittest
@@ -53,6 +54,27 @@ class Desktop:
         shutil.rmtree(self.folder, ignore_errors=True)
 
 
+def mount_points_below(folder):
+    """Where something is mounted, the innermost first. A mount whose program was killed cannot be looked at, only listed."""
+    with open("/proc/self/mountinfo", encoding="utf-8", errors="surrogateescape") as table:
+        points = [line.split()[4].encode("latin-1", "surrogateescape").decode("unicode_escape") for line in table]
+    return sorted((point for point in points if point.startswith(f"{folder}/")), key=len, reverse=True)
+
+
+class TestFolder:
+    """A folder of a test. Goes with the test, also where that is interrupted, and with it what was left mounted in it."""
+
+    def __init__(self):
+        self.path = pathlib.Path(tempfile.mkdtemp(prefix="kvwindow-"))
+        atexit.register(self.remove)
+
+    def remove(self):
+        atexit.unregister(self.remove)
+        for point in mount_points_below(self.path):
+            subprocess.run(["fusermount3", "-u", "-z", point], check=False)
+        shutil.rmtree(self.path, ignore_errors=True)
+
+
 def wait_until(what, condition):
     """The condition's first true value."""
     deadline = time.monotonic() + LIMIT
@@ -65,6 +87,8 @@ def wait_until(what, condition):
         time.sleep(0.05)
 
 
+# Whoever ends these tests early has them cleaned up as well.
+signal.signal(signal.SIGTERM, lambda *_: sys.exit(1))
 DESKTOP = Desktop()
 import pyatspi  # noqa: E402  It connects to the bus that the desktop has made.
 from gi.repository import GLib  # noqa: E402
@@ -97,8 +121,9 @@ class RealWindowTest(unittest.TestCase):
             raise unittest.SkipTest(reason)
 
     def setUp(self):
-        self.folder = pathlib.Path(tempfile.mkdtemp(prefix="kvwindow-"))
-        self.addCleanup(shutil.rmtree, self.folder, ignore_errors=True)
+        folder = TestFolder()
+        self.addCleanup(folder.remove)
+        self.folder = folder.path
         prefix = self.folder / "root"
         (prefix / "tmp").mkdir(parents=True)
         (prefix / "Volumes").mkdir()
@@ -133,9 +158,12 @@ class RealWindowTest(unittest.TestCase):
             command += ["--drive", disc]
         with open(self.log, "w", encoding="utf-8") as log:
             self.process = subprocess.Popen(command, env=self.environment, stdout=log, stderr=log)
+        atexit.register(self.end)
         self.addCleanup(self.end)
 
     def end(self):
+        """Ends the application where it still runs: it must not ask whether to burn now. What it has mounted stays."""
+        atexit.unregister(self.end)
         if self.process.poll() is None:
             self.process.send_signal(signal.SIGKILL)
         self.process.wait()
