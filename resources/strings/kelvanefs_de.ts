@@ -331,6 +331,18 @@
         <source>A program still has files or folders of the disc open, so the disc cannot be closed yet. Your changes are safe and the disc stays open. Close that program, or leave the disc’s folder in it, then close the disc again.</source>
         <translation>Ein Programm hat noch Dateien oder Ordner der Disc geöffnet, deshalb kann sie noch nicht geschlossen werden. Ihre Änderungen sind sicher, und die Disc bleibt geöffnet. Beenden Sie das Programm oder verlassen Sie darin den Ordner der Disc, und schließen Sie die Disc dann noch einmal.</translation>
     </message>
+    <message id="LogoutDiscOpen">
+        <source>A disc is open, and its changes are not burned yet.</source>
+        <translation>Eine Disc ist geöffnet, und ihre Änderungen sind noch nicht gebrannt.</translation>
+    </message>
+    <message id="LogoutDuringBurn">
+        <source>You are still logged in: a disc is being burned</source>
+        <translation>Sie sind noch angemeldet: Es wird gerade eine Disc gebrannt</translation>
+    </message>
+    <message id="LogoutDuringBurnLong">
+        <source>Logging out now could spoil the disc, so it was stopped. Log out again when the burn is complete.</source>
+        <translation>Jetzt abzumelden könnte die Disc verderben, deshalb wurde die Abmeldung aufgehalten. Melden Sie sich noch einmal ab, wenn fertig gebrannt ist.</translation>
+    </message>
     <message id="MountFailed">
         <source>The disc could not be opened for changes</source>
         <translation>Die Disc konnte nicht zum Ändern geöffnet werden</translation>

@@ -331,6 +331,18 @@
         <source>A program still has files or folders of the disc open, so the disc cannot be closed yet. Your changes are safe and the disc stays open. Close that program, or leave the disc’s folder in it, then close the disc again.</source>
         <translation>A program still has files or folders of the disc open, so the disc cannot be closed yet. Your changes are safe and the disc stays open. Close that program, or leave the disc’s folder in it, then close the disc again.</translation>
     </message>
+    <message id="LogoutDiscOpen">
+        <source>A disc is open, and its changes are not burned yet.</source>
+        <translation>A disc is open, and its changes are not burned yet.</translation>
+    </message>
+    <message id="LogoutDuringBurn">
+        <source>You are still logged in: a disc is being burned</source>
+        <translation>You are still logged in: a disc is being burned</translation>
+    </message>
+    <message id="LogoutDuringBurnLong">
+        <source>Logging out now could spoil the disc, so it was stopped. Log out again when the burn is complete.</source>
+        <translation>Logging out now could spoil the disc, so it was stopped. Log out again when the burn is complete.</translation>
+    </message>
     <message id="MountFailed">
         <source>The disc could not be opened for changes</source>
         <translation>The disc could not be opened for changes</translation>

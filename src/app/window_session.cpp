@@ -18,6 +18,7 @@ WindowSession::WindowSession(std::unique_ptr<ApplicationCore> core)
       services_(systemControllerServices(core_->visibleMounts())),
       controller_(window_, services_),
       delegate_(controller_, window_, UpdateSource::ofThisBuild()),
+      logout_(controller_, delegate_, window_),
       signals_([this](int) { quitRequested(); }),
       instance_([this] { reopen(); }) {
   window_.setActions(&controller_);
@@ -56,9 +57,17 @@ void WindowSession::start() {
 void WindowSession::wireQuitting() {
   window_.setQuitHandler([this] { quitRequested(); });
   window_.setTerminateReplyHandler([this](bool shouldTerminate) {
-    if (!std::exchange(quitIsPending_, false)) return;
-    if (shouldTerminate) quit();
+    if (!quitIsPending_ && !logout_.isPending()) return;
+    // What has gone wrong is told by an alert, which may be begun right behind the reply.
+    performOnMainThread([this, shouldTerminate] {
+      window_.afterAlerts([this, shouldTerminate] { replied(shouldTerminate); });
+    });
   });
+}
+
+void WindowSession::replied(bool shouldTerminate) {
+  logout_.reply(shouldTerminate);
+  if (std::exchange(quitIsPending_, false) && shouldTerminate) quit();
 }
 
 void WindowSession::quitRequested() {

@@ -9,6 +9,7 @@
 #include "app/controller_services.h"
 #include "app/kv_app_delegate.h"
 #include "app/kv_controller.h"
+#include "app/logout_decision.h"
 #include "app/termination_signals.h"
 #include "platform/desktop/running_instance.h"
 #include "services/kv_license_controller.h"
@@ -34,6 +35,8 @@ class WindowSession {
   /// Offers to put the discs of empty emulated drives back.
   void offerEjectedDiscs();
   void quitRequested();
+  /// The answer to a decision that was deferred, once the user has read what came of it.
+  void replied(bool shouldTerminate);
   void quit();
   /// The user has started the application once more.
   void reopen();
@@ -47,6 +50,7 @@ class WindowSession {
   std::optional<ClosedDrives> closedDrives_;
   KVController controller_;
   KVAppDelegate delegate_;
+  LogoutDecision logout_;
   TerminationSignals signals_;
   desktop::RunningInstance instance_;
   bool quitIsPending_ = false;

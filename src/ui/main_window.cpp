@@ -8,6 +8,7 @@
 #include <QHBoxLayout>
 #include <QIcon>
 #include <QItemSelectionModel>
+#include <QMessageBox>
 #include <QProcess>
 #include <QScreen>
 #include <QShortcut>
@@ -419,6 +420,17 @@ void MainWindow::beginAlertSheet(const Alert& alert, std::function<void(int retu
 // Until start-up is through, another window may be the one that is shown.
 int MainWindow::runAlertModal(const Alert& alert) {
   return kelvane::runAlertModal(isVisible() ? this : QApplication::activeModalWidget(), alert);
+}
+
+void MainWindow::afterAlerts(std::function<void()> next) {
+  const auto* alert = findChild<QMessageBox*>(QStringLiteral("alertSheet"));
+  if (!alert) {
+    next();
+    return;
+  }
+  connect(
+      alert, &QObject::destroyed, this, [this, next = std::move(next)] { afterAlerts(next); },
+      Qt::QueuedConnection);
 }
 
 DREraseProgressPanel& MainWindow::eraseProgressPanel() {

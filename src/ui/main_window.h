@@ -54,6 +54,9 @@ class MainWindow : public QWidget, public WindowOutlets {
   /// From now on the window closes when it is told to, without asking.
   void allowClosing() { closingAllowed_ = true; }
 
+  /// Calls `next` once no alert stands over the window: at once where there is none.
+  void afterAlerts(std::function<void()> next);
+
   /// Offers to insert these discs into their emulated drives; hidden where there are none. `insert`
   /// is called with the index of the chosen one.
   void setInsertableDiscs(const std::vector<std::string>& names,

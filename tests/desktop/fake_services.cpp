@@ -105,6 +105,35 @@ QDBusObjectPath FakePortal::Inhibit(const QString&, uint flags, const QVariantMa
   return handle;
 }
 
+QDBusObjectPath FakePortal::CreateMonitor(const QString&, const QVariantMap& options) {
+  const QDBusObjectPath handle(QStringLiteral("/request/monitor"));
+  if (!hasMonitors) {
+    sendErrorReply(QDBusError::UnknownMethod, QStringLiteral("no such method"));
+    return handle;
+  }
+  QString caller = message().service().mid(1);
+  caller.replace(QLatin1Char('.'), QLatin1Char('_'));
+  takes(QStringLiteral("CreateMonitor"), QVariant::fromValue(handle));
+  sessions.push_back(
+      QStringLiteral("/org/freedesktop/portal/desktop/session/%1/%2")
+          .arg(caller, options.value(QStringLiteral("session_handle_token")).toString()));
+  return handle;
+}
+
+void FakePortal::QueryEndResponse(const QDBusObjectPath&) {
+  calls.emplace_back("QueryEndResponse");
+}
+
+void FakePortal::tell(const QString& session, uint state) {
+  QDBusMessage signal = QDBusMessage::createSignal(
+      QStringLiteral("/org/freedesktop/portal/desktop"),
+      QStringLiteral("org.freedesktop.portal.Inhibit"), QStringLiteral("StateChanged"));
+  signal << QVariant::fromValue(QDBusObjectPath(session))
+         << QVariantMap{{QStringLiteral("screensaver-active"), false},
+                        {QStringLiteral("session-state"), state}};
+  bus().send(signal);
+}
+
 FakeLauncher::FakeLauncher(QDBusConnection bus) {
   bus.connect(QString(), QString(), QStringLiteral("com.canonical.Unity.LauncherEntry"),
               QStringLiteral("Update"), this, SLOT(update(QString, QVariantMap)));

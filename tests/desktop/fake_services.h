@@ -106,9 +106,18 @@ class FakePortal : public FakeService {
   explicit FakePortal(const QDBusConnection& bus);
 
   int held = 0;
+  /// Of the monitors that have been asked for, in order.
+  std::vector<QString> sessions;
+  /// Whether there is a CreateMonitor; older portals have none.
+  bool hasMonitors = true;
+
+  /// The session of this monitor has another state now, as the portal numbers them.
+  void tell(const QString& session, uint state);
 
  public Q_SLOTS:
   QDBusObjectPath Inhibit(const QString& window, uint flags, const QVariantMap& options);
+  QDBusObjectPath CreateMonitor(const QString& window, const QVariantMap& options);
+  void QueryEndResponse(const QDBusObjectPath& session);
 
  private:
   int granted_ = 0;

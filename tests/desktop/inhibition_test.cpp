@@ -145,6 +145,23 @@ TEST_F(Inhibiting, APortalThatRefusesIsQuoted) {
   EXPECT_THAT(log_.lines(), ElementsAre("Logging out is not held off: not today"));
 }
 
+TEST_F(Inhibiting, WhoeverAskedForItHearsThatLogoutIsHeldOff) {
+  FakePortal portal(bus_.services());
+  int heldWhenAnswered = -1;
+  const LogoutInhibition inhibition("A disc is open", [&] { heldWhenAnswered = portal.held; });
+  EXPECT_EQ(heldWhenAnswered, -1);
+  turnUntil([&heldWhenAnswered] { return heldWhenAnswered == 1; });
+}
+
+TEST_F(Inhibiting, WhoeverAskedForItHearsThatItIsRefused) {
+  FakePortal portal(bus_.services());
+  portal.manner = Manner::Refuses;
+  bool answered = false;
+  const LogoutInhibition inhibition("A disc is open", [&answered] { answered = true; });
+  turnUntil([&answered] { return answered; });
+  EXPECT_FALSE(inhibition.isHeld());
+}
+
 TEST_F(Inhibiting, WorkHoldsOffBoth) {
   FakeLoginManager manager(bus_.services());
   FakePortal portal(bus_.services());

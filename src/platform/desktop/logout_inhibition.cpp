@@ -4,6 +4,7 @@
 #include <QCoreApplication>
 #include <QDBusObjectPath>
 #include <QDBusPendingCall>
+#include <utility>
 
 #include "platform/desktop/message_bus.h"
 #include "platform/foundation/system_log.h"
@@ -32,7 +33,8 @@ struct LogoutInhibition::Request {
   bool isReleased = false;
 };
 
-LogoutInhibition::LogoutInhibition(const std::string& why, std::chrono::milliseconds patience)
+LogoutInhibition::LogoutInhibition(const std::string& why, std::function<void()> answered,
+                                   std::chrono::milliseconds patience)
     : request_(std::make_shared<Request>()) {
   QDBusMessage method = QDBusMessage::createMethodCall(
       portalService(), QStringLiteral("/org/freedesktop/portal/desktop"),
@@ -41,7 +43,7 @@ LogoutInhibition::LogoutInhibition(const std::string& why, std::chrono::millisec
   method << noWindow << kLogoutFlag
          << QVariantMap{{QStringLiteral("reason"), QString::fromStdString(why)}};
   call(request_->bus, method, patience, QCoreApplication::instance(),
-       [request = request_](const QDBusMessage& answer) {
+       [request = request_, answered = std::move(answered)](const QDBusMessage& answer) {
          if (answer.type() == QDBusMessage::ReplyMessage && !answer.arguments().isEmpty()) {
            const QString path = answer.arguments().constFirst().value<QDBusObjectPath>().path();
            if (request->isReleased) {
@@ -52,6 +54,7 @@ LogoutInhibition::LogoutInhibition(const std::string& why, std::chrono::millisec
          } else if (!isServiceAbsent(answer) && !request->isReleased) {
            systemLog("Logging out is not held off: %@", answer.errorMessage().toStdString());
          }
+         if (answered && !request->isReleased) answered();
        });
 }
 

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <chrono>
+#include <functional>
 #include <memory>
 #include <string>
 
@@ -17,8 +18,10 @@ namespace kelvane::desktop {
 /// portal ends the inhibition by itself if the process dies. Main thread only; nothing blocks.
 class LogoutInhibition {
  public:
-  /// `why` is shown to users, in their language.
-  explicit LogoutInhibition(const std::string& why, std::chrono::milliseconds patience = kPatience);
+  /// `why` is shown to users, in their language. `answered`, where given, is called once the portal
+  /// has granted it or has not, unless the object is deleted before.
+  explicit LogoutInhibition(const std::string& why, std::function<void()> answered = {},
+                            std::chrono::milliseconds patience = kPatience);
   ~LogoutInhibition();
   LogoutInhibition(const LogoutInhibition&) = delete;
   LogoutInhibition& operator=(const LogoutInhibition&) = delete;
