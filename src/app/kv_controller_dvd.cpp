@@ -50,15 +50,18 @@ std::string wordsOf(const DVDBurn& burn) {
 }
 
 // The program's exit status.
-int runFormatter(const std::string& bsdName) {
+int runFormatter(DRDevice& device) {
   const auto program = Bundle::mainBundle().pathForAuxiliaryExecutable(kFormatter);
   if (!program) return kProgramMissing;
   ChildTask task;
   task.setLaunchPath(*program);
-  task.setArguments({"-force", format("/dev/%@", bsdName)});
+  task.setArguments({"-force", format("/dev/%@", device.bsdName())});
   // A format that is cut off by a Ctrl-C or a log-out leaves a disc that nothing can be done with.
   task.setSession(ChildTask::Session::OfItsOwn);
-  if (!task.launch()) return kProgramMissing;
+  {
+    const DriveClaimHandover handover = device.handClaimOver(task);
+    if (!task.launch()) return kProgramMissing;
+  }
   task.waitUntilExit();
   return task.terminationStatus();
 }
@@ -90,7 +93,7 @@ void KVController::burnDVD() {
 bool KVController::prepareBlankDVD(DRDevice& device) {
   window_.setBurnMessage(localizedString("preparingemptydisk"));
   device.beginRecording();
-  const int status = runFormatter(device.bsdName());
+  const int status = runFormatter(device);
   device.endRecording();
   systemLog("preparing finished with status: %i", status);
   bool transitioning = device.mediaIsTransitioning();

@@ -10,6 +10,7 @@
 #include "platform/foundation/child_task.h"
 #include "platform/foundation/main_thread.h"
 #include "platform/foundation/notification_center.h"
+#include "platform/foundation/system_log.h"
 #include "platform/recording/dr_device.h"
 
 namespace kelvane {
@@ -17,6 +18,7 @@ namespace {
 
 constexpr char kSessionWriter[] = "growisofs";
 constexpr char kImageBuilder[] = "mkisofs";
+constexpr int kMostAttempts = 5;
 
 // A program of ours, or where it would be, so that its absence is told with its path.
 std::string auxiliaryProgram(const std::string& name) {
@@ -42,10 +44,32 @@ void DVDBurn::startDVDBurnInOwnThread() {
 }
 
 void DVDBurn::performDVDBurn() {
-  // A volume that stays mounted is growisofs's own business.
-  requestWholeDiscUnmount(currentDevice_->bsdName(), services_);
+  takeDiscFromOthers();
   runGrowisofs();
+  for (int attempt = 1; attempt < kMostAttempts && hasLostDiscToOthers(); ++attempt) {
+    systemLog("growisofs starts once more: %@", burnErrors_.front());
+    forgetAttempt();
+    takeDiscFromOthers();
+    runGrowisofs();
+  }
   NotificationCenter::defaultCenter().post(kKelvaneDidFinishDVD, this);
+}
+
+// A volume that stays mounted is growisofs's own business.
+void DVDBurn::takeDiscFromOthers() {
+  requestWholeDiscUnmount(currentDevice_->bsdName(), services_);
+  services_.keepOthersFromMounting(*currentDevice_);
+}
+
+// Nothing has been sent to the drive then. What else is reported follows from this.
+bool DVDBurn::hasLostDiscToOthers() const {
+  return !burnErrors_.empty() && tellsOfForeignMount(burnErrors_.front());
+}
+
+void DVDBurn::forgetAttempt() {
+  burnErrors_.clear();
+  remarks_ = {};
+  lastIncompleteStatus_.clear();
 }
 
 void DVDBurn::runGrowisofs() {
@@ -58,9 +82,12 @@ void DVDBurn::runGrowisofs() {
   // An error is only seen where it begins a chunk or ends it as a line. Were several messages read
   // as one chunk, it would depend on this thread's speed whether a failure is noticed.
   task.keepErrorWritesApart();
-  if (!task.launch()) {
-    burnErrors_.push_back(task.launchError());
-    return;
+  {
+    const DriveClaimHandover handover = currentDevice_->handClaimOver(task);
+    if (!task.launch()) {
+      burnErrors_.push_back(task.launchError());
+      return;
+    }
   }
   for (std::string chunk = task.availableStandardError(); !chunk.empty();
        chunk = task.availableStandardError()) {

@@ -36,7 +36,9 @@ class DVDBurn {
   /// Runs `performDVDBurn` on a new thread.
   void startDVDBurnInOwnThread();
 
-  /// Unmounts the disc, runs growisofs to its end and posts "KelvaneDidFinishDVD".
+  /// Unmounts the disc, keeps others from mounting it, runs growisofs to its end and posts
+  /// "KelvaneDidFinishDVD". growisofs takes the drive for itself a moment after it was started; a
+  /// desktop that mounts the disc in that moment is answered with another attempt.
   void performDVDBurn();
 
   /// What growisofs said that begins with ":-(". Written on the burn's thread only; to be read
@@ -64,7 +66,10 @@ class DVDBurn {
   const std::string& lastIncompleteStatus() const { return lastIncompleteStatus_; }
 
  private:
+  void takeDiscFromOthers();
   void runGrowisofs();
+  bool hasLostDiscToOthers() const;
+  void forgetAttempt();
   // Each line examined begins with this: only one that tells a percentage sets it again.
   void forgetPercentDone();
 

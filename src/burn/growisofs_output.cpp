@@ -54,6 +54,10 @@ GrowisofsChunk readGrowisofsChunk(std::string_view bytes) {
   return chunk;
 }
 
+bool tellsOfForeignMount(const std::string& error) {
+  return error.starts_with(":-( unable to O_EXCL ") || error.starts_with(":-( unable to umount ");
+}
+
 double barValueOfPercent(const std::string& percentDone) {
   const double percent = std::strtod(percentDone.c_str(), nullptr);
   return (percent / 100) + (percent / 100);

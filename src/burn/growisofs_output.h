@@ -33,6 +33,10 @@ struct GrowisofsChunk {
 
 GrowisofsChunk readGrowisofsChunk(std::string_view bytes);
 
+/// Whether the error means that the disc was mounted when growisofs wanted the drive for itself, or
+/// was mounted again before it had it. It has sent the drive no command then.
+bool tellsOfForeignMount(const std::string& error);
+
 /// Where percents (" 42") put a bar that runs from 0 to 2.
 double barValueOfPercent(const std::string& percentDone);
 

@@ -74,6 +74,39 @@ TEST_F(DVDBurnTest, TheEndIsPostedByTheBurnOnItsOwnThread) {
   EXPECT_FALSE(wasMainThread);
 }
 
+constexpr char kRemounted[] = ":-( unable to O_EXCL /dev/sr0: someone was in time to remount?";
+
+TEST_F(DVDBurnTest, OthersAreKeptFromMountingBeforeGrowisofsStarts) {
+  run("exit 0");
+  ASSERT_EQ(services.keptFromOthers.size(), 1U);
+  EXPECT_EQ(services.keptFromOthers.front().first, &device);
+}
+
+TEST_F(DVDBurnTest, GrowisofsIsStartedAgainWhereADesktopWasFasterWithItsMount) {
+  run("echo started >> \"$NOTES\"\n"
+      "[ $(wc -l < \"$NOTES\") -gt 2 ] || echo '" +
+      std::string(kRemounted) + "' >&2");
+  EXPECT_EQ(bundle.notes(), "started\nstarted\nstarted\n");
+  EXPECT_THAT(burn.burnErrors(), IsEmpty());
+  EXPECT_THAT(burn.remarks().lines(), IsEmpty());
+  EXPECT_EQ(services.keptFromOthers.size(), 3U) << "what was mounted is unmounted each time";
+}
+
+TEST_F(DVDBurnTest, WhoeverMountsTheDiscAgainAndAgainIsGivenWayInTheEnd) {
+  run("echo started >> \"$NOTES\"\n"
+      "echo ':-( unable to umount /dev/sr0: Device or resource busy' >&2");
+  EXPECT_EQ(bundle.notes(), "started\nstarted\nstarted\nstarted\nstarted\n");
+  EXPECT_THAT(burn.burnErrors(), ElementsAre(HasSubstr("unable to umount /dev/sr0")));
+}
+
+TEST_F(DVDBurnTest, AnyOtherErrorIsTheEnd) {
+  run("echo started >> \"$NOTES\"\n"
+      "echo '" +
+      std::string(kFull) + "' >&2");
+  EXPECT_EQ(bundle.notes(), "started\n");
+  EXPECT_THAT(burn.burnErrors(), ElementsAre(HasSubstr("4GB boundary")));
+}
+
 TEST_F(DVDBurnTest, ARunWithoutAWordEndsAsSuccess) {
   run("exit 0");
   EXPECT_THAT(burn.burnErrors(), IsEmpty());

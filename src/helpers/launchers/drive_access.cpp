@@ -12,6 +12,8 @@
 #include <system_error>
 #include <thread>
 
+#include "platform/recording/drive_claim.h"
+
 namespace kelvane::launchers {
 namespace {
 
@@ -88,6 +90,7 @@ bool prepareToWrite(const DriveAccess& access, std::string* problem) {
     return false;
   }
   for (const auto& [name, value] : access.environment) setenv(name.c_str(), value.c_str(), 1);
+  endInheritedClaimAtExec(access.path);
   outliveTheApplication();
   return true;
 }

@@ -33,7 +33,8 @@ std::optional<DriveAccess> accessToDrive(std::string_view name,
 
 /// Prepares this process for the program that is to take its place and write to the drive: sets the
 /// environment, takes the lock (which passes to the program and ends with the last process that has
-/// it), and sees to it that the end of the application does not end the writing. False, with a
+/// it), lets an inherited claim to the drive end where the program takes over (which makes its
+/// own), and sees to it that the end of the application does not end the writing. False, with a
 /// sentence in `problem`, where somebody writes to the disc already.
 bool prepareToWrite(const DriveAccess& access, std::string* problem);
 

@@ -8,6 +8,8 @@
 
 #include <libburn/libburn.h>
 
+#include "platform/recording/drive_claim.h"
+
 namespace kelvane::recorder {
 
 std::unique_ptr<Libburn> Libburn::start() {
@@ -19,9 +21,12 @@ Libburn::~Libburn() {
   burn::burn_finish();
 }
 
+// With an inherited claim the drive is ours alone already, which libburn need not, and could not,
+// make it.
 std::unique_ptr<GrabbedDrive> GrabbedDrive::grab(const std::string& devicePath) {
-  enum { kExclusive = 1, kNonBlocking = 0, kDoNotAbort = 0, kLeaveTrayAsItIs = 0 };
-  burn::burn_preset_device_open(kExclusive, kNonBlocking, kDoNotAbort);
+  enum { kShared = 0, kExclusive = 1, kNonBlocking = 0, kDoNotAbort = 0, kLeaveTrayAsItIs = 0 };
+  const int manner = inheritedClaim(devicePath) ? kShared : kExclusive;
+  burn::burn_preset_device_open(manner, kNonBlocking, kDoNotAbort);
   std::string address = devicePath;
   burn::burn_drive_info* infos = nullptr;
   if (burn::burn_drive_scan_and_grab(&infos, address.data(), kLeaveTrayAsItIs) != 1) return nullptr;

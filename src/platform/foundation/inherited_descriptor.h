@@ -19,6 +19,9 @@ class InheritedDescriptor {
   InheritedDescriptor(const InheritedDescriptor&) = delete;
   InheritedDescriptor& operator=(const InheritedDescriptor&) = delete;
 
+  /// The copy's number, here and in the child; negative where it could not be copied.
+  int number() const { return copy_; }
+
   /// Those that a child which is started now inherits, by their numbers. All of them are closed by
   /// exec unless the child sees to it that they are not.
   static std::vector<int> all();

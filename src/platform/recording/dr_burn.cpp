@@ -46,7 +46,7 @@ void DRBurn::writeLayout(std::unique_ptr<DRTrack> track) {
                             .appendable = appendable_,
                             .underrunProtection = properties_.DRBurnUnderrunProtectionKey != 0,
                             .speed = properties_.DRBurnRequestedSpeedKey};
-  auto run = std::make_unique<RecorderRun>(drive, order,
+  auto run = std::make_unique<RecorderRun>(*device_, order,
                                            [this](const DRBurnStatus& status) { report(status); });
   device_->beginRecording();
   const std::string problem = run->start();

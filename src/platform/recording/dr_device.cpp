@@ -103,6 +103,13 @@ void DRDevice::beginRecording() {
   ++recordings_;
 }
 
+DriveClaimHandover DRDevice::handClaimOver(ChildTask& task) {
+  Drive* drive = this->drive();
+  if (drive == nullptr) return {nullptr, task};
+  drive->keepOthersFromMounting();
+  return {drive->giveUpClaim(), task};
+}
+
 void DRDevice::endRecording() {
   if (--recordings_ > 0) return;
   if (drive_) drive_->askAgain();

@@ -9,6 +9,7 @@
 
 #include "platform/recording/dr_device_status.h"
 #include "platform/recording/dr_media_types.h"
+#include "platform/recording/drive_claim_handover.h"
 
 namespace kelvane {
 
@@ -89,6 +90,10 @@ class DRDevice {
   /// Marks the beginning and end of a recording by this process. Main thread; must be paired.
   void beginRecording();
   void endRecording();
+  /// Keeps others from mounting the disc, where that is not so already and nobody has, and hands
+  /// this on to the program that `task` is about to launch, which is to record on the drive. Any
+  /// thread.
+  [[nodiscard]] DriveClaimHandover handClaimOver(ChildTask& task);
 
  protected:
   /// For tests' stand-ins, which override what is asked of them.

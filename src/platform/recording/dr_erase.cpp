@@ -29,9 +29,9 @@ void DRErase::start() {
   if (!device_->acquireExclusiveAccess()) {
     return report(failedStatus("Another program uses the drive."));
   }
-  auto run = std::make_unique<RecorderRun>(device_->drive()->identity(),
-                                           RecorderOrder{.task = RecorderOrder::Task::Erase},
-                                           [this](const DREraseStatus& status) { report(status); });
+  auto run =
+      std::make_unique<RecorderRun>(*device_, RecorderOrder{.task = RecorderOrder::Task::Erase},
+                                    [this](const DREraseStatus& status) { report(status); });
   device_->beginRecording();
   const std::string problem = run->start();
   if (!problem.empty()) {

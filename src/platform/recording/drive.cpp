@@ -150,6 +150,11 @@ void Drive::letOthersMount() {
   claim_.reset();
 }
 
+std::unique_ptr<DriveClaim> Drive::giveUpClaim() {
+  const std::lock_guard guard(mutex_);
+  return std::move(claim_);
+}
+
 bool Drive::isRecordedByAnyone() const {
   return !identity_.recordingLockPath.empty() && FileLock::isHeld(identity_.recordingLockPath);
 }
@@ -188,7 +193,6 @@ void Drive::leaveAlone() {
   learnNames();
   askForState();
   lastStatus_ = readDeviceStatus(*transport_);
-  claim_.reset();
   leftAlone_ = true;
 }
 

@@ -63,13 +63,16 @@ class Drive {
 
   bool acquireExclusiveAccess();
   void releaseExclusiveAccess();
-  /// Keeps everybody else from mounting the disc, until `letOthersMount` or the beginning of a
-  /// recording: a mount and a holder of an exclusive descriptor (O_EXCL) of the node shut each
+  /// Keeps everybody else from mounting the disc, until `letOthersMount` or `giveUpClaim`: a mount
+  /// and a holder of an exclusive descriptor (O_EXCL) of the node shut each
   /// other out. udev asks for one too before it opens the tray at the press of the button, so that
   /// has no effect meanwhile. False where the disc is mounted, or claimed by another program. Of an
   /// emulated drive, whose disc nobody else can mount, always true.
   bool keepOthersFromMounting();
   void letOthersMount();
+  /// The claim by which others are kept from mounting, for the program that will record on the
+  /// drive and needs the exclusive descriptor itself. Null where there is none.
+  std::unique_ptr<DriveClaim> giveUpClaim();
   /// Whether another process's recorder works on the drive, as far as that can be seen.
   bool isRecordedByAnyone() const;
 
@@ -78,8 +81,7 @@ class Drive {
   /// How often the tray was opened from here.
   int trayOpenings() const { return trayOpenings_; }
 
-  /// From now on the drive is left alone, and the last answers are repeated. A recorder needs the
-  /// exclusive descriptor itself, so the claim ends.
+  /// From now on the drive is left alone, and the last answers are repeated.
   void leaveAlone();
   void askAgain();
 

@@ -5,6 +5,7 @@
 #include <utility>
 
 #include "platform/foundation/bundle.h"
+#include "platform/recording/dr_device.h"
 #include "platform/recording/drive.h"
 #include "platform/recording/recorder_report.h"
 
@@ -78,9 +79,10 @@ std::string lastLine(const std::string& text) {
 
 }  // namespace
 
-RecorderRun::RecorderRun(const DriveIdentity& drive, const RecorderOrder& order,
+RecorderRun::RecorderRun(DRDevice& device, const RecorderOrder& order,
                          std::function<void(const DRBurnStatus&)> handler)
-    : kind_(order.task), handler_(std::move(handler)) {
+    : device_(device), kind_(order.task), handler_(std::move(handler)) {
+  const DriveIdentity& drive = device.drive()->identity();
   const auto program = Bundle::mainBundle().pathForAuxiliaryExecutable(kRecorderName);
   task_.setLaunchPath(
       program.value_or(Bundle::mainBundle().auxiliaryFolder() + "/" + kRecorderName));
@@ -94,6 +96,7 @@ RecorderRun::RecorderRun(const DriveIdentity& drive, const RecorderOrder& order,
 }
 
 std::string RecorderRun::start() {
+  const DriveClaimHandover handover = device_.handClaimOver(task_);
   if (task_.launch()) return {};
   return "The recorder could not be started: " + task_.launchError();
 }

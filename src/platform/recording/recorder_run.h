@@ -11,7 +11,7 @@
 
 namespace kelvane {
 
-struct DriveIdentity;
+class DRDevice;
 
 /// What the recorder is to do.
 struct RecorderOrder {
@@ -32,10 +32,11 @@ struct RecorderOrder {
 /// only.
 class RecorderRun {
  public:
+  /// The drive is that of `device`, which must have one; borrowed for as long as this object lives.
   /// `handler` gets each new status, from the event loop; the last one, exactly once, has the state
   /// DRStatusStateDone or DRStatusStateFailed, and the recorder has ended then. It must not destroy
   /// the object.
-  RecorderRun(const DriveIdentity& drive, const RecorderOrder& order,
+  RecorderRun(DRDevice& device, const RecorderOrder& order,
               std::function<void(const DRBurnStatus&)> handler);
 
   /// Starts the recorder. Gives a sentence where that fails, and the handler hears nothing; empty
@@ -49,6 +50,7 @@ class RecorderRun {
   void finish();
   std::string describeEnd();
 
+  DRDevice& device_;
   const RecorderOrder::Task kind_;
   ChildTask task_;
   std::function<void(const DRBurnStatus&)> handler_;
