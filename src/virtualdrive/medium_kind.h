@@ -10,7 +10,10 @@ namespace kelvane::virtualdrive {
 /// A sector's address; also a number of sectors.
 using Lba = std::int32_t;
 
+/// A sector of data.
 inline constexpr std::size_t kSectorBytes = 2048;
+/// A sector of audio: 588 samples of two channels (IEC 60908).
+inline constexpr std::size_t kAudioSectorBytes = 2352;
 
 enum class MediumKind { CdR, CdRw, DvdR, DvdRw, DvdPlusRw, DvdPlusR };
 

@@ -32,10 +32,11 @@ enum class EjectManner {
 
 /// An optical burner in software with one disc, which lives in a folder NAME.kvdisc.
 ///
-/// The folder holds `sectors` (2048 bytes a sector, by LBA, with holes where a disc has gaps),
-/// `disc.json` (the medium, its sessions and tracks), `drive.json` (the tray and what programs have
-/// set) and `lock`. The JSON files are replaced by rename, so a watcher of the folder sees each
-/// change as a move onto the name. See state/disc_json.h and state/drive_json.h for the formats.
+/// The folder holds `sectors` (2048 bytes a sector, by LBA, with holes where a disc has gaps or
+/// audio), `audio` (2352 bytes a sector, by LBA; on discs with audio only), `disc.json` (the
+/// medium, its sessions and tracks), `drive.json` (the tray and what programs have set) and `lock`.
+/// The JSON files are replaced by rename, so a watcher of the folder sees each change as a move
+/// onto the name. See state/disc_json.h and state/drive_json.h for the formats.
 ///
 /// An object holds the folder's path and nothing else. Every call takes the lock, loads the state,
 /// acts, stores the state and lets go, with signals blocked; so any number of processes and threads

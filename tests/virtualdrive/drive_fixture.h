@@ -11,6 +11,7 @@
 
 #include "temporary_folder.h"
 #include "virtualdrive/big_endian.h"
+#include "virtualdrive/msf.h"
 #include "virtualdrive/state/drive_state.h"
 #include "virtualdrive/virtual_drive.h"
 
@@ -47,6 +48,16 @@ struct TrackReply {
   Lba free = 0;
   Lba size = 0;
 };
+
+/// A line of a cue sheet (MMC-5, 6.33.4).
+inline std::string cueLine(unsigned control, unsigned track, unsigned index, unsigned form,
+                           Lba address) {
+  const auto time = toMsf(address);
+  AnswerBytes bytes;
+  bytes.u8(control).u8(track).u8(index).u8(form).u8(0);
+  bytes.u8(time.minute).u8(time.second).u8(time.frame);
+  return {bytes.view().begin(), bytes.view().end()};
+}
 
 /// A disc in a drive, and command blocks for it. The first unit attention has been taken.
 class DriveTest : public testing::Test {
@@ -90,6 +101,11 @@ class DriveTest : public testing::Test {
     return send({0x55, 0x10, 0, 0, 0, 0, 0, 0, static_cast<std::uint8_t>(list.size()), 0}, list);
   }
 
+  Sense sendCueSheet(const std::string& sheet) {
+    AnswerBytes block;
+    block.u8(0x5D).zeros(5).u8(0).u16(static_cast<unsigned>(sheet.size())).u8(0);
+    return send({block.view().begin(), block.view().end()}, sheet);
+  }
   Sense write(Lba first, std::string_view data) {
     AnswerBytes block;
     block.u8(0x2A).u8(0).u32(static_cast<std::uint32_t>(first)).u8(0);

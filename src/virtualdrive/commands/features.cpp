@@ -80,8 +80,8 @@ void addDvdWriting(FeatureList& list, Lba capacity) {
 }
 
 void addCdAndDvdMinusWriting(FeatureList& list) {
-  // Guarded against underruns, rewritable, data block types 8 and 10.
-  list.add(kCdTrackAtOnce, 2, {0x42, 0, 0x05, 0x00});
+  // Guarded against underruns, rewritable, data block types 0, 8 and 10.
+  list.add(kCdTrackAtOnce, 2, {0x42, 0, 0x05, 0x01});
   // Guarded, session at once, rewritable, cue sheets of 800 bytes at most.
   list.add(kCdMastering, 0, {0x62, 0, 0x03, 0x20});
   // Guarded, DVD-RW too.

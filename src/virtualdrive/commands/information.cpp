@@ -101,16 +101,17 @@ CommandResult readTrackInformation(Command& command) {
   if (track == nullptr) return refuse(type == 0 ? kAddressOutOfRange : kInvalidFieldInCommand);
 
   const bool blank = track->recorded == 0;
-  const auto dataMode = static_cast<unsigned>(track->form);
+  const bool audio = track->form == TrackForm::Audio;
+  // Of audio, and of what nobody has written yet, there is no data mode.
+  const auto dataMode = track->invisible || audio ? 0x0FU : static_cast<unsigned>(track->form);
   const bool inPackets = (track->stateBits & 0x30) != 0;
   AnswerBytes bytes;
   bytes.u16(34);
   bytes.u8(static_cast<unsigned>(track->number) & 0xFF);
   bytes.u8(static_cast<unsigned>(track->session) & 0xFF);
   bytes.u8(0);
-  bytes.u8(0x04);  // data track, written uninterrupted
-  bytes.u8((track->reserved ? 0x80U : 0U) | (blank ? 0x40U : 0U) | track->stateBits |
-           (track->invisible ? 0x0FU : dataMode));
+  bytes.u8(audio ? 0x00 : 0x04);  // audio of two channels; data, written without interruption
+  bytes.u8((track->reserved ? 0x80U : 0U) | (blank ? 0x40U : 0U) | track->stateBits | dataMode);
   bytes.u8((track->recorded > 0 ? 0x02U : 0U) | (track->nextWritable ? 0x01U : 0U));
   bytes.u32(static_cast<std::uint32_t>(track->start));
   bytes.u32(static_cast<std::uint32_t>(track->nextWritable.value_or(0)));

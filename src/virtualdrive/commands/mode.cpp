@@ -46,7 +46,8 @@ void putCapabilities(AnswerBytes& bytes, PageControl control, const Command& com
   const auto writeSpeed = static_cast<unsigned>(drive.writeSpeed);
   // Reads CD-R, CD-RW, method 2, DVD-ROM and DVD-R; writes CD-R, CD-RW and DVD-R.
   bytes.u8(0x1F).u8(0x13);
-  bytes.u8(0xF0).u8(0x00);  // guarded against underruns, multi-session, mode 2 forms 1 and 2
+  // Guarded against underruns, multi-session, mode 2 forms 1 and 2; reads audio, exactly.
+  bytes.u8(0xF0).u8(0x03);
   bytes.u8(0x29 | (drive.removalPrevented ? 0x02U : 0U)).u8(0x00);  // tray, ejects, can be locked
   bytes.u16(static_cast<unsigned>(speeds.read)).u16(0).u16(kBufferBytes / 1024).u16(readSpeed);
   bytes.u16(0).u16(static_cast<unsigned>(speeds.write.front())).u16(writeSpeed).u16(1);

@@ -11,10 +11,16 @@
 namespace kelvane::virtualdrive {
 namespace {
 
-/// ADR 1, a data track that may not be copied.
+/// ADR 1, and what kind of track it is (MMC-5, 4.2.3.2): data written without interruption, or
+/// audio of two channels. Neither may be copied.
 constexpr unsigned kDataTrack = 0x14;
+constexpr unsigned kAudioTrack = 0x10;
 constexpr unsigned kLeadOutTrack = 0xAA;
 constexpr Msf kLeadInOfDisc{97, 50, 0};
+
+constexpr unsigned controlOf(TrackForm form) {
+  return form == TrackForm::Audio ? kAudioTrack : kDataTrack;
+}
 
 void putAddress(AnswerBytes& bytes, Lba lba, bool asTime) {
   if (!asTime) {
@@ -30,6 +36,7 @@ struct TocTrack {
   int number;
   int session;
   Lba start;
+  unsigned control;
 };
 
 /// What there is to tell: the tracks of closed sessions.
@@ -46,14 +53,14 @@ Toc tocOf(const Command& command) {
   toc.leadOut = sessions.back().leadOut;
   for (const auto& track : command.rules.tracks(disc)) {
     if (track.number <= sessions.back().lastTrack) {
-      toc.tracks.push_back({track.number, track.session, track.start});
+      toc.tracks.push_back({track.number, track.session, track.start, controlOf(track.form)});
     }
   }
   const bool border = disc.medium == MediumKind::DvdR || disc.medium == MediumKind::DvdRw;
   // A DVD-R can have more sessions than a TOC can number. So drives tell of two: everything that
   // is older, and the last one.
   if (border && sessions.size() > 1) {
-    toc.tracks = {{1, 1, 0}, {2, 2, sessions.back().start}};
+    toc.tracks = {{1, 1, 0, kDataTrack}, {2, 2, sessions.back().start, kDataTrack}};
   }
   return toc;
 }
@@ -67,10 +74,11 @@ std::optional<AnswerBytes> formattedToc(const Toc& toc, unsigned startTrack, boo
   for (const auto& track : toc.tracks) {
     const auto number = static_cast<unsigned>(track.number);
     if (number < startTrack) continue;
-    bytes.u8(0).u8(kDataTrack).u8(number).u8(0);
+    bytes.u8(0).u8(track.control).u8(number).u8(0);
     putAddress(bytes, track.start, asTime);
   }
-  bytes.u8(0).u8(kDataTrack).u8(kLeadOutTrack).u8(0);
+  // The lead-out is of the kind of the track before it.
+  bytes.u8(0).u8(toc.tracks.back().control).u8(kLeadOutTrack).u8(0);
   putAddress(bytes, toc.leadOut, asTime);
   bytes.patch16(0, bytes.size() - 2);
   return bytes;
@@ -83,7 +91,7 @@ std::optional<AnswerBytes> multiSessionInformation(const Toc& toc, bool asTime) 
   const auto first = std::ranges::find(toc.tracks, last, &TocTrack::session);
   AnswerBytes bytes;
   bytes.u16(10).u8(1).u8(static_cast<unsigned>(last));
-  bytes.u8(0).u8(kDataTrack).u8(static_cast<unsigned>(first->number)).u8(0);
+  bytes.u8(0).u8(first->control).u8(static_cast<unsigned>(first->number)).u8(0);
   putAddress(bytes, first->start, asTime);
   return bytes;
 }
@@ -96,11 +104,14 @@ class FullToc {
   void addSession(const DiscState& disc, const Session& session) {
     const auto number = static_cast<unsigned>(session.number);
     const auto leadOut = toMsf(session.leadOut);
-    add(number, kDataTrack, 0xA0, {}, 0, {static_cast<std::uint8_t>(session.firstTrack), 0, 0});
-    add(number, kDataTrack, 0xA1, {}, 0, {static_cast<std::uint8_t>(session.lastTrack), 0, 0});
-    add(number, kDataTrack, 0xA2, {}, 0, leadOut);
+    const auto first = controlOf(disc.track(session.firstTrack).form);
+    const auto last = controlOf(disc.track(session.lastTrack).form);
+    add(number, first, 0xA0, {}, 0, {static_cast<std::uint8_t>(session.firstTrack), 0, 0});
+    add(number, last, 0xA1, {}, 0, {static_cast<std::uint8_t>(session.lastTrack), 0, 0});
+    add(number, last, 0xA2, {}, 0, leadOut);
     for (int i = session.firstTrack; i <= session.lastTrack; ++i) {
-      add(number, kDataTrack, static_cast<unsigned>(i), {}, 0, toMsf(disc.track(i).start));
+      const auto& track = disc.track(i);
+      add(number, controlOf(track.form), static_cast<unsigned>(i), {}, 0, toMsf(track.start));
     }
     addPointers(disc, session);
     bytes_.patch8(3, number);

@@ -8,7 +8,8 @@ namespace {
 
 CommandResult writeSectors(Command& command, std::uint32_t address, std::uint32_t count) {
   if (count == 0) return {};
-  const auto bytes = std::uint64_t{count} * kSectorBytes;
+  const auto blockBytes = command.rules.blockBytes(command.folder, static_cast<Lba>(address));
+  const auto bytes = std::uint64_t{count} * blockBytes;
   if (command.dataOut.size() < bytes) return refuse(kInvalidFieldInCommand);
   const auto data = command.dataOut.first(static_cast<std::size_t>(bytes));
   // The gap before LBA 0 has negative addresses (MMC-5, 4.3.7), which wrap around in the block.

@@ -116,7 +116,7 @@ bool FaultInjector::isBecomingReady(const Command& command) const {
 void FaultInjector::showAsLoaded(const Command& command) {
   if (!progress_.isStale || !isOneOf(command, kDescriptions)) return;
   std::string ignored;
-  const auto before = discFromJson(progress_.asLoaded, progress_.asLoadedBytes, &ignored);
+  const auto before = discFromJson(progress_.asLoaded, progress_.asLoadedFiles, &ignored);
   if (before) folder_.disc = before->disc;
 }
 
@@ -144,7 +144,7 @@ std::optional<CommandResult> FaultInjector::before(Command& command) {
   if (answer) return answer;
   if (progress_.asLoaded.empty() && isOneOf(command, kChanges)) {
     progress_.asLoaded = discToJson(folder_.disc);
-    progress_.asLoadedBytes = folder_.sectors().length().value_or(0);
+    progress_.asLoadedFiles = folder_.fileLengths().value_or(FileLengths());
   }
   showAsLoaded(command);
   return std::nullopt;

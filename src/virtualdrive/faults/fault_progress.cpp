@@ -21,6 +21,12 @@ std::string contentOf(const std::filesystem::path& path) {
   return {std::istreambuf_iterator<char>(stream), {}};
 }
 
+/// A length of that name; 0 where none is told.
+std::uint64_t lengthIn(const json& object, const char* name) {
+  const json length = object.value(name, json());
+  return length.is_number_unsigned() ? length.get<std::uint64_t>() : 0;
+}
+
 }  // namespace
 
 FaultProgress FaultProgress::load(const std::filesystem::path& file, const std::string& script,
@@ -37,8 +43,8 @@ FaultProgress FaultProgress::load(const std::filesystem::path& file, const std::
     progress.loadedAt = std::chrono::milliseconds(loadedAt.get<std::int64_t>());
   }
   progress.asLoaded = reader.text("as_loaded");
-  const json bytes = stored.value("as_loaded_bytes", json());
-  if (bytes.is_number_unsigned()) progress.asLoadedBytes = bytes.get<std::uint64_t>();
+  progress.asLoadedFiles = {lengthIn(stored, "as_loaded_bytes"),
+                            lengthIn(stored, "as_loaded_audio_bytes")};
   progress.isStale = reader.boolean("stale");
   const json counts = stored.value("counts", json());
   for (const json& count : counts) {
@@ -52,7 +58,8 @@ bool FaultProgress::store(const std::filesystem::path& file, const std::string& 
                     {"counts", counts},
                     {"loaded_at", loadedAt.count()},
                     {"as_loaded", asLoaded},
-                    {"as_loaded_bytes", asLoadedBytes},
+                    {"as_loaded_bytes", asLoadedFiles.sectors},
+                    {"as_loaded_audio_bytes", asLoadedFiles.audio},
                     {"stale", isStale}};
   const std::string text = object.dump();
   const FileDescriptor stored(open(file.c_str(), O_WRONLY | O_CREAT | O_CLOEXEC, 0666));

@@ -7,6 +7,8 @@
 #include <string>
 #include <vector>
 
+#include "virtualdrive/state/disc_state.h"
+
 namespace kelvane::virtualdrive {
 
 /// How far a fault script has got: the file `faults.state` beside it, which all processes that use
@@ -19,8 +21,8 @@ struct FaultProgress {
   std::chrono::milliseconds loadedAt{0};
   /// The disc's description at that time, for as long as something is being written since.
   std::string asLoaded;
-  /// The length of its sectors then.
-  std::uint64_t asLoadedBytes = 0;
+  /// The lengths of its files of sectors then.
+  FileLengths asLoadedFiles;
   /// Whether `asLoaded` is what the drive tells.
   bool isStale = false;
 

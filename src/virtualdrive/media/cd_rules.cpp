@@ -20,7 +20,7 @@ std::vector<TrackView> viewsOfCueSheet(const DiscState& disc) {
     view.number = static_cast<int>(views.size()) + 1;
     view.start = track.start;
     view.size = track.sectors;
-    view.recorded = std::clamp(disc.fileSectors - track.start, 0, track.sectors);
+    view.recorded = std::clamp(disc.reach() - track.start, 0, track.sectors);
     view.free = track.sectors - view.recorded;
     view.complete = view.free == 0;
     view.form = track.form;
@@ -52,9 +52,19 @@ bool CdRules::accepts(const WriteParameters& parameters) const {
   if (simulated) return false;
   // Of a session at once the cue sheet tells what the tracks are made of.
   if (parameters.type() == WriteParameters::Type::SessionAtOnce) return true;
-  const bool dataTrack = (parameters.page[3] & 0x0D) == 0x04;
-  return parameters.type() == WriteParameters::Type::TrackAtOnce && dataTrack &&
-         trackFormOf(parameters).has_value();
+  const auto form = trackFormOf(parameters);
+  // Data written without interruption, or two channels with no pre-emphasis.
+  const bool knownMode = (parameters.page[3] & 0x0D) == (parameters.dataTrack() ? 0x04 : 0x00);
+  return parameters.type() == WriteParameters::Type::TrackAtOnce && knownMode && form &&
+         (*form == TrackForm::Audio) != parameters.dataTrack();
+}
+
+std::size_t CdRules::blockBytes(const DiscFolder& folder, Lba first) const {
+  const auto& parameters = folder.drive.writeParameters;
+  if (parameters.type() == WriteParameters::Type::SessionAtOnce) {
+    return blockBytesOfCueSheet(folder.disc, first);
+  }
+  return sectorBytesOf(trackFormOf(parameters).value_or(TrackForm::Mode1));
 }
 
 Sense CdRules::write(DiscFolder& folder, Lba first, std::span<const std::uint8_t> data) const {

@@ -6,7 +6,8 @@
 namespace kelvane::virtualdrive {
 
 /// CD-R and CD-RW: tracks written one after the other, at once or a session at once; data tracks of
-/// 2048 bytes a sector only. A CD-RW follows the same rules until it is blanked.
+/// 2048 bytes a sector, and audio tracks of 2352. A CD-RW follows the same rules until it is
+/// blanked.
 class CdRules final : public MediumRules {
  public:
   enum class Kind { WriteOnce, Rewritable };
@@ -18,6 +19,7 @@ class CdRules final : public MediumRules {
   std::vector<TrackView> tracks(const DiscState& disc) const override;
   bool accepts(const WriteParameters& parameters) const override;
 
+  std::size_t blockBytes(const DiscFolder& folder, Lba first) const override;
   Sense write(DiscFolder& folder, Lba first, std::span<const std::uint8_t> data) const override;
   Sense endWriting(DiscFolder& folder) const override;
   Sense reserveTrack(DiscFolder& folder, Lba sectors) const override;

@@ -29,7 +29,11 @@ CueLine lineAt(std::span<const std::uint8_t> sheet, std::size_t at) {
 
 std::optional<TrackForm> formOf(const CueLine& line) {
   const bool dataTrack = (line.control & 0x4F) == 0x41;
+  const bool audioTrack = (line.control & 0xDF) == 0x01;
   switch (line.form & 0x3F) {
+    case 0x00:
+    case 0x01:  // the gap's sectors are silence, in the place of what is sent
+      return audioTrack ? std::optional(TrackForm::Audio) : std::nullopt;
     case 0x10:
     case 0x14:  // the gap's sectors are made by the drive, in the place of what is sent
       return dataTrack ? std::optional(TrackForm::Mode1) : std::nullopt;
@@ -86,7 +90,19 @@ bool fits(const CueSheet& sheet, const DiscState& disc) {
   return free == sheet.leadOut && sheet.leadOut <= disc.capacity;
 }
 
+/// The form of what has to come at that address: that of the first track which ends behind it.
+TrackForm formAt(const CueSheet& sheet, Lba at) {
+  for (const auto& track : sheet.tracks) {
+    if (at < track.start + track.sectors) return track.form;
+  }
+  return sheet.tracks.back().form;
+}
+
 }  // namespace
+
+std::size_t blockBytesOfCueSheet(const DiscState& disc, Lba at) {
+  return disc.cueSheet ? sectorBytesOf(formAt(*disc.cueSheet, at)) : kSectorBytes;
+}
 
 Sense storeCueSheet(DiscFolder& folder, std::span<const std::uint8_t> sheet) {
   if (sheet.empty() || sheet.size() % kLineBytes != 0) return kParameterListLength;
@@ -98,30 +114,34 @@ Sense storeCueSheet(DiscFolder& folder, std::span<const std::uint8_t> sheet) {
 
 Lba nextAddressOfCueSheet(const DiscState& disc) {
   const auto gapLeft = kCdGap - disc.cueSheet->gapWritten;
-  return gapLeft > 0 ? -gapLeft : disc.fileSectors;
+  return gapLeft > 0 ? -gapLeft : disc.reach();
 }
 
 Sense writeCueSheetData(DiscFolder& folder, Lba first, std::span<const std::uint8_t> data) {
   auto& disc = folder.disc;
   if (!disc.cueSheet) return kCommandSequence;
   if (first != nextAddressOfCueSheet(disc)) return kInvalidAddressForWrite;
-  const auto count = static_cast<Lba>(data.size() / kSectorBytes);
+  const auto form = formAt(*disc.cueSheet, first);
+  const auto count = static_cast<Lba>(data.size() / sectorBytesOf(form));
   if (count > disc.cueSheet->leadOut - first) return kEndOfUserArea;
+  // A command has sectors of one form.
+  if (formAt(*disc.cueSheet, first + count - 1) != form) return kIllegalModeForTrack;
   const auto inGap = std::clamp(-first, 0, count);
   if (inGap > 0) {
     disc.cueSheet->gapWritten += inGap;
     if (!folder.storeDisc()) return kWriteError;
   }
   if (inGap == count) return kGood;
-  const auto rest = data.subspan(static_cast<std::size_t>(inGap) * kSectorBytes);
-  if (!folder.sectors().write(first + inGap, rest)) return kWriteError;
-  disc.fileSectors = first + count;
-  return disc.fileSectors == disc.cueSheet->leadOut ? endCueSheet(folder) : kGood;
+  const auto rest = data.subspan(static_cast<std::size_t>(inGap) * sectorBytesOf(form));
+  auto* file = folder.fileOf(form);
+  if (file == nullptr || !file->write(first + inGap, rest)) return kWriteError;
+  disc.reachOf(form) = first + count;
+  return disc.reach() == disc.cueSheet->leadOut ? endCueSheet(folder) : kGood;
 }
 
 Sense endCueSheet(DiscFolder& folder) {
   auto& disc = folder.disc;
-  if (disc.fileSectors != disc.cueSheet->leadOut) return kIncompleteTrackInSession;
+  if (disc.reach() != disc.cueSheet->leadOut) return kIncompleteTrackInSession;
   for (const auto& announced : disc.cueSheet->tracks) {
     Track track;
     track.number = static_cast<int>(disc.tracks.size()) + 1;

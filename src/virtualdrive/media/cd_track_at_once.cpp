@@ -9,6 +9,8 @@
 namespace kelvane::virtualdrive {
 std::optional<TrackForm> trackFormOf(const WriteParameters& parameters) {
   switch (parameters.dataBlockType()) {
+    case 0:  // 2352 bytes, which in a data track would be raw sectors
+      return parameters.dataTrack() ? std::nullopt : std::optional(TrackForm::Audio);
     case 8:
       return TrackForm::Mode1;
     case 10:

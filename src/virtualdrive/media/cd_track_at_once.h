@@ -9,8 +9,8 @@
 
 namespace kelvane::virtualdrive {
 
-/// The form of the sectors that the write parameters page announces; empty where it is none of 2048
-/// bytes.
+/// The form of the sectors that the write parameters page announces; empty where this drive cannot
+/// write it: raw sectors of data, and such with subchannels.
 std::optional<TrackForm> trackFormOf(const WriteParameters& parameters);
 
 /// Writes to the growing track, to the invisible one, which becomes a track by it, or to a reserved

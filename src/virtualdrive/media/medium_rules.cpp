@@ -82,6 +82,10 @@ Sense MediumRules::checkReadable(const DiscState& disc, Lba first, Lba count) co
   return at == first + count ? kGood : kUnrecoveredRead;
 }
 
+std::size_t MediumRules::blockBytes(const DiscFolder&, Lba) const {
+  return kSectorBytes;
+}
+
 Sense MediumRules::endWriting(DiscFolder&) const {
   return kGood;
 }

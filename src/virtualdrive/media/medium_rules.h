@@ -111,6 +111,8 @@ class MediumRules {
   /// Whether a data block type and write type can be set (write parameters page).
   virtual bool accepts(const WriteParameters& parameters) const = 0;
 
+  /// The bytes of a block that a WRITE to that address has to send.
+  virtual std::size_t blockBytes(const DiscFolder& folder, Lba first) const;
   virtual Sense write(DiscFolder& folder, Lba first, std::span<const std::uint8_t> data) const = 0;
   /// The program has no more data for now (SYNCHRONIZE CACHE).
   virtual Sense endWriting(DiscFolder& folder) const;

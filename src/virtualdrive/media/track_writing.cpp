@@ -67,15 +67,16 @@ Sense appendTo(const TrackInTurn& place, DiscFolder& folder, std::span<const std
   auto& disc = folder.disc;
   auto& track = *place.track;
   const auto first = track.start + track.recorded;
-  const auto count = static_cast<Lba>(data.size() / kSectorBytes);
+  const auto count = static_cast<Lba>(data.size() / sectorBytesOf(track.form));
   const auto limit = track.reserved > 0 ? track.end() : disc.capacity;
   if (count > limit - first) return kEndOfUserArea;
   // The description of a new track precedes its data; the data of a reserved track precedes the new
   // count.
   if (place.begun && !folder.storeDisc()) return kWriteError;
-  if (!folder.sectors().write(first, data)) return kWriteError;
+  auto* file = folder.fileOf(track.form);
+  if (file == nullptr || !file->write(first, data)) return kWriteError;
   track.recorded += count;
-  disc.fileSectors = std::max(disc.fileSectors, first + count);
+  disc.reachOf(track.form) = std::max(disc.reachOf(track.form), first + count);
   if (track.reserved > 0 && !folder.storeDisc()) return kWriteError;
   return kGood;
 }
@@ -83,9 +84,10 @@ Sense appendTo(const TrackInTurn& place, DiscFolder& folder, std::span<const std
 Sense completeWith(Lba sectors, DiscFolder& folder, Track& track) {
   auto& disc = folder.disc;
   const auto end = track.start + sectors;
-  if (end > disc.fileSectors) {
-    if (!folder.sectors().resize(end)) return kWriteError;
-    disc.fileSectors = end;
+  if (end > disc.reachOf(track.form)) {
+    const auto* file = folder.fileOf(track.form);
+    if (file == nullptr || !file->resize(end)) return kWriteError;
+    disc.reachOf(track.form) = end;
   }
   track.recorded = sectors;
   track.complete = true;

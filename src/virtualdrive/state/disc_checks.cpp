@@ -22,7 +22,7 @@ std::string contradictionInTracks(const DiscState& disc) {
     if (track.end() > disc.capacity) return name + " reaches beyond the disc";
     if (track.reserved > 0 && track.recorded > track.reserved) return name + " is overfull";
     if (track.complete && track.recorded == 0) return name + " is complete but empty";
-    if (!track.growsWithFile() && track.start + track.recorded > disc.fileSectors &&
+    if (!track.growsWithFile() && track.start + track.recorded > disc.reachOf(track.form) &&
         track.recorded > 0) {
       return name + " is longer than the file of sectors";
     }
@@ -86,6 +86,8 @@ std::string contradictionInMedium(const DiscState& disc) {
     return "a dvd+rw has no tracks";
   }
   if (disc.cueSheet && !isCd(disc.medium)) return "there is a cue sheet on a DVD";
+  const bool audio = std::ranges::count(disc.tracks, TrackForm::Audio, &Track::form) > 0;
+  if (audio && !isCd(disc.medium)) return "there is audio on a DVD";
   return {};
 }
 
@@ -100,18 +102,29 @@ std::string contradictionInCueSheet(const DiscState& disc) {
   }
   if (sheet.tracks.empty() || sheet.leadOut != free) return "the cue sheet has no proper end";
   if (sheet.leadOut > disc.capacity + 2) return "the cue sheet reaches beyond the disc";
-  if (disc.fileSectors > sheet.leadOut) return "the file of sectors is longer than the cue sheet";
+  if (disc.reach() > sheet.leadOut) return "the file of sectors is longer than the cue sheet";
   return {};
+}
+
+/// How far the tracks go whose sectors stand in the same file as those of that form.
+Lba describedReach(const DiscState& disc, TrackForm form) {
+  Lba reach = 0;
+  for (const auto& track : disc.tracks) {
+    const bool sameFile = (track.form == TrackForm::Audio) == (form == TrackForm::Audio);
+    if (sameFile) reach = std::max(reach, track.end());
+  }
+  return reach;
 }
 
 }  // namespace
 
-std::string takeFileLength(DiscState* disc, std::uint64_t fileBytes) {
-  const auto sectors = fileBytes / kSectorBytes;
-  if (sectors > static_cast<std::uint64_t>(disc->capacity) + 2) {
-    return "the file of sectors is longer than the disc";
-  }
+std::string takeFileLengths(DiscState* disc, const FileLengths& files) {
+  const auto most = static_cast<std::uint64_t>(disc->capacity) + 2;
+  const auto sectors = files.sectors / kSectorBytes;
+  const auto audio = files.audio / kAudioSectorBytes;
+  if (sectors > most || audio > most) return "the file of sectors is longer than the disc";
   disc->fileSectors = static_cast<Lba>(sectors);
+  disc->audioSectors = static_cast<Lba>(audio);
   if (disc->formatting) {
     auto& formatting = *disc->formatting;
     const auto reached = std::min(inWholeDvdBlocks(disc->fileSectors), disc->capacity);
@@ -120,13 +133,15 @@ std::string takeFileLength(DiscState* disc, std::uint64_t fileBytes) {
                ? std::string()
                : "the file of sectors is longer than the formatted area";
   }
-  Lba described = 0;
-  for (const auto& track : disc->tracks) described = std::max(described, track.end());
   if (!disc->tracks.empty() && disc->tracks.back().growsWithFile()) {
     auto& track = disc->tracks.back();
-    track.recorded = std::max(0, disc->fileSectors - track.start);
-  } else if (!disc->cueSheet && disc->fileSectors > described) {
-    return "the file of sectors is longer than the tracks";
+    track.recorded = std::max(0, disc->reachOf(track.form) - track.start);
+  }
+  if (disc->cueSheet) return {};
+  for (const auto form : {TrackForm::Mode1, TrackForm::Audio}) {
+    if (disc->reachOf(form) > describedReach(*disc, form)) {
+      return "the file of sectors is longer than the tracks";
+    }
   }
   return {};
 }

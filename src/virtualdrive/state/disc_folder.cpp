@@ -15,6 +15,7 @@
 namespace kelvane::virtualdrive {
 namespace {
 
+constexpr const char* kAudioFile = "audio";
 constexpr std::size_t kLongestDescription = 1 << 20;
 
 std::string quoted(const std::filesystem::path& path) {
@@ -135,9 +136,38 @@ std::optional<DiscFolder> DiscFolder::lock(const std::filesystem::path& folder,
   return locked;
 }
 
+bool DiscFolder::openFiles() {
+  sectors_ = SectorFile::open(folder_ / "sectors", kSectorBytes);
+  if (access((folder_ / kAudioFile).c_str(), F_OK) == 0) {
+    audio_ = SectorFile::open(folder_ / kAudioFile, kAudioSectorBytes);
+    if (!audio_) return false;
+  }
+  return sectors_.has_value();
+}
+
+SectorFile* DiscFolder::fileOf(TrackForm form) {
+  if (form != TrackForm::Audio) return &*sectors_;
+  if (!audio_) {
+    const auto path = folder_ / kAudioFile;
+    const FileDescriptor made(open(path.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0666));
+    if (made) audio_ = SectorFile::open(path, kAudioSectorBytes);
+  }
+  return audio_ ? &*audio_ : nullptr;
+}
+
+std::optional<FileLengths> DiscFolder::fileLengths() const {
+  const auto sectors = sectors_->length();
+  const auto audio = audio_ ? audio_->length() : std::optional<std::uint64_t>(0);
+  if (!sectors || !audio) return std::nullopt;
+  return FileLengths{*sectors, *audio};
+}
+
+bool DiscFolder::cutFiles() {
+  return sectors_->resize(disc.fileSectors) && (!audio_ || audio_->resize(disc.audioSectors));
+}
+
 bool DiscFolder::load(std::string* error) {
-  sectors_ = SectorFile::open(folder_ / "sectors");
-  if (!sectors_) {
+  if (!openFiles()) {
     return fail(error,
                 "The disc " + quoted(folder_) + " is damaged: its sectors cannot be opened.");
   }
@@ -154,18 +184,15 @@ bool DiscFolder::load(std::string* error) {
 
 bool DiscFolder::loadDisc(std::string* error) {
   const auto text = readShortFile(folder_ / "disc.json");
-  const auto length = sectors_->length();
+  const auto lengths = fileLengths();
   std::string why = "it cannot be read";
-  const auto parsed = text && length ? discFromJson(*text, *length, &why) : std::nullopt;
+  const auto parsed = text && lengths ? discFromJson(*text, *lengths, &why) : std::nullopt;
   if (!parsed) {
     return fail(error, "The disc " + quoted(folder_) + " cannot be used: disc.json: " + why + ".");
   }
   disc = parsed->disc;
-  if (parsed->cutSectorsTo) {
-    if (!sectors_->resize(*parsed->cutSectorsTo) || !storeDisc()) {
-      return fail(error, "The disc " + quoted(folder_) + " cannot be written to.");
-    }
-    disc.fileSectors = *parsed->cutSectorsTo;
+  if (parsed->cutFiles && (!cutFiles() || !storeDisc())) {
+    return fail(error, "The disc " + quoted(folder_) + " cannot be written to.");
   }
   return true;
 }
@@ -202,11 +229,9 @@ bool DiscFolder::storeDrive() {
 }
 
 bool DiscFolder::removeEverything(const DiscState& blank) {
-  if (!replaceFile(folder_ / "disc.json", blankingToJson(blank)) || !sectors_->resize(0)) {
-    return false;
-  }
+  if (!replaceFile(folder_ / "disc.json", blankingToJson(blank))) return false;
   disc = blank;
-  return storeDisc();
+  return cutFiles() && storeDisc();
 }
 
 }  // namespace kelvane::virtualdrive

@@ -52,7 +52,13 @@ class DiscFolder {
 
   DiscState disc;
   DriveState drive;
+  /// The data sectors.
   SectorFile& sectors() { return *sectors_; }
+  /// The file of the sectors of that form. The one of audio is made where there is none; null where
+  /// that cannot be done.
+  SectorFile* fileOf(TrackForm form);
+  /// As they are now; empty where that cannot be told.
+  std::optional<FileLengths> fileLengths() const;
   const std::filesystem::path& path() const { return folder_; }
 
  private:
@@ -60,11 +66,16 @@ class DiscFolder {
       : folder_(std::move(folder)), lock_(std::move(lock)) {}
 
   bool load(std::string* error);
+  bool openFiles();
+  /// Cuts the files of sectors to what `disc` says.
+  bool cutFiles();
   bool loadDisc(std::string* error);
 
   std::filesystem::path folder_;
   FileDescriptor lock_;
   std::optional<SectorFile> sectors_;
+  /// Empty where the disc has never had audio.
+  std::optional<SectorFile> audio_;
 };
 
 }  // namespace kelvane::virtualdrive

@@ -63,7 +63,7 @@ json toJson(const DiscState& disc) {
 }
 
 TrackForm readForm(JsonReader& reader) {
-  return static_cast<TrackForm>(reader.integer("form", 1, 2));
+  return static_cast<TrackForm>(reader.integer("form", 0, 2));
 }
 
 Track readTrack(const json& object, int number, std::string* error) {
@@ -148,11 +148,13 @@ void dropTrackWithoutData(ParsedDisc* parsed) {
   const auto& last = disc.tracks.back();
   if (!last.growsWithFile() || last.recorded > 0) return;
   disc.tracks.pop_back();
-  parsed->cutSectorsTo = 0;
+  parsed->cutFiles = true;
+  disc.fileSectors = 0;
+  disc.audioSectors = 0;
   for (const auto& track : disc.tracks) {
-    parsed->cutSectorsTo = std::max(*parsed->cutSectorsTo, track.start + track.recorded);
+    auto& reach = disc.reachOf(track.form);
+    reach = std::max(reach, track.start + track.recorded);
   }
-  disc.fileSectors = *parsed->cutSectorsTo;
 }
 
 }  // namespace
@@ -167,7 +169,7 @@ std::string blankingToJson(const DiscState& disc) {
   return object.dump(2) + "\n";
 }
 
-std::optional<ParsedDisc> discFromJson(std::string_view text, std::uint64_t fileBytes,
+std::optional<ParsedDisc> discFromJson(std::string_view text, const FileLengths& files,
                                        std::string* error) {
   error->clear();
   const auto object = json::parse(text, nullptr, false);
@@ -183,7 +185,7 @@ std::optional<ParsedDisc> discFromJson(std::string_view text, std::uint64_t file
   readHead(reader, &disc, error);
   if (reader.boolean("blanking") && error->empty()) {
     disc.finalized = false;
-    parsed.cutSectorsTo = 0;
+    parsed.cutFiles = true;
     return parsed;
   }
   for (const auto& entry : reader.list("tracks", kMostTracks)) {
@@ -193,7 +195,7 @@ std::optional<ParsedDisc> discFromJson(std::string_view text, std::uint64_t file
     disc.sessions.push_back(readSession(entry, static_cast<int>(disc.sessions.size()) + 1, error));
   }
   if (reader.has("cue_sheet")) disc.cueSheet = readCueSheet(reader.at("cue_sheet"), error);
-  if (error->empty()) *error = takeFileLength(&disc, fileBytes);
+  if (error->empty()) *error = takeFileLengths(&disc, files);
   if (error->empty()) *error = contradictionIn(disc);
   if (!error->empty()) return std::nullopt;
   dropTrackWithoutData(&parsed);

@@ -24,12 +24,12 @@ namespace kelvane::virtualdrive {
 ///       session         the session it belongs to, counted from 1
 ///       start           LBA of the first sector
 ///       sectors         sectors recorded. Absent where the track may still grow: then it reaches
-///                       to the end of the file `sectors`, rounded down to whole sectors. So a
+///                       to the end of its file, rounded down to whole sectors. So a
 ///                       WRITE touches that file alone, is as fast as the file system, and counts
 ///                       exactly as far as it got when its process is killed
 ///       reserved        sectors set aside for it; 0 where nothing was reserved
 ///       complete        true: no more data fits in
-///       form            1: mode 1; 2: mode 2 form 1 (CD-ROM XA)
+///       form            0: audio; 1: mode 1; 2: mode 2 form 1 (CD-ROM XA)
 ///       at_once         true on a DVD that is written disc at once; absent elsewhere
 ///     sessions          list of the closed sessions, in order; the position is the number, counted
 ///                       from 1
@@ -45,6 +45,10 @@ namespace kelvane::virtualdrive {
 ///       growing         true: the area is at least as long as the file `sectors` too
 ///     minimally_blanked true on a DVD-RW whose last blanking was the minimal one; absent elsewhere
 ///
+/// Sectors of data stand in the file `sectors`, 2048 bytes each, those of audio in the file
+/// `audio`, 2352 bytes each, both at the place that their LBA gives. `audio` is there once there is
+/// audio.
+///
 /// The lengths of the gaps between tracks and sessions are not written down: they follow from the
 /// medium.
 std::string discToJson(const DiscState& disc);
@@ -52,15 +56,15 @@ std::string discToJson(const DiscState& disc);
 /// What is to be done about a description.
 struct ParsedDisc {
   DiscState disc;
-  /// Something was interrupted: the file of sectors has to be cut to this many and the description
-  /// be stored again.
-  std::optional<Lba> cutSectorsTo;
+  /// Something was interrupted: the files of sectors have to be cut to what `disc` says and the
+  /// description be stored again.
+  bool cutFiles = false;
 };
 
-/// Parses a description and checks it against itself and against the length of the file `sectors`
-/// (bytes). Empty with words in `error` where it is damaged, contradicts itself or the file, or is
+/// Parses a description and checks it against itself and against the lengths of the files of
+/// sectors. Empty with words in `error` where it is damaged, contradicts itself or the file, or is
 /// of a newer version.
-std::optional<ParsedDisc> discFromJson(std::string_view text, std::uint64_t fileBytes,
+std::optional<ParsedDisc> discFromJson(std::string_view text, const FileLengths& files,
                                        std::string* error);
 
 /// The description that a blanking stores before it removes the sectors.

@@ -11,9 +11,22 @@ namespace kelvane::virtualdrive {
 
 /// How the sectors of a track are recorded on a CD.
 enum class TrackForm : std::uint8_t {
+  Audio = 0,
   Mode1 = 1,
   /// Mode 2 form 1, the sectors of CD-ROM XA.
   Mode2Form1 = 2,
+};
+
+/// What programs send and receive of a sector of that form.
+constexpr std::size_t sectorBytesOf(TrackForm form) {
+  return form == TrackForm::Audio ? kAudioSectorBytes : kSectorBytes;
+}
+
+/// The lengths of a disc's two files of sectors, in bytes.
+struct FileLengths {
+  std::uint64_t sectors = 0;
+  std::uint64_t audio = 0;
+  bool operator==(const FileLengths&) const = default;
 };
 
 struct Track {
@@ -88,14 +101,21 @@ struct DiscState {
   std::optional<Formatting> formatting;
   /// A DVD-RW whose last blanking was the minimal one: it can only be written at once.
   bool minimallyBlanked = false;
-  /// Sectors the file reaches to; whole ones only. Not part of the description, it comes from the
-  /// file.
+  /// Sectors that the file of data and the one of audio reach to; whole ones only. Not part of the
+  /// description, they come from the files.
   Lba fileSectors = 0;
+  Lba audioSectors = 0;
 
   bool blank() const {
     return tracks.empty() && sessions.empty() && !finalized && !formatting && !cueSheetBegun();
   }
-  bool cueSheetBegun() const { return cueSheet && (cueSheet->gapWritten > 0 || fileSectors > 0); }
+  Lba& reachOf(TrackForm form) { return form == TrackForm::Audio ? audioSectors : fileSectors; }
+  Lba reachOf(TrackForm form) const {
+    return form == TrackForm::Audio ? audioSectors : fileSectors;
+  }
+  /// Where either file ends.
+  Lba reach() const { return audioSectors > fileSectors ? audioSectors : fileSectors; }
+  bool cueSheetBegun() const { return cueSheet && (cueSheet->gapWritten > 0 || reach() > 0); }
   /// The same medium without anything on it.
   DiscState asBlank() const {
     DiscState blankDisc;

@@ -22,6 +22,8 @@ struct WriteParameters {
   Type type() const { return static_cast<Type>(page[2] & 0x0F); }
   /// Whether closing the session leaves the disc open to a further one.
   bool multiSession() const { return (page[3] & 0xC0) == 0xC0; }
+  /// By the control nibble; audio otherwise.
+  bool dataTrack() const { return (page[3] & 0x04) != 0; }
   std::uint8_t dataBlockType() const { return page[4] & 0x0F; }
 
   /// What the drive sets by itself for a medium.

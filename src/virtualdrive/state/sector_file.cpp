@@ -8,22 +8,20 @@
 #include <cerrno>
 
 namespace kelvane::virtualdrive {
-namespace {
 
-off_t offsetOf(Lba sector) {
-  return static_cast<off_t>(sector) * off_t{kSectorBytes};
+off_t SectorFile::offsetOf(Lba sector) const {
+  return static_cast<off_t>(sector) * static_cast<off_t>(sectorBytes_);
 }
 
-}  // namespace
-
-std::optional<SectorFile> SectorFile::open(const std::filesystem::path& path) {
+std::optional<SectorFile> SectorFile::open(const std::filesystem::path& path,
+                                           std::size_t sectorBytes) {
   // Neither a device nor a pipe that someone has put there may be opened, nor waited for.
   struct stat status {};
   if (::stat(path.c_str(), &status) != 0 || !S_ISREG(status.st_mode)) return std::nullopt;
   FileDescriptor file(::open(path.c_str(), O_RDWR | O_CLOEXEC | O_NONBLOCK));
   if (!file) file = FileDescriptor(::open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK));
   if (!file) return std::nullopt;
-  return SectorFile(std::move(file));
+  return SectorFile(std::move(file), sectorBytes);
 }
 
 std::optional<std::uint64_t> SectorFile::length() const {

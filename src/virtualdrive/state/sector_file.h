@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: GPL-2.0-or-later
 #pragma once
 
+#include <sys/types.h>
+
 #include <cstdint>
 #include <filesystem>
 #include <optional>
@@ -11,10 +13,11 @@
 
 namespace kelvane::virtualdrive {
 
-/// The sectors of a disc in a plain file. Opened anew for every command, under the folder's lock.
+/// Sectors of a disc in a plain file, by LBA. Opened anew for every command, under the folder's
+/// lock.
 class SectorFile {
  public:
-  static std::optional<SectorFile> open(const std::filesystem::path& path);
+  static std::optional<SectorFile> open(const std::filesystem::path& path, std::size_t sectorBytes);
 
   /// Bytes; empty where it cannot be told.
   std::optional<std::uint64_t> length() const;
@@ -27,9 +30,12 @@ class SectorFile {
   bool resize(Lba sectors) const;
 
  private:
-  explicit SectorFile(FileDescriptor file) : file_(std::move(file)) {}
+  SectorFile(FileDescriptor file, std::size_t sectorBytes)
+      : file_(std::move(file)), sectorBytes_(sectorBytes) {}
+  off_t offsetOf(Lba sector) const;
 
   FileDescriptor file_;
+  std::size_t sectorBytes_;
 };
 
 }  // namespace kelvane::virtualdrive

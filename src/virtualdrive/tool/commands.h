@@ -19,6 +19,14 @@ inline constexpr int kDiscUnusable = 3;
 /// On the command line: a DVD-RW that is formatted for restricted overwrite.
 inline constexpr const char* kRestrictedOverwriteName = "dvd-rw-ro";
 
+/// Where a disc with data has its audio tracks.
+enum class AudioPlace {
+  /// In the data's session, behind it: a mixed mode disc.
+  BehindData,
+  /// In a session of their own before the data's: an enhanced music CD.
+  OwnSession
+};
+
 struct CreateOptions {
   std::filesystem::path disc;
   /// A medium's name, or kRestrictedOverwriteName.
@@ -27,6 +35,10 @@ struct CreateOptions {
   std::optional<int> capacityMegabytes;
   std::optional<std::filesystem::path> from;
   std::optional<std::string> label;
+  std::vector<std::filesystem::path> audio;
+  AudioPlace audioPlace = AudioPlace::BehindData;
+  /// Nothing can be added to the disc.
+  bool closed = false;
 };
 
 enum class InfoForm { Text, Json };

@@ -55,12 +55,20 @@ bool isExisting(const fs::path& path) {
   return fs::symlink_status(path, ignored).type() != fs::file_type::not_found;
 }
 
+bool hasContent(const CreateOptions& options) {
+  return options.from || !options.audio.empty();
+}
+
 bool prepare(const CreateOptions& options, const VirtualDrive& drive, const StopSignals& stop,
              std::string* error) {
   if (options.medium == kRestrictedOverwriteName && !formatForRestrictedOverwrite(drive, error)) {
     return false;
   }
-  return !options.from || writeFirstSession(drive, *options.from, labelFor(options), stop, error);
+  if (!hasContent(options)) return true;
+  const auto end = options.closed ? SessionEnd::ForGood : SessionEnd::Appendable;
+  const FirstContent content{options.from, labelFor(options), options.audio, options.audioPlace,
+                             end};
+  return writeFirstContent(drive, content, stop, error);
 }
 
 /// Makes a disc that is not blank out of sight and moves it to its place when it is whole.
@@ -81,6 +89,23 @@ int createPrepared(const CreateOptions& options, const fs::path& disc, const New
     return kFailed;
   }
   return kDone;
+}
+
+/// Audio, and a disc that is closed for good, are made of CDs only.
+int checkCdOptions(const CreateOptions& options, MediumKind kind) {
+  std::error_code ignored;
+  for (const auto& file : options.audio) {
+    if (fs::is_regular_file(file, ignored) && fs::file_size(file, ignored) > 0) continue;
+    complain("“" + file.string() + "” is no file with sound.");
+    return kFailed;
+  }
+  if (options.closed && !hasContent(options)) {
+    complain("A disc without content cannot be closed.");
+    return kWrongUsage;
+  }
+  if (isCd(kind) || (options.audio.empty() && !options.closed)) return kDone;
+  complain("A " + options.medium + " can neither have audio tracks nor be closed here.");
+  return kWrongUsage;
 }
 
 int checkOptions(const CreateOptions& options) {
@@ -117,10 +142,11 @@ int createDisc(const CreateOptions& options) {
     what.capacitySectors = *options.capacityMegabytes * kSectorsPerMegabyte;
   }
   if (const int status = checkOptions(options); status != kDone) return status;
+  if (const int status = checkCdOptions(options, kind); status != kDone) return status;
   // A trailing slash would leave the name empty.
   auto disc = fs::absolute(options.disc).lexically_normal();
   if (!disc.has_filename()) disc = disc.parent_path();
-  if (options.from || restrictedOverwrite) return createPrepared(options, disc, what);
+  if (hasContent(options) || restrictedOverwrite) return createPrepared(options, disc, what);
   std::string error;
   if (VirtualDrive::create(disc, what, &error)) return kDone;
   return complain(error), kFailed;

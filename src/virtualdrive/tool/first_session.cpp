@@ -1,10 +1,9 @@
 // SPDX-License-Identifier: GPL-2.0-or-later
 #include "virtualdrive/tool/first_session.h"
 
-#include <vector>
+#include <fstream>
 
 #include "virtualdrive/tool/image_builder.h"
-#include "virtualdrive/tool/session_writer.h"
 
 namespace kelvane::virtualdrive::tool {
 namespace {
@@ -26,20 +25,66 @@ bool copyImage(ImageBuilder& builder, SessionWriter& writer, const StopSignals& 
   }
 }
 
-}  // namespace
-
-bool writeFirstSession(const VirtualDrive& drive, const std::filesystem::path& folder,
-                       const std::string& label, const StopSignals& stop, std::string* error) {
-  SessionWriter writer(drive);
-  if (!writer.begin(error)) return false;
-  auto builder = ImageBuilder::start(folder, label, error);
+bool writeData(const FirstContent& content, SessionWriter& writer, const StopSignals& stop,
+               std::string* error) {
+  if (!writer.begin(TrackForm::Mode1, error)) return false;
+  auto builder = ImageBuilder::start(*content.folder, content.label, writer.next(), error);
   if (!builder) return false;
   if (!copyImage(*builder, writer, stop, error)) {
     if (error->empty())
       *error = stop.stopRequested() ? "Interrupted." : "The image cannot be read.";
     return false;
   }
-  if (!builder->finish(error) || !writer.close(error)) return false;
+  return builder->finish(error) && writer.endTrack(error);
+}
+
+/// The last sector is filled up with silence.
+bool writeAudio(const std::filesystem::path& file, SessionWriter& writer, const StopSignals& stop,
+                std::string* error) {
+  std::ifstream sound(file, std::ios::binary);
+  if (!writer.begin(TrackForm::Audio, error)) return false;
+  std::vector<std::uint8_t> buffer(kSectorsAtOnce * kAudioSectorBytes);
+  while (!stop.stopRequested()) {
+    sound.read(reinterpret_cast<char*>(buffer.data()), static_cast<std::streamsize>(buffer.size()));
+    const auto count = static_cast<std::size_t>(sound.gcount());
+    if (count == 0) break;
+    const auto whole = (count + kAudioSectorBytes - 1) / kAudioSectorBytes * kAudioSectorBytes;
+    std::fill(buffer.begin() + static_cast<std::ptrdiff_t>(count), buffer.end(), std::uint8_t{0});
+    if (!writer.write(std::span(buffer).first(whole), error)) return false;
+  }
+  if (sound.eof()) return writer.endTrack(error);
+  *error = stop.stopRequested() ? "Interrupted." : "“" + file.string() + "” cannot be read.";
+  return false;
+}
+
+bool writeAudioTracks(const FirstContent& content, SessionWriter& writer, const StopSignals& stop,
+                      std::string* error) {
+  for (const auto& file : content.audio) {
+    if (!writeAudio(file, writer, stop, error)) return false;
+  }
+  return true;
+}
+
+bool writeSessions(const VirtualDrive& drive, const FirstContent& content, const StopSignals& stop,
+                   std::string* error) {
+  const bool audioFirst = content.audioPlace == AudioPlace::OwnSession && content.folder;
+  if (audioFirst) {
+    SessionWriter writer(drive, SessionEnd::Appendable);
+    if (!writeAudioTracks(content, writer, stop, error) || !writer.closeSession(error)) {
+      return false;
+    }
+  }
+  SessionWriter writer(drive, content.end);
+  if (content.folder && !writeData(content, writer, stop, error)) return false;
+  if (!audioFirst && !writeAudioTracks(content, writer, stop, error)) return false;
+  return writer.closeSession(error);
+}
+
+}  // namespace
+
+bool writeFirstContent(const VirtualDrive& drive, const FirstContent& content,
+                       const StopSignals& stop, std::string* error) {
+  if (!writeSessions(drive, content, stop, error)) return false;
   if (stop.stopRequested()) *error = "Interrupted.";
   return !stop.stopRequested();
 }

@@ -16,25 +16,21 @@
 namespace kelvane::virtualdrive::tool {
 namespace {
 
-std::vector<std::string> argumentsFor(const std::filesystem::path& folder,
-                                      const std::string& label) {
-  return {"genisoimage",
-          "-quiet",
-          "-D",
-          "-r",
-          "-J",
-          "-joliet-long",
-          "-input-charset",
-          "utf-8",
-          "-V",
-          label,
-          std::filesystem::absolute(folder).string()};
+std::vector<std::string> argumentsFor(const std::filesystem::path& folder, const std::string& label,
+                                      Lba place) {
+  std::vector<std::string> arguments{"genisoimage",  "-quiet",         "-D",    "-r", "-J",
+                                     "-joliet-long", "-input-charset", "utf-8", "-V", label};
+  // Where no image is named to go on from, the first number means nothing.
+  if (place > 0) arguments.insert(arguments.end(), {"-C", "0," + std::to_string(place)});
+  arguments.push_back(std::filesystem::absolute(folder).string());
+  return arguments;
 }
 
 }  // namespace
 
 std::optional<ImageBuilder> ImageBuilder::start(const std::filesystem::path& folder,
-                                                const std::string& label, std::string* error) {
+                                                const std::string& label, Lba place,
+                                                std::string* error) {
   std::array<int, 2> ends{};
   if (pipe2(ends.data(), O_CLOEXEC) != 0) {
     *error = std::string("No pipe can be made: ") + std::strerror(errno) + ".";
@@ -42,7 +38,7 @@ std::optional<ImageBuilder> ImageBuilder::start(const std::filesystem::path& fol
   }
   FileDescriptor readEnd(ends[0]);
   const FileDescriptor writeEnd(ends[1]);
-  auto arguments = argumentsFor(folder, label);
+  auto arguments = argumentsFor(folder, label, place);
   std::vector<char*> words;
   words.reserve(arguments.size() + 1);
   for (auto& argument : arguments) words.push_back(argument.data());

@@ -9,6 +9,7 @@
 #include <string>
 
 #include "virtualdrive/file_descriptor.h"
+#include "virtualdrive/medium_kind.h"
 #include "virtualdrive/tool/stop_signals.h"
 
 namespace kelvane::virtualdrive::tool {
@@ -17,8 +18,9 @@ namespace kelvane::virtualdrive::tool {
 /// read from it as it comes. It is ended with this object.
 class ImageBuilder {
  public:
+  /// `place` is the address that the image will have on the disc.
   static std::optional<ImageBuilder> start(const std::filesystem::path& folder,
-                                           const std::string& label, std::string* error);
+                                           const std::string& label, Lba place, std::string* error);
   ImageBuilder(ImageBuilder&& other) noexcept;
   ImageBuilder& operator=(ImageBuilder&&) = delete;
   ~ImageBuilder();

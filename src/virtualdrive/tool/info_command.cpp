@@ -67,8 +67,9 @@ double megabytes(Lba sectors) {
 }
 
 void printTrack(const TrackView& track) {
-  std::printf("  Track %d: start %d, length %d sectors%s%s\n", track.number, track.start,
-              track.recorded, track.reserved ? ", reserved" : "", track.complete ? "" : ", open");
+  std::printf("  Track %d: start %d, length %d sectors%s%s%s\n", track.number, track.start,
+              track.recorded, track.form == TrackForm::Audio ? ", audio" : "",
+              track.reserved ? ", reserved" : "", track.complete ? "" : ", open");
 }
 
 void printText(const DiscInfo& info) {
@@ -100,6 +101,7 @@ json toJson(const SessionInfo& session) {
   json tracks = json::array();
   for (const auto& track : session.tracks) {
     tracks.push_back({{"number", track.number},
+                      {"audio", track.form == TrackForm::Audio},
                       {"start", track.start},
                       {"sectors", track.recorded},
                       {"reserved", track.reserved},

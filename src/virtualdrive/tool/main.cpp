@@ -61,6 +61,17 @@ void addCreate(CLI::App& app, Arguments& arguments) {
   auto* from =
       create->add_option("--from", options.from, "Folder whose content becomes the first session");
   create->add_option("--label", options.label, "Name of the volume")->needs(from);
+  auto* audio = create->add_option(
+      "--audio", options.audio,
+      "Files of sound, each an audio track of a CD: 44,100 samples of two channels a second,\n"
+      "16 bits, little-endian, without a header. They come behind the data, in its session.");
+  create
+      ->add_flag_callback(
+          "--audio-session", [&] { options.audioPlace = AudioPlace::OwnSession; },
+          "Audio in a session of its own, before the data's")
+      ->needs(from)
+      ->needs(audio);
+  create->add_flag("--closed", options.closed, "Nothing can be added to the CD. Needs content.");
 }
 
 void addSession(CLI::App* command, Arguments& arguments) {

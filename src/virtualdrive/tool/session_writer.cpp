@@ -72,13 +72,23 @@ bool SessionWriter::setParameters(std::string* error) {
   std::array<std::uint8_t, kHeaderBytes + WriteParameters::kBytes> list{};
   const bool dvd = profile_ >= kFirstDvdProfile;
   auto parameters = WriteParameters::standard(dvd ? MediumKind::DvdR : MediumKind::CdR);
-  parameters.page[3] |= 0xC0;  // a further session may follow
+  constexpr std::uint8_t kFurtherSession = 0xC0;
+  constexpr std::uint8_t kDataTrack = 0x04;
+  if (end_ == SessionEnd::Appendable)
+    parameters.page[3] |= kFurtherSession;
+  else
+    parameters.page[3] &= static_cast<std::uint8_t>(~kFurtherSession);
+  if (form_ == TrackForm::Audio) {
+    parameters.page[3] &= static_cast<std::uint8_t>(~kDataTrack);
+    parameters.page[4] = 0;  // sectors of 2352 bytes
+  }
   std::ranges::copy(parameters.page, list.begin() + kHeaderBytes);
   const std::array<std::uint8_t, 10> select{0x55, 0x10, 0, 0, 0, 0, 0, 0, list.size(), 0};
   return check(drive_.execute(select, {}, list), "the write parameters", error);
 }
 
-bool SessionWriter::begin(std::string* error) {
+bool SessionWriter::begin(TrackForm form, std::string* error) {
+  form_ = form;
   if (!becomeReady(drive_, error) || !askForProfile(error) || !setParameters(error)) return false;
   if (profile_ == kPlusRwProfile) return format(drive_, kPlusRwFormat, error);
   if (profile_ == kRestrictedOverwriteProfile) return true;
@@ -91,9 +101,10 @@ bool SessionWriter::begin(std::string* error) {
 
 bool SessionWriter::write(std::span<const std::uint8_t> sectors, std::string* error) {
   std::vector<std::uint8_t> padded(sectors.begin(), sectors.end());
-  auto count = static_cast<Lba>(sectors.size() / kSectorBytes);
+  const auto sectorBytes = sectorBytesOf(form_);
+  auto count = static_cast<Lba>(sectors.size() / sectorBytes);
   if (profile_ >= kFirstDvdProfile) count = inWholeDvdBlocks(count);
-  padded.resize(static_cast<std::size_t>(count) * kSectorBytes);
+  padded.resize(static_cast<std::size_t>(count) * sectorBytes);
   AnswerBytes block;
   block.u8(0x2A).u8(0).u32(static_cast<std::uint32_t>(next_)).u8(0);
   block.u16(static_cast<unsigned>(count)).u8(0);
@@ -102,15 +113,21 @@ bool SessionWriter::write(std::span<const std::uint8_t> sectors, std::string* er
   return true;
 }
 
-bool SessionWriter::close(std::string* error) {
+bool SessionWriter::isFormatted() const {
+  return profile_ == kPlusRwProfile || profile_ == kRestrictedOverwriteProfile;
+}
+
+bool SessionWriter::endTrack(std::string* error) {
   constexpr std::uint8_t kTrack = 1;
-  constexpr std::uint8_t kSession = 2;
   const std::array<std::uint8_t, 10> synchronize{0x35};
   if (!check(drive_.execute(synchronize, {}, {}), "to end the track", error)) return false;
-  const bool formatted = profile_ == kPlusRwProfile || profile_ == kRestrictedOverwriteProfile;
-  const bool openTrack = profile_ >= kFirstDvdProfile && !formatted;
-  if (openTrack && !tool::close(drive_, kTrack, error)) return false;
-  return tool::close(drive_, kSession, error);
+  const bool openTrack = profile_ >= kFirstDvdProfile && !isFormatted();
+  return !openTrack || close(drive_, kTrack, error);
+}
+
+bool SessionWriter::closeSession(std::string* error) {
+  constexpr std::uint8_t kSession = 2;
+  return close(drive_, kSession, error);
 }
 
 }  // namespace kelvane::virtualdrive::tool
