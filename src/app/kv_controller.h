@@ -182,6 +182,7 @@ class KVController : public WindowActions {
   void withdrawBurnQuestion();
   void ejectMediaOfCurrentDevice();
   void giveUpCurrentDevice();
+  void endInterruptedOpening();
   void burnCD();
   std::string whyImagingIsUnsafe(const std::string& sessionString) const;
   std::string buildImage(const std::vector<std::string>& arguments);
@@ -200,6 +201,10 @@ class KVController : public WindowActions {
   void eraseClosedDisc();
   void eraseDisc(DRDevice& device);
   void refuseErase(const std::string& messageKey, const std::string& detail);
+
+  /// Queues `work` on the main thread. It comes to nothing once the controller is gone.
+  void performLater(std::function<void()> work);
+  std::function<void()> ifAlive(std::function<void()> work) const;
 
   WindowOutlets& window_;
   const ControllerServices& services_;
@@ -242,6 +247,8 @@ class KVController : public WindowActions {
   std::atomic<bool> scanWaits_ = false;
   std::atomic<bool> mountedItemUpdateWaits_ = false;
   std::thread mountWorker_;
+  // Queued work holds it weakly.
+  std::shared_ptr<void> self_ = std::make_shared<char>();
 };
 
 }  // namespace kelvane

@@ -66,7 +66,7 @@ void KVController::endBurnQuestion() {
 
 void KVController::burnConfirmationDidConfirm() {
   endBurnQuestion();
-  performOnMainThread([this] { burn(); });
+  performLater([this] { burn(); });
 }
 
 void KVController::burnConfirmationDidCancel() {
@@ -102,7 +102,7 @@ void KVController::burn() {
   showBurnView();
   window_.burnProgressIndicator().setIndeterminate(true);
   performAfterDelay(kBarAnimationDelay,
-                    [this] { window_.burnProgressIndicator().startAnimation(); });
+                    ifAlive([this] { window_.burnProgressIndicator().startAnimation(); }));
   if (UserDefaults::standard().boolForKey("noappledoublefiles") &&
       directoryState(tmpDirPath_) == PathState::Own) {
     removeAppleDoubleFiles(tmpDirPath_);

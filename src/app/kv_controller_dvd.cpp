@@ -9,7 +9,6 @@
 #include "burn/volume_identifier.h"
 #include "platform/foundation/bundle.h"
 #include "platform/foundation/child_task.h"
-#include "platform/foundation/main_thread.h"
 #include "platform/foundation/paths.h"
 #include "platform/foundation/placeholders.h"
 #include "platform/foundation/strings_table.h"
@@ -130,7 +129,7 @@ void KVController::startDVDBurn(DRDevice& device) {
 void KVController::burnDVDDidFinish(const Notification& notification) {
   NotificationCenter::defaultCenter().removeObserver(this, kKelvaneDidFinishDVD, nullptr);
   const auto* burn = static_cast<const DVDBurn*>(notification.object);
-  performOnMainThread([this, burn] { finishDVDBurn(*burn); });
+  performLater([this, burn] { finishDVDBurn(*burn); });
 }
 
 void KVController::finishDVDBurn(const DVDBurn& burn) {

@@ -16,7 +16,6 @@
 #include "media/quellbrook.h"
 #include "overlayfs/burn_fs_delegate.h"
 #include "platform/foundation/bundle.h"
-#include "platform/foundation/main_thread.h"
 #include "platform/foundation/own_files.h"
 #include "platform/foundation/paths.h"
 #include "platform/foundation/placeholders.h"
@@ -93,7 +92,7 @@ void KVController::mountBurnFSinBackground(std::latch& discIsNoted) {
 
   if (holdsAnotherDisc(record)) {
     systemLog("%@ holds another disc by now. Looking again.", record.DRDevice->bsdName());
-    performOnMainThread([this] { listDiscsAnew(); });
+    performLater([this] { listDiscsAnew(); });
     return;
   }
   if (const std::string path = pathInTheWay(tmpDirPath_); !path.empty()) {
@@ -107,7 +106,7 @@ void KVController::mountBurnFSinBackground(std::latch& discIsNoted) {
     std::string inUse;
     discMountPath = takeOverDiscWithContent(volumeName, inUse);
     if (!discMountPath) {
-      performOnMainThread([this, inUse] { showPerformMountFailedAlertAndReset(inUse); });
+      performLater([this, inUse] { showPerformMountFailedAlertAndReset(inUse); });
       return;
     }
     usedMB = quellbrook::fsMediaMBUsed(*record.DRDevice, *discMountPath, *services_.volumes);
@@ -158,7 +157,7 @@ void KVController::mountOverlay(const DeviceRecord& record, const std::string& v
 // On the mount worker.
 void KVController::refuseToOpen(const std::string& reason) {
   systemLog("%@ kelvanefs not mounted. Showing error.", reason);
-  performOnMainThread([this, reason] { showPerformMountFailedAlertAndReset(reason); });
+  performLater([this, reason] { showPerformMountFailedAlertAndReset(reason); });
 }
 
 void KVController::registerMountObservers() {
@@ -172,7 +171,7 @@ void KVController::registerMountObservers() {
 }
 
 void KVController::respondToBurnFSMounting() {
-  performOnMainThread([this] { performRespondToBurnFSMounting(); });
+  performLater([this] { performRespondToBurnFSMounting(); });
 }
 
 void KVController::performRespondToBurnFSMounting() {
@@ -258,7 +257,7 @@ void KVController::fuseDidUnmount() {
   changes_ = myBurnFSDelegate_->changes();
   nominallyFree_ = myBurnFSDelegate_->spaceAtFirst();
   releaseOverlay();
-  performOnMainThread([this] { concludeUnmount(); });
+  performLater([this] { concludeUnmount(); });
 }
 
 void KVController::releaseOverlay() {
@@ -320,7 +319,7 @@ void KVController::respondToUnexpectedMediaEject() {
   releaseOverlay();
   window_.discHasGone();
   // A burn that was confirmed a moment ago has begun by then, and ends by itself.
-  performOnMainThread([this] {
+  performLater([this] {
     if (!burnInProgress_) cleanupWithoutBurn();
   });
 }

@@ -2,7 +2,6 @@
 // KVController: the list of discs.
 #include "app/kv_controller.h"
 #include "media/media_scan.h"
-#include "platform/foundation/main_thread.h"
 #include "platform/foundation/strings_table.h"
 #include "platform/foundation/system_log.h"
 #include "platform/recording/dr_device.h"
@@ -12,7 +11,7 @@ namespace kelvane {
 
 void KVController::scanForMedia() {
   if (scanWaits_.exchange(true)) return;
-  performOnMainThread([this] {
+  performLater([this] {
     scanWaits_ = false;
     performScanForMedia();
   });
@@ -67,7 +66,7 @@ void KVController::applyScanOutcome(const ScanOutcome& outcome) {
   window_.setHidden(HideableView::Message, outcome.messageView == Visibility::Hidden);
   window_.setMessage(outcome.message);
   const bool opensDisc = outcome.opensDisc && singleDisc_ == SingleDisc::Opened;
-  if (opensDisc) performOnMainThread([this] { mountBurnFS(); });
+  if (opensDisc) performLater([this] { mountBurnFS(); });
 }
 
 bool KVController::tableViewShouldSelectRow(int32_t row) {

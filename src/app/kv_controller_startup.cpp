@@ -1,10 +1,15 @@
 // SPDX-License-Identifier: GPL-2.0-or-later
 // KVController: its construction and the way to the first scan.
+#include <utility>
+
 #include "app/burn_survey.h"
 #include "app/kv_controller.h"
 #include "burn/dvd_burn.h"
 #include "overlayfs/burn_fs_delegate.h"
 #include "platform/foundation/bundle.h"
+#include "platform/foundation/main_thread.h"
+#include "platform/foundation/own_files.h"
+#include "platform/foundation/paths.h"
 #include "platform/foundation/strings_table.h"
 #include "platform/recording/dr_burn.h"
 #include "platform/recording/dr_device.h"
@@ -18,9 +23,22 @@ KVController::KVController(WindowOutlets& window, const ControllerServices& serv
     : window_(window), services_(services), openButtonCaption_(localizedString("buttonopen")) {}
 
 KVController::~KVController() {
-  NotificationCenter::defaultCenter().removeObserver(this);
   DRNotificationCenter::currentRunLoopCenter().removeObserver(this);
   if (mountWorker_.joinable()) mountWorker_.join();
+  // Last, since the worker observes the volume that it mounts.
+  NotificationCenter::defaultCenter().removeObserver(this);
+  endInterruptedOpening();
+}
+
+// The application was quit while a disc was being opened. Its volume becomes a visible one again.
+void KVController::endInterruptedOpening() {
+  const DRDevice* device = currentDevice_;
+  if (device == nullptr || mediaIsMounted_ || burnInProgress_) return;
+  releaseOverlay();
+  removeOverlayAndHideList();
+  services_.discWillBeEjected(device->bsdName());
+  removeOwn(paths::hiddenMountFolder());
+  giveUpCurrentDevice();
 }
 
 void KVController::awakeFromNib() {
@@ -84,6 +102,16 @@ void KVController::setBurnInProgress(bool inProgress) {
     inhibition_.reset();
     window_.burnDidEnd(burnEnd_);
   }
+}
+
+std::function<void()> KVController::ifAlive(std::function<void()> work) const {
+  return [self = std::weak_ptr(self_), work = std::move(work)] {
+    if (self.lock()) work();
+  };
+}
+
+void KVController::performLater(std::function<void()> work) {
+  performOnMainThread(ifAlive(std::move(work)));
 }
 
 std::optional<DeviceRecord> KVController::currentDeviceDictionary() const {

@@ -4,7 +4,6 @@
 #include <system_error>
 
 #include "app/kv_controller.h"
-#include "platform/foundation/main_thread.h"
 #include "platform/foundation/paths.h"
 #include "platform/foundation/placeholders.h"
 #include "platform/foundation/strings_table.h"
@@ -23,10 +22,10 @@ void KVController::setMediaIsMounted(bool mounted) {
   if (mounted) {
     window_.setHeaderLine(localizedString("headerDisksRemounted"));
     setOpenButtonCaption(localizedString("buttonclose"));
-    performOnMainThread([this] { showMountedView(); });
+    performLater([this] { showMountedView(); });
   } else {
     window_.setHeaderLine(localizedString("headerDisksAvail"));
-    performOnMainThread([this] { showMessageOrSelectionView(); });
+    performLater([this] { showMessageOrSelectionView(); });
   }
 }
 
@@ -54,7 +53,7 @@ void KVController::showBurnView() {
 
 void KVController::updateMountedItemView() {
   if (mountedItemUpdateWaits_.exchange(true)) return;
-  performOnMainThread([this] {
+  performLater([this] {
     mountedItemUpdateWaits_ = false;
     performUpdateMountedItemView();
   });

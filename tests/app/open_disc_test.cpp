@@ -8,6 +8,7 @@
 #include "media/recorded_log.h"
 #include "overlayfs/burn_fs_delegate.h"
 #include "platform/foundation/user_defaults.h"
+#include "platform/volumes/mount_table.h"
 
 namespace kelvane::test {
 namespace {
@@ -66,6 +67,28 @@ TEST_F(OpenDisc, WithAnyEntryInItsOverlayAsksByTheNameOfTheVolume) {
   EXPECT_EQ(controller_->currentDevice(), device_) << "the disc is the question's";
   controller_->burnConfirmationDidCancel();
   EXPECT_TRUE(waitFor([this] { return controller_->currentDevice() == nullptr; }));
+}
+
+TEST_F(OpenDisc, IsGivenBackWhereTheApplicationIsQuitWhileItIsBeingOpened) {
+  close();
+  std::vector<std::string> given;
+  ControllerServices services = services_;
+  services.discIsClosed = [&given](const std::string& bsdName) {
+    EXPECT_FALSE(isMountPoint(paths::hiddenMountPoint())) << "a second mount would be in its way";
+    given.push_back(bsdName);
+  };
+  controller_.emplace(window_, services);
+  controller_->awakeFromNib();
+  controller_->initialiseController();
+  device_->loadMedia();
+  ASSERT_TRUE(waitFor([this] { return controller_->currentDevice() != nullptr; }));
+  ASSERT_FALSE(controller_->mediaIsMounted());
+  const std::string overlay = controller_->tmpDirPath();
+  controller_.reset();
+  EXPECT_THAT(given, ElementsAre("kv0"));
+  EXPECT_FALSE(fs::exists(overlay));
+  EXPECT_FALSE(isMountPoint(volume_));
+  EXPECT_FALSE(fs::exists(paths::hiddenMountFolder()));
 }
 
 TEST_F(OpenDisc, IsNotOpenedAgainByAFurtherRequestWhileItIsOpened) {
