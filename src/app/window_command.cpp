@@ -5,6 +5,7 @@
 #include <QApplication>
 #include <QMessageBox>
 #include <cstdio>
+#include <utility>
 
 #include "app/window_session.h"
 #include "platform/desktop/running_instance.h"
@@ -57,7 +58,8 @@ int runWindowCommand(int argc, char** argv) {
     if (desktop::showRunningInstance()) return 0;
     return cannotStart(error);
   }
-  WindowSession session(std::move(core));
+  ControllerServices services = systemControllerServices(core->visibleMounts());
+  WindowSession session(std::move(core), std::move(services));
   performOnMainThread([&session] { session.start(); });
   return QApplication::exec();
 }

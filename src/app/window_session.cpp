@@ -13,9 +13,9 @@
 
 namespace kelvane {
 
-WindowSession::WindowSession(std::unique_ptr<ApplicationCore> core)
+WindowSession::WindowSession(std::unique_ptr<ApplicationCore> core, ControllerServices services)
     : core_(std::move(core)),
-      services_(systemControllerServices(core_->visibleMounts())),
+      services_(std::move(services)),
       controller_(window_, services_),
       delegate_(controller_, window_, UpdateSource::ofThisBuild()),
       logout_(controller_, delegate_, window_),

@@ -22,7 +22,8 @@ namespace kelvane {
 /// decision to quit carried out. Main thread only.
 class WindowSession {
  public:
-  explicit WindowSession(std::unique_ptr<ApplicationCore> core);
+  /// `services` may borrow from the core.
+  WindowSession(std::unique_ptr<ApplicationCore> core, ControllerServices services);
   ~WindowSession();
 
   /// Starts the controller, which shows the window. Called in the event loop, so that the user can

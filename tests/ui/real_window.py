@@ -153,9 +153,10 @@ class RealWindowTest(unittest.TestCase):
         self.defaults.write_text(f"[General]\nlicenseShownForVersion={version}\n")
 
     def start(self, *discs):
-        command = [BIN / "kelvanefs"]
-        for disc in discs:
-            command += ["--drive", disc]
+        arguments = [argument for disc in discs for argument in ("--drive", disc)]
+        self.start_program(BIN / "kelvanefs", *arguments)
+
+    def start_program(self, *command):
         with open(self.log, "w", encoding="utf-8") as log:
             self.process = subprocess.Popen(command, env=self.environment, stdout=log, stderr=log)
         atexit.register(self.end)
