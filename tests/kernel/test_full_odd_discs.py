@@ -1,12 +1,14 @@
 # SPDX-License-Identifier: GPL-2.0-or-later
 """Discs that are not what the application is made for, on a real kernel's drive: each ends as it should, with a plain word."""
 
+import hashlib
 import os
 import unittest
 
 from rig import KELVANEDISC, make_tree, run, tree_of
 from system_test import SystemTest
 
+SECTOR_OF_SOUND = 2352
 USED, NOT_OPENED, BURN_FAILED = 0, 3, 4
 
 
@@ -76,6 +78,94 @@ cp -r "$DISC" /share/{name}.left.kvdisc
         # A closed disc is open to changes, which it cannot take then; it is as it was.
         self.assertEqual(self.outcome("closed.outcome")["state"], "burn-failed")
         self.assertEqual(self.tree_on(self.path("closed.left.kvdisc")), tree_of(self.tree))
+
+
+class AudioDiscs(SystemTest):
+    """Music alone, data before music in one session, and music before a session of data."""
+
+    def sound(self, seed):
+        """A file of sound that becomes a track of five seconds."""
+        path = os.path.join(self.folder, f"sound {seed}")
+        with open(path, "wb") as file:
+            file.write(hashlib.sha512(str(seed).encode()).digest() * (375 * SECTOR_OF_SOUND // 64 + 1))
+        return path
+
+    def disc(self, name, *options):
+        """A CD-R with two audio tracks; its folder."""
+        disc = self.path(name + ".kvdisc")
+        run(KELVANEDISC, "create", disc, "--media", "cd-r", "--audio", self.sound(1), "--audio", self.sound(2), *options)
+        return disc
+
+    def data(self):
+        return ["--from", make_tree(self.path("tree"), 1), "--label", "DATA"]
+
+    def kinds(self, disc):
+        """Of each session, whether its tracks are audio."""
+        return [[track["audio"] for track in session["tracks"]] for session in self.info(disc)["sessions"]]
+
+    def samples(self, disc):
+        with open(os.path.join(disc, "audio"), "rb") as file:
+            return hashlib.sha256(file.read()).hexdigest()
+
+    # knows_tracks AUDIO DATA: that udev has counted so many of them.
+    WORDS = """
+knows_tracks() {
+  has_property ID_CDROM_MEDIA_TRACK_COUNT_AUDIO "$1" && has_property ID_CDROM_MEDIA_TRACK_COUNT_DATA "$2"
+}
+"""
+    def test_a_disc_of_music_alone_is_left_out_of_the_list_and_the_next_disc_is_taken(self):
+        self.disc("music", "--closed")
+        self.with_session("next", "cd-r", make_tree(self.path("next"), 2), label="NEXT")
+        self.guest(self.WORDS + """
+start_desktop
+agree
+start_window
+plug music.kvdisc
+eventually "udev knows the music" knows_tracks 2 ""
+eventually "nobody waits for a volume any longer" logged "unable to get mountpath. ignoring disk."
+eventually "the window asks for a disc" shows "Insert a CD or DVD that can still be written to."
+logged "Notified that Filesystem did mount." && fail "music has been opened"
+key ctrl+o
+swap next.kvdisc
+await_open
+as_user test -e "/Volumes/tarnwick/file 2 0.bin" || fail "what is open is not the next disc"
+windows_are 1 || fail "there is something to say"
+key ctrl+q
+await_end kelvanefs
+nothing_is_left
+""")
+
+    def keeps_its_music(self, disc, sessions):
+        """A disc with data and two audio tracks is opened, changed and burned. `sessions` are the kinds of its tracks then."""
+        name = os.path.basename(disc)
+        self.guest(self.WORDS + f"""
+plug {name}
+eventually "udev knows music and data" knows_tracks 2 1
+eventually "udev knows the volume" has_property ID_FS_LABEL DATA
+as_user kelvanefs batch --drive "$DRIVE" --json -- \\
+  sh -ec 'echo new > new.txt; rm -rf a; rm -rf /tmp/shown; cp -r . /tmp/shown' > /share/outcome 2> /share/words ||
+  fail "batch ended with $?: $(cat /share/words /share/outcome)"
+nothing_is_left
+cp -r /tmp/shown /share/shown
+drive_probe load "$DRIVE"
+eventually "udev knows the new session" knows_tracks 2 2
+show after
+unplug
+keep burned
+""")
+        shown, tree = tree_of(self.path("shown")), tree_of(self.path("tree"))
+        kept = {path: entry for path, entry in tree.items() if path.split("/")[0] != "a"}
+        self.assertEqual(shown, {**kept, "new.txt": shown["new.txt"]})
+        self.assertEqual(tree_of(self.path("after")), shown)
+        burned = self.path("burned.kvdisc")
+        self.assertEqual(self.kinds(burned), sessions)
+        self.assertEqual(self.samples(burned), self.samples(disc))
+
+    def test_a_disc_of_data_with_music_behind_it_is_opened_changed_and_burned(self):
+        self.keeps_its_music(self.disc("mixed", *self.data()), [[False, True, True], [False]])
+
+    def test_a_disc_of_music_with_a_session_of_data_is_opened_changed_and_burned(self):
+        self.keeps_its_music(self.disc("extra", *self.data(), "--audio-session"), [[True, True], [False], [False]])
 
 
 class Erasing(SystemTest):
