@@ -3,14 +3,11 @@
 
 #include <QStringDecoder>
 #include <algorithm>
-#include <filesystem>
-#include <system_error>
-#include <vector>
+
+#include "platform/foundation/folder_items.h"
 
 namespace kelvane {
 namespace {
-
-namespace fs = std::filesystem;
 
 bool isText(const std::string& name) {
   QStringDecoder decoder(QStringDecoder::Utf8, QStringDecoder::Flag::Stateless);
@@ -23,22 +20,15 @@ bool isText(const std::string& name) {
 std::optional<std::string> unencodableName(const std::string& overlay,
                                            std::span<const std::string> deleted,
                                            const std::stop_token& stop) {
-  std::vector<std::string> folders = {""};
-  while (!folders.empty()) {
-    const std::string folder = std::move(folders.back());
-    folders.pop_back();
-    std::error_code failure;
-    for (fs::directory_iterator entry(overlay + folder, failure), end; !failure && entry != end;
-         entry.increment(failure)) {
-      if (stop.stop_requested()) return std::nullopt;
-      const std::string name = entry->path().filename().string();
-      const std::string path = folder + "/" + name;
-      if (!isText(name) && std::ranges::find(deleted, path) == deleted.end()) return path;
-      std::error_code unreadable;
-      if (fs::is_directory(entry->symlink_status(unreadable))) folders.push_back(path);
+  std::optional<std::string> found;
+  const bool isThrough = visitItemsBelow(overlay, stop, [&](const FolderItem& item) {
+    if (isText(item.name) || std::ranges::find(deleted, item.path) != deleted.end()) {
+      return Visit::GoOn;
     }
-  }
-  return std::nullopt;
+    found = item.path;
+    return Visit::End;
+  });
+  return isThrough ? found : std::nullopt;
 }
 
 }  // namespace kelvane

@@ -3,15 +3,12 @@
 
 #include <sys/stat.h>
 
-#include <filesystem>
-#include <system_error>
 #include <unordered_set>
-#include <vector>
+
+#include "platform/foundation/folder_items.h"
 
 namespace kelvane {
 namespace {
-
-namespace fs = std::filesystem;
 
 constexpr uint64_t kBlockBytes = 2048;
 
@@ -48,23 +45,14 @@ class Count {
   }
 
  private:
-  /// Visits what is in the folder `top` of a tree; `visit` says whether to go into an item. A stack
-  /// of our own, since a volume may be deeper than that of a thread.
-  template <typename Visit>
-  void walk(const std::string& root, const std::string& top, Visit visit) {
-    std::vector<std::string> folders = {top};
-    while (!folders.empty()) {
-      const std::string folder = std::move(folders.back());
-      folders.pop_back();
-      std::error_code failure;
-      for (fs::directory_iterator entry(root + folder, failure), end; !failure && entry != end;
-           entry.increment(failure)) {
-        if (stop_.stop_requested()) return;
-        const std::string path = folder + "/" + entry->path().filename().string();
-        const auto status = statusOf(root + path);
-        if (status && visit(path, *status) && S_ISDIR(status->st_mode)) folders.push_back(path);
-      }
-    }
+  /// Visits what is in the folder `top` of a tree; `visit` says whether to go into an item.
+  template <typename Visitor>
+  void walk(const std::string& root, const std::string& top, Visitor visit) {
+    visitItemsBelow(root + top, stop_, [&](const FolderItem& item) {
+      const std::string path = top + item.path;
+      const auto status = statusOf(root + path);
+      return status && visit(path, *status) ? Visit::GoOn : Visit::PassOver;
+    });
   }
 
   std::optional<struct stat> onDisc(const std::string& path) const {

@@ -3,6 +3,7 @@
 
 #include <filesystem>
 #include <fstream>
+#include <thread>
 
 #include "app/controller_fixture.h"
 #include "platform/foundation/paths.h"
@@ -76,6 +77,23 @@ TEST_F(KVControllerMount, AnUnsupportedDiscIsNotOpenedAndNothingIsSaid) {
   window_.mediaController().setSelectionIndex(0);
   controller_.mountBurnFS();
   EXPECT_THAT(newCalls(), IsEmpty());
+}
+
+TEST_F(KVControllerMount, DuringABurnTheRequestIsRefusedAlsoWhereItWouldCloseOrComeToNothing) {
+  DeviceRecord record;
+  record.DRDevice = &device_;
+  record.unsupportedString = "full";
+  window_.mediaController().addObjects({record});
+  window_.mediaController().setSelectionIndex(0);
+  controller_.setBurnInProgress(true);
+  controller_.mountBurnFS();
+  EXPECT_THAT(newCalls(), ElementsAre("beep"));
+  controller_.setMediaIsMounted(true);
+  window_.mediaController().setSelectionIndex(std::nullopt);
+  turn();
+  newCalls();
+  controller_.mountBurnFS();
+  EXPECT_THAT(newCalls(), ElementsAre("beep"));
 }
 
 TEST_F(KVControllerMount, WithAnOpenDiscAndNothingSelectedTheRequestCloses) {
@@ -204,6 +222,27 @@ TEST_F(KVControllerMount, HoweverOftenAScanIsAskedForOneWaits) {
   controller_.scanForMedia();
   turn();
   EXPECT_EQ(scans, 2);
+}
+
+TEST_F(KVControllerMount, AScanRunsOnTheMainThreadWhoeverAsksForIt) {
+  std::thread::id scanned;
+  services_.discsWillBeScanned = [&scanned] { scanned = std::this_thread::get_id(); };
+  std::thread([this] { controller_.scanForMedia(); }).join();
+  EXPECT_EQ(scanned, std::thread::id()) << "whoever asked had to wait for the scan";
+  turn();
+  EXPECT_EQ(scanned, std::this_thread::get_id());
+}
+
+TEST_F(KVControllerMount, AScanThatFindsALoadingDiscAloneHidesTheTableAndOpensNothing) {
+  device_.present = false;
+  device_.transitioning = true;
+  devices_ = {&device_};
+  controller_.performScanForMedia();
+  EXPECT_THAT(newCalls(),
+              ElementsAre("hide openButton", "hide diskTable", "show message", "text loadingdisk"));
+  turn();
+  EXPECT_THAT(newCalls(), IsEmpty());
+  EXPECT_EQ(controller_.currentDevice(), nullptr);
 }
 
 TEST_F(KVControllerMount, ALinkAtTheOverlayDirectorysNameIsNotFollowed) {

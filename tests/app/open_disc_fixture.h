@@ -40,6 +40,7 @@ class ErasingWindow : public WindowlessOutlets {
   void hideApplication() override { ++hidden; }
   void beginAlertSheet(const Alert& alert, std::function<void(int)>) override {
     alerts.push_back(alert.messageKey);
+    details.push_back(alert.detail);
   }
 
   void replyToApplicationShouldTerminate(bool shouldTerminate) override {
@@ -57,6 +58,7 @@ class ErasingWindow : public WindowlessOutlets {
   std::vector<bool> replies;
   bool isErasing() const { return panel_.isErasing(); }
   std::vector<std::string> alerts;
+  std::vector<std::string> details;  ///< Of the alerts.
   std::vector<std::string> outcomes;
 
  private:
