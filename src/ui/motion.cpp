@@ -5,9 +5,19 @@
 #include <QWidget>
 
 namespace kelvane {
+namespace {
 
-// The desktop's platform theme turns its setting into this hint of the style.
+bool lessMotionIsWanted = false;
+
+}  // namespace
+
+void setLessMotionIsWanted(bool lessMotion) {
+  lessMotionIsWanted = lessMotion;
+}
+
+// Some desktops' platform themes turn their setting into this hint of the style.
 bool prefersLessMotion(const QWidget& widget) {
+  if (lessMotionIsWanted) return true;
   return widget.style()->styleHint(QStyle::SH_Widget_Animation_Duration, nullptr, &widget) == 0;
 }
 

@@ -8,6 +8,7 @@
 #include <cmath>
 
 #include "ui/display_colors.h"
+#include "ui/motion.h"
 #include "ui/window_metrics.h"
 
 namespace kelvane {
@@ -55,7 +56,8 @@ void SlidingArea::setFrame(ContentView view, Rect frame, Movement movement) {
   moved.animation->stop();
   moved.start = moved.frame;
   moved.target = frame;
-  const bool animated = movement == Movement::Animated && duration_.count() > 0;
+  const bool animated =
+      movement == Movement::Animated && duration_.count() > 0 && !prefersLessMotion(*this);
   if (animated && !(moved.start == moved.target)) {
     moved.animation->setDuration(static_cast<int>(duration_.count()));
     moved.animation->start();

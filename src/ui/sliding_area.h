@@ -26,6 +26,7 @@ class SlidingArea : public QWidget {
   void addView(ContentView view, QWidget* widget, Rect frame);
 
   /// Moves a view to `frame`; an animation of that view that is still running ends where it is.
+  /// Where the desktop wants less motion, every move is direct.
   void setFrame(ContentView view, Rect frame, Movement movement);
   /// How long animated moves from now on take.
   void setAnimationDuration(std::chrono::milliseconds duration) { duration_ = duration; }

@@ -134,6 +134,33 @@ void FakePortal::tell(const QString& session, uint state) {
   bus().send(signal);
 }
 
+FakeSettings::FakeSettings(const QDBusConnection& bus)
+    : FakeService(bus, QStringLiteral("org.freedesktop.portal.Desktop"),
+                  QStringLiteral("/org/freedesktop/portal/desktop")) {}
+
+QDBusVariant FakeSettings::Read(const QString& group, const QString& key) {
+  const QString setting = group + QLatin1Char('/') + key;
+  calls.push_back(setting.toStdString());
+  const auto found = values.find(setting.toStdString());
+  if (found == values.end()) {
+    sendErrorReply(QStringLiteral("org.freedesktop.portal.Error.NotFound"),
+                   QStringLiteral("no such setting"));
+    return {};
+  }
+  return QDBusVariant(QVariant::fromValue(QDBusVariant(found->second)));
+}
+
+void FakeSettings::change(const std::string& setting, const QVariant& value) {
+  const size_t slash = setting.find('/');
+  QDBusMessage signal = QDBusMessage::createSignal(
+      QStringLiteral("/org/freedesktop/portal/desktop"),
+      QStringLiteral("org.freedesktop.portal.Settings"), QStringLiteral("SettingChanged"));
+  signal << QString::fromStdString(setting.substr(0, slash))
+         << QString::fromStdString(setting.substr(slash + 1))
+         << QVariant::fromValue(QDBusVariant(value));
+  bus().send(signal);
+}
+
 FakeLauncher::FakeLauncher(QDBusConnection bus) {
   bus.connect(QString(), QString(), QStringLiteral("com.canonical.Unity.LauncherEntry"),
               QStringLiteral("Update"), this, SLOT(update(QString, QVariantMap)));

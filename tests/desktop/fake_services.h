@@ -6,9 +6,12 @@
 #include <QDBusMessage>
 #include <QDBusObjectPath>
 #include <QDBusUnixFileDescriptor>
+#include <QDBusVariant>
 #include <QObject>
 #include <QStringList>
+#include <QVariant>
 #include <QVariantMap>
+#include <map>
 #include <string>
 #include <vector>
 
@@ -121,6 +124,23 @@ class FakePortal : public FakeService {
 
  private:
   int granted_ = 0;
+};
+
+/// The part of the portal that tells how the desktop is set up. It wraps its answers twice, as it
+/// always has.
+class FakeSettings : public FakeService {
+  Q_OBJECT
+  Q_CLASSINFO("D-Bus Interface", "org.freedesktop.portal.Settings")
+
+ public:
+  explicit FakeSettings(const QDBusConnection& bus);
+
+  /// By group and key, with a slash between them.
+  std::map<std::string, QVariant> values;
+  void change(const std::string& setting, const QVariant& value);
+
+ public Q_SLOTS:
+  QDBusVariant Read(const QString& group, const QString& key);
 };
 
 /// A dock that shows the progress of applications.

@@ -1,0 +1,93 @@
+// SPDX-License-Identifier: GPL-2.0-or-later
+#include "platform/desktop/motion_setting.h"
+
+#include <QDBusConnection>
+#include <QDBusMessage>
+#include <QDBusVariant>
+#include <QObject>
+#include <utility>
+
+#include "platform/desktop/message_bus.h"
+
+namespace kelvane::desktop {
+namespace {
+
+constexpr char kService[] = "org.freedesktop.portal.Desktop";
+constexpr char kObjectPath[] = "/org/freedesktop/portal/desktop";
+constexpr char kInterface[] = "org.freedesktop.portal.Settings";
+
+/// The settings in question: where each stands, and how it reads where less motion is wanted.
+struct Setting {
+  const char* group;
+  const char* key;
+  bool valueForLess;
+};
+constexpr Setting kReducedMotion{"org.freedesktop.appearance", "reduced-motion", true};
+constexpr Setting kAnimations{"org.gnome.desktop.interface", "enable-animations", false};
+
+/// The portal wraps what it is asked for once or twice, depending on its age.
+QVariant unwrapped(QVariant value) {
+  while (value.canConvert<QDBusVariant>()) value = value.value<QDBusVariant>().variant();
+  return value;
+}
+
+}  // namespace
+
+class MotionSetting::Listener : public QObject {
+  Q_OBJECT
+
+ public:
+  Listener(std::function<void(bool)> heard, std::chrono::milliseconds patience)
+      : heard_(std::move(heard)), patience_(patience) {
+    if (!bus_.isConnected()) return;
+    bus_.connect(QLatin1String(kService), QLatin1String(kObjectPath), QLatin1String(kInterface),
+                 QStringLiteral("SettingChanged"), this,
+                 SLOT(settingChanged(QString, QString, QDBusVariant)));
+    for (const Setting& setting : {kReducedMotion, kAnimations}) ask(setting);
+  }
+
+ private Q_SLOTS:
+  void settingChanged(const QString& group, const QString& key, const QDBusVariant& value) {
+    for (const Setting& setting : {kReducedMotion, kAnimations}) {
+      if (group == QLatin1String(setting.group) && key == QLatin1String(setting.key)) {
+        take(setting, value.variant());
+      }
+    }
+  }
+
+ private:
+  // A portal that does not know the setting refuses, which tells nothing.
+  void ask(const Setting& setting) {
+    QDBusMessage method =
+        QDBusMessage::createMethodCall(QLatin1String(kService), QLatin1String(kObjectPath),
+                                       QLatin1String(kInterface), QStringLiteral("Read"));
+    method << QString::fromLatin1(setting.group) << QString::fromLatin1(setting.key);
+    call(bus_, method, patience_, this, [this, setting](const QDBusMessage& answer) {
+      if (answer.type() != QDBusMessage::ReplyMessage || answer.arguments().isEmpty()) return;
+      take(setting, answer.arguments().constFirst());
+    });
+  }
+
+  // The newer setting counts where both are known.
+  void take(const Setting& setting, const QVariant& value) {
+    const bool isNewer = setting.group == kReducedMotion.group;
+    if (!isNewer && knowsNewer_) return;
+    knowsNewer_ = isNewer;
+    heard_(unwrapped(value).toBool() == setting.valueForLess);
+  }
+
+  std::function<void(bool)> heard_;
+  const std::chrono::milliseconds patience_;
+  QDBusConnection bus_ = sessionBus();
+  bool knowsNewer_ = false;
+};
+
+MotionSetting::MotionSetting(std::function<void(bool lessMotion)> heard,
+                             std::chrono::milliseconds patience)
+    : listener_(std::make_unique<Listener>(std::move(heard), patience)) {}
+
+MotionSetting::~MotionSetting() = default;
+
+}  // namespace kelvane::desktop
+
+#include "motion_setting.moc"
