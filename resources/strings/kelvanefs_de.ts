@@ -59,6 +59,26 @@
         <source>&amp;Preferences…</source>
         <translation>&amp;Einstellungen …</translation>
     </message>
+    <message id="MenuAddFiles">
+        <source>Add &amp;Files…</source>
+        <translation>&amp;Dateien hinzufügen …</translation>
+    </message>
+    <message id="MenuAddFolder">
+        <source>Add F&amp;older…</source>
+        <translation>&amp;Ordner hinzufügen …</translation>
+    </message>
+    <message id="ChooseFiles">
+        <source>Choose files for the disc</source>
+        <translation>Dateien für die Disc auswählen</translation>
+    </message>
+    <message id="ChooseFolder">
+        <source>Choose a folder for the disc</source>
+        <translation>Einen Ordner für die Disc auswählen</translation>
+    </message>
+    <message id="ChooseAdd">
+        <source>Add</source>
+        <translation>Hinzufügen</translation>
+    </message>
     <message id="MenuLicense">
         <source>&amp;Licence Agreement</source>
         <translation>&amp;Lizenzvereinbarung</translation>
@@ -267,12 +287,12 @@
         <translation>Die Änderungen kommen als neue Sitzung auf die Disc; früher gebrannte Sitzungen bleiben, wie sie sind. Wenn Sie die Änderungen verwerfen, behält die Disc ihren jetzigen Inhalt, und Ihre Änderungen gehen verloren.</translation>
     </message>
     <message id="BurnConfirmationName">
-        <source>Disc name:</source>
-        <translation>Name der Disc:</translation>
+        <source>Disc &amp;name:</source>
+        <translation>&amp;Name der Disc:</translation>
     </message>
     <message id="BurnConfirmationSpeed">
-        <source>Speed:</source>
-        <translation>Tempo:</translation>
+        <source>&amp;Speed:</source>
+        <translation>&amp;Tempo:</translation>
     </message>
     <message id="BurnConfirmationBurn">
         <source>&amp;Burn</source>
@@ -402,6 +422,14 @@
     <message id="DVDBurnErrorLong">
         <source>An error was reported while the DVD was being written, so the new session cannot be relied on, and your changes are lost. What was burned earlier may still be readable. Insert the DVD again to see whether it opens. If it does, repeat the changes and burn at a lower speed; if not, use another DVD.</source>
         <translation>Beim Beschreiben der DVD wurde ein Fehler gemeldet. Auf die neue Sitzung ist kein Verlass, und Ihre Änderungen sind verloren. Was früher gebrannt wurde, ist vielleicht noch lesbar. Legen Sie die DVD wieder ein und sehen Sie nach, ob sie sich öffnen lässt. Wenn ja, wiederholen Sie die Änderungen und brennen Sie langsamer; wenn nein, nehmen Sie eine andere DVD.</translation>
+    </message>
+    <message id="DVDBurnedDoubtfully">
+        <source>The disc was burned, but look at it before you rely on it</source>
+        <translation>Die Disc ist gebrannt, aber sehen Sie nach, bevor Sie sich auf sie verlassen</translation>
+    </message>
+    <message id="DVDBurnedDoubtfullyLong">
+        <source>Something went wrong while the disc was written, and a file may be missing or damaged on it. Insert the disc again and look at your files before you delete them elsewhere.</source>
+        <translation>Beim Schreiben ging etwas schief, und auf der Disc kann eine Datei fehlen oder beschädigt sein. Legen Sie die Disc wieder ein, und sehen Sie Ihre Dateien nach, bevor Sie sie anderswo löschen.</translation>
     </message>
     <message id="ReasonNameNotText">
         <source>The name “%@” is not written in UTF-8, so it cannot be put on a disc. Give the item another name.</source>
@@ -675,6 +703,14 @@ Wenn Sie trotzdem brennen, wird nichts geschrieben, und Ihre Änderungen gehen v
     <message id="SummaryHiddenLong">
         <source>A name that you deleted, with special characters in it, also stands for %@. In the new session that would be hidden, too. Keep the changes in a folder, open the disc again, and give what you want to keep another name.</source>
         <translation>Ein Name mit Sonderzeichen, den Sie gelöscht haben, steht auch für %@. In der neuen Sitzung wäre das ebenfalls verborgen. Heben Sie die Änderungen in einem Ordner auf, öffnen Sie die Disc wieder und geben Sie dem, was bleiben soll, einen anderen Namen.</translation>
+    </message>
+    <message id="SummaryShownStill">
+        <source>Something that you deleted would still be listed</source>
+        <translation>Etwas, das Sie gelöscht haben, stünde weiter im Verzeichnis</translation>
+    </message>
+    <message id="SummaryShownStillLong">
+        <source>The program that writes discs cannot hide these names, which have a backslash or a line break in them: %@. In the new session each of them is an empty file.</source>
+        <translation>Das Programm, das Discs schreibt, kann diese Namen nicht verbergen, in denen ein umgekehrter Schrägstrich oder ein Zeilenumbruch steht: %@. In der neuen Sitzung ist jeder davon eine leere Datei.</translation>
     </message>
     <message id="BurnConfirmationKeep">
         <source>&amp;Keep in Folder</source>

@@ -59,6 +59,26 @@
         <source>&amp;Preferences…</source>
         <translation>&amp;Preferences…</translation>
     </message>
+    <message id="MenuAddFiles">
+        <source>Add &amp;Files…</source>
+        <translation>Add &amp;Files…</translation>
+    </message>
+    <message id="MenuAddFolder">
+        <source>Add F&amp;older…</source>
+        <translation>Add F&amp;older…</translation>
+    </message>
+    <message id="ChooseFiles">
+        <source>Choose files for the disc</source>
+        <translation>Choose files for the disc</translation>
+    </message>
+    <message id="ChooseFolder">
+        <source>Choose a folder for the disc</source>
+        <translation>Choose a folder for the disc</translation>
+    </message>
+    <message id="ChooseAdd">
+        <source>Add</source>
+        <translation>Add</translation>
+    </message>
     <message id="MenuLicense">
         <source>&amp;Licence Agreement</source>
         <translation>&amp;Licence Agreement</translation>
@@ -267,12 +287,12 @@
         <translation>The changes are added to the disc as a new session; sessions burned before stay as they are. If you discard the changes, the disc keeps what it holds now and your changes are lost.</translation>
     </message>
     <message id="BurnConfirmationName">
-        <source>Disc name:</source>
-        <translation>Disc name:</translation>
+        <source>Disc &amp;name:</source>
+        <translation>Disc &amp;name:</translation>
     </message>
     <message id="BurnConfirmationSpeed">
-        <source>Speed:</source>
-        <translation>Speed:</translation>
+        <source>&amp;Speed:</source>
+        <translation>&amp;Speed:</translation>
     </message>
     <message id="BurnConfirmationBurn">
         <source>&amp;Burn</source>
@@ -402,6 +422,14 @@
     <message id="DVDBurnErrorLong">
         <source>An error was reported while the DVD was being written, so the new session cannot be relied on, and your changes are lost. What was burned earlier may still be readable. Insert the DVD again to see whether it opens. If it does, repeat the changes and burn at a lower speed; if not, use another DVD.</source>
         <translation>An error was reported while the DVD was being written, so the new session cannot be relied on, and your changes are lost. What was burned earlier may still be readable. Insert the DVD again to see whether it opens. If it does, repeat the changes and burn at a lower speed; if not, use another DVD.</translation>
+    </message>
+    <message id="DVDBurnedDoubtfully">
+        <source>The disc was burned, but look at it before you rely on it</source>
+        <translation>The disc was burned, but look at it before you rely on it</translation>
+    </message>
+    <message id="DVDBurnedDoubtfullyLong">
+        <source>Something went wrong while the disc was written, and a file may be missing or damaged on it. Insert the disc again and look at your files before you delete them elsewhere.</source>
+        <translation>Something went wrong while the disc was written, and a file may be missing or damaged on it. Insert the disc again and look at your files before you delete them elsewhere.</translation>
     </message>
     <message id="ReasonNameNotText">
         <source>The name “%@” is not written in UTF-8, so it cannot be put on a disc. Give the item another name.</source>
@@ -675,6 +703,14 @@ If you burn all the same, nothing is written and your changes are lost. Keep the
     <message id="SummaryHiddenLong">
         <source>A name that you deleted, with special characters in it, also stands for %@. In the new session that would be hidden, too. Keep the changes in a folder, open the disc again, and give what you want to keep another name.</source>
         <translation>A name that you deleted, with special characters in it, also stands for %@. In the new session that would be hidden, too. Keep the changes in a folder, open the disc again, and give what you want to keep another name.</translation>
+    </message>
+    <message id="SummaryShownStill">
+        <source>Something that you deleted would still be listed</source>
+        <translation>Something that you deleted would still be listed</translation>
+    </message>
+    <message id="SummaryShownStillLong">
+        <source>The program that writes discs cannot hide these names, which have a backslash or a line break in them: %@. In the new session each of them is an empty file.</source>
+        <translation>The program that writes discs cannot hide these names, which have a backslash or a line break in them: %@. In the new session each of them is an empty file.</translation>
     </message>
     <message id="BurnConfirmationKeep">
         <source>&amp;Keep in Folder</source>

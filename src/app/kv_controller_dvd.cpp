@@ -39,12 +39,17 @@ std::string asList(const std::vector<std::string>& lines) {
   return "(" + list + ")";
 }
 
+template <typename Lines>
+std::string joined(const Lines& lines) {
+  std::string text;
+  for (const std::string& line : lines) text += (text.empty() ? "" : "\n") + line;
+  return text;
+}
+
 // What growisofs and the image builder said, for the user: the file or limit in question is among
 // it.
 std::string wordsOf(const DVDBurn& burn) {
-  std::string words;
-  for (const std::string& line : burn.remarks().lines())
-    words += (words.empty() ? "" : "\n") + line;
+  const std::string words = joined(burn.remarks().lines());
   return words.empty() ? burn.burnErrors().back() : words;
 }
 
@@ -144,6 +149,10 @@ void KVController::finishDVDBurn(const DVDBurn& burn) {
   } else {
     systemLog("DVDBurn finished successfully!");
     burnEnd_ = BurnEnd::Succeeded;
+    if (const std::string doubts = joined(burn.remarks().doubts()); !doubts.empty()) {
+      window_.beginAlertSheet(
+          warningAlert("DVDBurnedDoubtfully", withPlainReason(doubts, tmpDirPath_)), nullptr);
+    }
   }
   // A failure that the verdict has missed is not lost altogether.
   for (const std::string& remark : burn.remarks().lines()) systemLog("growisofs: %@", remark);

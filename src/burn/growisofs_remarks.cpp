@@ -3,6 +3,7 @@
 
 #include <algorithm>
 #include <array>
+#include <iterator>
 
 namespace kelvane {
 namespace {
@@ -30,6 +31,13 @@ bool isOrdinary(std::string_view line) {
                      [line](std::string_view beginning) { return line.starts_with(beginning); });
 }
 
+// ":-[" tells of a command that the drive has refused, ":-?" of something odd, ":-!" of something
+// that is ignored.
+bool leavesDoubt(const std::string& line) {
+  if (line.starts_with(":-[") || line.starts_with(":-?") || line.starts_with(":-!")) return true;
+  return line.ends_with("is not readable - ignoring") || line.ends_with("Broken pipe");
+}
+
 }  // namespace
 
 void GrowisofsRemarks::take(std::string_view bytes) {
@@ -45,6 +53,12 @@ void GrowisofsRemarks::take(std::string_view bytes) {
 void GrowisofsRemarks::end() {
   takeLine(incomplete_);
   incomplete_.clear();
+}
+
+std::vector<std::string> GrowisofsRemarks::doubts() const {
+  std::vector<std::string> doubts;
+  std::ranges::copy_if(lines_, std::back_inserter(doubts), leavesDoubt);
+  return doubts;
 }
 
 void GrowisofsRemarks::takeLine(std::string_view line) {

@@ -5,6 +5,7 @@
 #include <deque>
 #include <string>
 #include <string_view>
+#include <vector>
 
 namespace kelvane {
 
@@ -23,6 +24,10 @@ class GrowisofsRemarks {
   void take(std::string_view bytes);
   /// Nothing more will come: what stands after the last line feed is a line, too.
   void end();
+
+  /// Those of the lines that leave a burn doubtful which counts as a success: something went wrong
+  /// that is no failure to growisofs, or a file was left out.
+  std::vector<std::string> doubts() const;
 
   /// The lines, as they were written, without line feeds.
   const std::deque<std::string>& lines() const { return lines_; }

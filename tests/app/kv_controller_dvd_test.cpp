@@ -303,7 +303,7 @@ TEST_F(KVControllerDVD, TheLastOfSeveralErrorsDecides) {
   EXPECT_EQ(window_.alerts.at(0).informativeKey, "DVDBurnErrorFull");
 }
 
-TEST_F(KVControllerDVD, AFailureWithoutAnErrorLineCountsAsSuccessAndItsWordsAreLogged) {
+TEST_F(KVControllerDVD, AFailureWithoutAnErrorLineCountsAsSuccessAndItsWordsAreToldAndLogged) {
   bundle_.addProgram("growisofs",
                      "echo 'Permission denied. File x is not readable - ignoring' >&2\n"
                      "echo ':-[ WRITE@LBA=10h failed' >&2; exit 1");
@@ -312,6 +312,20 @@ TEST_F(KVControllerDVD, AFailureWithoutAnErrorLineCountsAsSuccessAndItsWordsAreL
               ElementsAre("DVDBurn finished successfully!",
                           "growisofs: Permission denied. File x is not readable - ignoring",
                           "growisofs: :-[ WRITE@LBA=10h failed"));
+  EXPECT_THAT(window_.burnEnds, ElementsAre(BurnEnd::Succeeded));
+  ASSERT_EQ(window_.alerts.size(), 1u);
+  EXPECT_EQ(window_.alerts[0].messageKey, "DVDBurnedDoubtfully");
+  EXPECT_EQ(window_.alerts[0].informativeKey, "DVDBurnedDoubtfullyLong");
+  EXPECT_EQ(window_.alerts[0].detail,
+            "ReasonFileNotReadable\nPermission denied. File x is not readable - ignoring\n"
+            ":-[ WRITE@LBA=10h failed");
+}
+
+TEST_F(KVControllerDVD, WordsThatMeanNoHarmAreOnlyLogged) {
+  bundle_.addProgram("growisofs", "echo 'something new that it says' >&2");
+  burn();
+  EXPECT_THAT(log_.lines(), ElementsAre("DVDBurn finished successfully!",
+                                        "growisofs: something new that it says"));
   EXPECT_TRUE(window_.alerts.empty());
 }
 

@@ -31,10 +31,13 @@ class UnreadableFiles(RoadTest):
             self.assertTrue(name.endswith(".iso"), name)
             os.remove(os.path.join(self.prefix, "tmp", name))
 
-    def test_on_a_dvd_the_session_lacks_the_file_and_the_log_names_it(self):
+    def test_on_a_dvd_the_session_lacks_the_file_and_the_user_is_told(self):
         disc = self.make_disc(media="dvd+rw")
         outcome = self.batch(disc, "sh", "-ec", self.SCRIPT, wrapper=self.wrapper)
         self.assertEqual(outcome["state"], "burned")
+        self.assertIn("look at it before you rely on it", outcome["warning"])
+        self.assertIn("“secret.txt”", outcome["warning"])
+        self.assertIn("“secret.txt”", outcome["summary"]["problem"], "it was foretold, too")
         named = [line for line in outcome["lines"] if line.startswith("kelvanefs: growisofs: ")]
         self.assertEqual(len(named), 1, outcome["lines"])
         self.assertIn("secret.txt is not readable", named[0])
