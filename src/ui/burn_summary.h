@@ -39,9 +39,13 @@ struct BurnSummary {
   /// Items that nobody deleted and that would be missing all the same, by their paths on the
   /// volume; a folder's ends in "/".
   std::vector<std::string> hiddenToo;
+  /// Items that were deleted and would be there all the same, as empty files, by their paths on the
+  /// volume.
+  std::vector<std::string> shownStill;
   /// Why the session cannot be built, in the user's language; empty where nothing is known against
   /// it.
   std::string problem;
+  bool isComplete = false;  ///< Nothing else will be found out.
 
   /// Whether it is certain that the session does not fit.
   bool isTooLarge() const {
@@ -49,7 +53,9 @@ struct BurnSummary {
            freeAfterwards->certainty == Certainty::Exact;
   }
   /// Whether to burn would miss what the user wants, or part of it.
-  bool warns() const { return isTooLarge() || !problem.empty() || !hiddenToo.empty(); }
+  bool warns() const {
+    return isTooLarge() || !problem.empty() || !hiddenToo.empty() || !shownStill.empty();
+  }
 };
 
 }  // namespace kelvane

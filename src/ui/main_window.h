@@ -3,18 +3,22 @@
 
 #include <QWidget>
 #include <functional>
+#include <memory>
 #include <optional>
 #include <string>
 #include <vector>
 
+#include "platform/desktop/notifications.h"
 #include "ui/media_controller.h"
 #include "ui/window_outlets.h"
 #include "ui/window_status.h"
 
+class QAction;
+
 namespace kelvane {
 
 namespace desktop {
-class Notifications;
+class MotionSetting;
 }
 
 class ConfirmationSheet;
@@ -32,10 +36,12 @@ class PreferencesPanel;
 class RoomyButton;
 class SlidingArea;
 class WindowMenu;
+enum class Choice;
 enum class UpdateChecks;
 
 /// The main window: a header line, below it the content area in which four views take turns, at the
-/// bottom a bar of buttons. Main thread only.
+/// bottom a bar of buttons. Main thread only. One source file for its parts, one for what the user
+/// does in it, one for what the controller shows by it.
 class MainWindow : public QWidget, public WindowOutlets {
   Q_OBJECT
 
@@ -120,11 +126,14 @@ class MainWindow : public QWidget, public WindowOutlets {
   void connectActions();
   void addMenuEntries();
   void addShortcuts();
+  void addFiles(Choice choice);
   void showLicense();
   void applyScale();
   void adaptButtons();
   void adaptStatus();
   void showPercent(int percent);
+  /// Tells the user by a notification; `key` is that of its summary.
+  void notifyOfEnd(desktop::Notice::Kind kind, const std::string& key);
   void showMediaController();
   void selectInMediaController();
   void askToErase(size_t row);
@@ -136,11 +145,14 @@ class MainWindow : public QWidget, public WindowOutlets {
   std::function<void(bool)> terminateReplied_;
   std::function<std::string()> licenseSource_;
   bool closingAllowed_ = false;
+  std::unique_ptr<desktop::MotionSetting> motionSetting_;
 
   // All are children of this window.
   QWidget* header_ = nullptr;
   HeaderView* headerBackground_ = nullptr;
   WindowMenu* windowMenu_ = nullptr;
+  QAction* addFilesEntry_ = nullptr;
+  QAction* addFolderEntry_ = nullptr;
   QWidget* buttonBar_ = nullptr;
   SlidingArea* contentArea_ = nullptr;
   MessageView* messageView_ = nullptr;

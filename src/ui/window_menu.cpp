@@ -37,8 +37,8 @@ WindowMenu::WindowMenu(QWidget* parent) : QToolButton(parent), menu_(new QMenu(t
           &QToolButton::showMenu);
 }
 
-void WindowMenu::addEntry(QWidget& window, const char* name, const char* textKey,
-                          const QKeySequence& shortcut, const std::function<void()>& chosen) {
+QAction* WindowMenu::addEntry(QWidget& window, const char* name, const char* textKey,
+                              const QKeySequence& shortcut, const std::function<void()>& chosen) {
   auto* entry = new QAction(localizedText(textKey), this);
   entry->setObjectName(QLatin1String(name));
   entry->setShortcut(shortcut);
@@ -46,6 +46,7 @@ void WindowMenu::addEntry(QWidget& window, const char* name, const char* textKey
   connect(entry, &QAction::triggered, this, chosen);
   menu_->addAction(entry);
   window.addAction(entry);
+  return entry;
 }
 
 // Three lines, drawn with the pen of the palette: icon themes differ in whether they have such a

@@ -8,6 +8,7 @@
 #include <QTest>
 
 #include "platform/foundation/strings_table.h"
+#include "ui/motion.h"
 #include "ui/sliding_area.h"
 #include "ui/window_test.h"
 
@@ -80,6 +81,17 @@ TEST_F(ContentViews, AnimatedMovePassesThroughFramesInBetweenAndEndsWhereItWasSe
   EXPECT_EQ(area().currentFrame(ContentView::MountedItem), kInWindow);
   EXPECT_EQ(area().currentFrame(ContentView::DiskScroll), kLeftOfWindow);
   EXPECT_EQ(area().currentFrame(ContentView::Message), kLeftOfWindow);
+}
+
+TEST_F(ContentViews, WhereTheDesktopWantsLessMotionEveryMoveIsDirect) {
+  setLessMotionIsWanted(true);
+  window_.setAnimationDuration(0.6);
+  window_.setFrame(ContentView::MountedItem, kInWindow, Movement::Animated);
+  EXPECT_FALSE(window_.contentArea().isMoving(ContentView::MountedItem));
+  EXPECT_EQ(window_.contentArea().currentFrame(ContentView::MountedItem), kInWindow);
+  setLessMotionIsWanted(false);
+  window_.setFrame(ContentView::MountedItem, kRightOfWindow, Movement::Animated);
+  EXPECT_TRUE(window_.contentArea().isMoving(ContentView::MountedItem));
 }
 
 TEST_F(ContentViews, DirectMoveEndsAnAnimationThatIsStillRunning) {

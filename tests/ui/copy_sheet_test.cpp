@@ -3,12 +3,16 @@
 // into a folder that stands for the volume.
 #include "ui/copy_sheet.h"
 
+#include <QAction>
 #include <QApplication>
 #include <QCheckBox>
 #include <QClipboard>
 #include <QDialog>
 #include <QDropEvent>
+#include <QFile>
+#include <QFileDialog>
 #include <QLabel>
+#include <QLineEdit>
 #include <QMessageBox>
 #include <QMimeData>
 #include <QProgressBar>
@@ -186,6 +190,69 @@ TEST_F(DroppedFiles, AreNotPastedWhereNoDiscIsOpen) {
   QTest::keyClick(&window_, Qt::Key_V, Qt::ControlModifier);
   EXPECT_THAT(copying_.added, IsEmpty());
   QApplication::clipboard()->clear();
+}
+
+/// Files that are chosen in the window's menu, by whoever has only the keyboard.
+class ChosenFiles : public DroppedFiles {
+ protected:
+  static constexpr auto kModifiers = Qt::ControlModifier | Qt::ShiftModifier;
+
+  /// The desktop's chooser is no part of the window, so the toolkit's own one is shown.
+  ChosenFiles() { QApplication::setAttribute(Qt::AA_DontUseNativeDialogs); }
+  ~ChosenFiles() override { QApplication::setAttribute(Qt::AA_DontUseNativeDialogs, false); }
+
+  void press(Qt::Key key) {
+    window_.activateWindow();
+    QTest::keyClick(&window_, key, kModifiers);
+  }
+  QFileDialog* chooser() { return window_.findChild<QFileDialog*>("fileChooser"); }
+  /// Types a path into the chooser, and Return.
+  void choose(const std::string& path) {
+    auto* field = chooser()->findChild<QLineEdit*>("fileNameEdit");
+    ASSERT_NE(field, nullptr);
+    field->setText(QFile::decodeName(path.c_str()));
+    QTest::keyClick(field, Qt::Key_Return);
+  }
+};
+
+TEST_F(ChosenFiles, AreCopiedLikeThoseThatAreDropped) {
+  write(from("a.txt"), "a");
+  press(Qt::Key_A);
+  ASSERT_NE(chooser(), nullptr);
+  EXPECT_EQ(chooser()->windowModality(), Qt::WindowModal);
+  choose(from("a.txt"));
+  waitUntilCopied();
+  EXPECT_EQ(contentOf(to("a.txt")), "a");
+}
+
+TEST_F(ChosenFiles, CanBeAFolder) {
+  fs::create_directory(from("folder"));
+  write(from("folder/a.txt"), "a");
+  press(Qt::Key_D);
+  ASSERT_NE(chooser(), nullptr);
+  choose(from("folder"));
+  waitUntilCopied();
+  EXPECT_EQ(contentOf(to("folder/a.txt")), "a");
+}
+
+TEST_F(ChosenFiles, AreNoneWhereTheUserChangesTheirMind) {
+  press(Qt::Key_A);
+  ASSERT_NE(chooser(), nullptr);
+  QTest::keyClick(chooser(), Qt::Key_Escape);
+  EXPECT_THAT(copying_.added, IsEmpty());
+}
+
+TEST_F(ChosenFiles, AreNotAskedForWhereNoDiscIsOpen) {
+  window_.setFrame(ContentView::MountedItem, kRightOfWindow, Movement::Direct);
+  EXPECT_FALSE(child<QAction>("addFilesEntry")->isEnabled());
+  press(Qt::Key_A);
+  EXPECT_EQ(chooser(), nullptr);
+}
+
+TEST_F(ChosenFiles, AreNotAskedForWhereTheVolumeTakesNone) {
+  copying_.takesFiles = false;
+  press(Qt::Key_A);
+  EXPECT_EQ(chooser(), nullptr);
 }
 
 class TakenNames : public DroppedFiles {

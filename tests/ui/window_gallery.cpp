@@ -24,6 +24,7 @@
 #include "ui/agreement_window.h"
 #include "ui/burn_summary.h"
 #include "ui/copy_job.h"
+#include "ui/every_alert.h"
 #include "ui/main_window.h"
 #include "ui/sample_records.h"
 #include "ui/sliding_area.h"
@@ -106,21 +107,7 @@ class Gallery {
     copying();
     confirming();
     burning();
-    alert("alert", {.style = Alert::Style::Warning,
-                    .buttonKeys = {"OK"},
-                    .messageKey = "CDBurnError",
-                    .informativeKey = "CDBurnErrorLong",
-                    .detail = "The drive said: write error, medium may be scratched (3/0C/00)."});
-    alert("erase", {.style = Alert::Style::Warning,
-                    .buttonKeys = {"Erase", "Cancel"},
-                    .messageKey = "attempteraseshort",
-                    .informativeKey = "attempteraselong",
-                    .detail = {}});
-    alert("fuse", {.style = Alert::Style::Critical,
-                   .buttonKeys = {"Install", "Quit"},
-                   .messageKey = "InstallationIncomplete",
-                   .informativeKey = "InstallationIncompleteLong",
-                   .detail = {}});
+    for (const Alert& alert : testing::everyAlert()) shootAlert(alert);
     update();
     license();
     return allSaved_;
@@ -262,9 +249,9 @@ class Gallery {
     window_.setOpenButtonCaption(localizedString("buttonopen"));
   }
 
-  void alert(const char* state, const Alert& alert) {
+  void shootAlert(const Alert& alert) {
     window_.beginAlertSheet(alert, {});
-    shoot(QLatin1String(state));
+    shoot(QString::fromStdString("alert-" + alert.messageKey + "-" + alert.informativeKey));
     for (QWidget* widget : QApplication::topLevelWidgets()) {
       if (widget->objectName() == QStringLiteral("alertSheet")) delete widget;
     }

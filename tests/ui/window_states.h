@@ -19,9 +19,6 @@ struct WindowState {
 /// Every state, the alerts by the name of their message.
 const std::vector<WindowState>& windowStates();
 
-/// Every alert that the application shows.
-const std::vector<Alert>& everyAlert();
-
 /// Leads a window back from any of these states into the first one.
 void leaveState(MainWindow& window);
 
