@@ -51,12 +51,39 @@ void declareOptions(CLI::App& app, BatchOptions& options) {
   app.add_option("command", options.command, "The command and its arguments, after --")->required();
 }
 
+nlohmann::json jsonOf(const BurnSummary::Items& items) {
+  return {{"files", items.files}, {"folders", items.folders}};
+}
+
+// A number that is not to be relied on is left out.
+nlohmann::json jsonOf(const std::optional<BurnSummary::Bytes>& bytes) {
+  if (!bytes || bytes->certainty != BurnSummary::Certainty::Exact) return nullptr;
+  return bytes->bytes;
+}
+
+nlohmann::json jsonOf(const BurnSummary& summary) {
+  const BurnSummary::Changes changes = summary.changes.value_or(BurnSummary::Changes());
+  nlohmann::json object = {{"added", jsonOf(changes.added)},
+                           {"replaced", jsonOf(changes.replaced)},
+                           {"renamed", jsonOf(changes.renamed)},
+                           {"deleted", jsonOf(changes.deleted)},
+                           {"bytes_needed", jsonOf(summary.needed)},
+                           {"bytes_free_afterwards", jsonOf(summary.freeAfterwards)},
+                           {"hidden_too", summary.hiddenToo},
+                           {"shown_still", summary.shownStill},
+                           {"problem", nullptr}};
+  if (!summary.problem.empty()) object["problem"] = summary.problem;
+  return object;
+}
+
 void printOutcome(const BatchOutcome& outcome) {
-  nlohmann::json object = {
-      {"state", outcome.state}, {"session", nullptr}, {"bytes", nullptr}, {"error", nullptr}};
+  nlohmann::json object = {{"state", outcome.state}, {"session", nullptr}, {"bytes", nullptr},
+                           {"error", nullptr},       {"warning", nullptr}, {"summary", nullptr}};
   if (outcome.state == "burned" && outcome.session) object["session"] = *outcome.session;
   if (outcome.state == "burned" && outcome.bytes) object["bytes"] = *outcome.bytes;
   if (!outcome.error.empty()) object["error"] = outcome.error;
+  if (!outcome.warning.empty()) object["warning"] = outcome.warning;
+  if (outcome.summary) object["summary"] = jsonOf(*outcome.summary);
   std::printf("%s\n",
               object.dump(-1, ' ', false, nlohmann::json::error_handler_t::replace).c_str());
 }

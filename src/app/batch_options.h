@@ -6,6 +6,8 @@
 #include <string>
 #include <vector>
 
+#include "ui/burn_summary.h"
+
 namespace kelvane {
 
 /// What a batch run is asked to do.
@@ -36,6 +38,9 @@ struct BatchOutcome {
   std::optional<uint32_t> session;
   std::optional<uint64_t> bytes;  ///< The size of that session's image; absent for a DVD.
   std::string error;              ///< Why it failed; empty where it did not.
+  /// What makes a burn doubtful that counts as a success; empty where nothing does.
+  std::string warning;
+  std::optional<BurnSummary> summary;  ///< What was to be burned; absent where nothing was.
   int exitStatus = 0;
 };
 

@@ -10,6 +10,7 @@
 #include <utility>
 
 #include "app/kv_controller.h"
+#include "app/summary_words.h"
 #include "app/terminal_words.h"
 #include "burn/dvd_burn.h"
 #include "platform/foundation/child_task.h"
@@ -161,13 +162,25 @@ bool BatchRun::discards() const {
 }
 
 void BatchRun::beginBurnConfirmationSheet() {
+  stage_ = Stage::Confirming;
   if (discards()) {
-    say("Discarding the changes.");
-    outcome_.state = "discarded";
-    performOnMainThread([this] { controller_->burnConfirmationDidCancel(); });
-    return;
+    discardChanges();
+  } else if (options_.name) {
+    setBurnConfirmationDiskTitle(*options_.name);
   }
-  if (options_.name) setBurnConfirmationDiskTitle(*options_.name);
+}
+
+void BatchRun::discardChanges() {
+  say("Discarding the changes.");
+  outcome_.state = "discarded";
+  performOnMainThread([this] { controller_->burnConfirmationDidCancel(); });
+}
+
+// Nobody is asked, so nothing that speaks against it keeps the burn from being tried.
+void BatchRun::setBurnSummary(const BurnSummary& summary) {
+  if (stage_ != Stage::Confirming || discards() || !summary.isComplete) return;
+  for (const std::string& line : linesOf(summary)) say("%@", line);
+  outcome_.summary = summary;
   stage_ = Stage::Burning;
   performOnMainThread([this] { controller_->burnConfirmationDidConfirm(); });
 }
@@ -216,7 +229,12 @@ void BatchRun::beginAlertSheet(const Alert& alert, std::function<void(int)>) {
     return;
   }
   const std::string line = asLine(alert);
-  if (stage_ == Stage::Burning || stage_ == Stage::Closing) {
+  if (alert.messageKey == "DVDBurnedDoubtfully") {
+    outcome_.warning = line;
+    say("%@", line);
+    return;
+  }
+  if (stage_ == Stage::Burning || stage_ == Stage::Closing || stage_ == Stage::Confirming) {
     outcome_.state = "burn-failed";
     outcome_.error = line;
     outcome_.exitStatus = static_cast<int>(BatchExit::BurnFailed);
@@ -265,6 +283,8 @@ void BatchRun::interrupt(int signalNumber) {
     }
   } else if (stage_ == Stage::Closing) {
     closeVolume();
+  } else if (stage_ == Stage::Confirming) {
+    if (!again) discardChanges();
   } else if (controller_->currentDevice() == nullptr) {
     end();
   }

@@ -18,8 +18,8 @@ class KVController;
 /// on the volume, and says on standard error, one line a stage, what goes on.
 ///
 /// The road: wait for the disc to be listed and opened → run the command → close the volume →
-/// confirm or cancel the burn → wait for the clean-up. It ends with the outcome, and the event loop
-/// is asked to quit. Main thread only.
+/// tell what will change → confirm or cancel the burn → wait for the clean-up. It ends with the
+/// outcome, and the event loop is asked to quit. Main thread only.
 class BatchRun final : public WindowlessOutlets {
  public:
   explicit BatchRun(BatchOptions options);
@@ -38,13 +38,15 @@ class BatchRun final : public WindowlessOutlets {
   void setBurnMessage(const std::string& text) override;
   int32_t burnSpeedTag() override { return options_.speedTag; }
   void beginBurnConfirmationSheet() override;
+  bool showsBurnSummary() const override { return !discards(); }
+  void setBurnSummary(const BurnSummary& summary) override;
   void beginAlertSheet(const Alert& alert, std::function<void(int returnCode)> didEnd) override;
   void discHasGone() override;
   void terminate() override;
   void replyToApplicationShouldTerminate(bool shouldTerminate) override;
 
  private:
-  enum class Stage { Opening, Running, Closing, Burning, Ended };
+  enum class Stage { Opening, Running, Closing, Confirming, Burning, Ended };
 
   void setDoubleValue(double value) override;
 
@@ -58,6 +60,7 @@ class BatchRun final : public WindowlessOutlets {
   void mountFailed(const std::string& reason);
   void burnStatusChanged(const Notification& notification);
   void notOpened(const std::string& reason);
+  void discardChanges();
   void end();
   bool discards() const;
 

@@ -108,7 +108,11 @@ BurnSurvey::~BurnSurvey() {
 }
 
 void BurnSurvey::run(const std::stop_token& stop) {
-  if (countItems(stop) && findHiddenItems(stop)) measure(stop);
+  if (!countItems(stop) || !findHiddenItems(stop)) return;
+  measure(stop);
+  if (stop.stop_requested()) return;
+  summary_.isComplete = true;
+  say();
 }
 
 // False where it is to end. What the changes need is a guess until mkisofs has computed it.
@@ -132,13 +136,13 @@ bool BurnSurvey::findHiddenItems(const std::stop_token& stop) {
   const bool isFirstOnCD = subject_.road == SurveySubject::Road::CD &&
                            quellbrook::sessionString(*subject_.device) == kNoSession;
   if (!subject_.disc || isFirstOnCD) return true;
-  const auto hidden =
-      itemsHiddenBesides(subject_.overlay, subject_.hideList, subject_.changes, stop);
-  if (!hidden) return false;
-  for (const HiddenItem& item : *hidden) {
+  const auto effects = effectsOfHiding(subject_.overlay, subject_.hideList, subject_.changes, stop);
+  if (!effects) return false;
+  for (const HiddenItem& item : effects->hiddenToo) {
     summary_.hiddenToo.push_back(item.path.substr(1) + (item.isFolder ? "/" : ""));
   }
-  if (!summary_.hiddenToo.empty()) say();
+  for (const std::string& path : effects->shownStill) summary_.shownStill.push_back(path.substr(1));
+  if (summary_.warns()) say();
   return true;
 }
 
@@ -161,7 +165,6 @@ void BurnSurvey::measure(const std::stop_token& stop) {
     summary_.problem = format(localizedString("ReasonNameNotText"), name->substr(1));
   }
   if (size.blocks) take(static_cast<int64_t>(*size.blocks), measurement->room);
-  say();
 }
 
 void BurnSurvey::take(int64_t blocks, const RecordingRoom& room) {

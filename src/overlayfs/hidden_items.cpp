@@ -5,15 +5,13 @@
 #include <locale.h>
 
 #include <algorithm>
-#include <filesystem>
 #include <fstream>
-#include <system_error>
 #include <unordered_set>
+
+#include "platform/foundation/folder_items.h"
 
 namespace kelvane {
 namespace {
-
-namespace fs = std::filesystem;
 
 constexpr char kWildcards[] = "*?[\\";
 
@@ -69,36 +67,28 @@ class Patterns {
 
 }  // namespace
 
-std::optional<std::vector<HiddenItem>> itemsHiddenBesides(const std::string& overlay,
-                                                          const std::string& hideListFile,
-                                                          const OverlayChanges& changes,
-                                                          const std::stop_token& stop) {
+std::optional<HideEffects> effectsOfHiding(const std::string& overlay,
+                                           const std::string& hideListFile,
+                                           const OverlayChanges& changes,
+                                           const std::stop_token& stop) {
   const EnvironmentCharacters characters;
   const Patterns patterns(hideListFile);
   const std::unordered_set<std::string> deleted(changes.deleted.begin(), changes.deleted.end());
-  std::vector<HiddenItem> hidden;
-  std::vector<std::string> folders = {""};
-  while (!folders.empty()) {
-    const std::string folder = std::move(folders.back());
-    folders.pop_back();
-    std::error_code failure;
-    for (fs::directory_iterator entry(overlay + folder, failure), end; !failure && entry != end;
-         entry.increment(failure)) {
-      if (stop.stop_requested()) return std::nullopt;
-      const std::string name = entry->path().filename().string();
-      const std::string path = folder + "/" + name;
-      if (deleted.contains(path)) continue;
-      std::error_code unreadable;
-      const bool isFolder = fs::is_directory(entry->symlink_status(unreadable));
-      if (patterns.hides(overlay + path, name)) {
-        hidden.push_back({path, isFolder});
-      } else if (isFolder) {
-        folders.push_back(path);
-      }
+  HideEffects effects;
+  const bool isThrough = visitItemsBelow(overlay, stop, [&](const FolderItem& item) {
+    const bool isHidden = patterns.hides(overlay + item.path, item.name);
+    if (deleted.contains(item.path)) {
+      if (!isHidden) effects.shownStill.push_back(item.path);
+      return Visit::PassOver;
     }
-  }
-  std::ranges::sort(hidden, {}, &HiddenItem::path);
-  return hidden;
+    if (!isHidden) return Visit::GoOn;
+    effects.hiddenToo.push_back({item.path, item.isFolder});
+    return Visit::PassOver;
+  });
+  if (!isThrough) return std::nullopt;
+  std::ranges::sort(effects.hiddenToo, {}, &HiddenItem::path);
+  std::ranges::sort(effects.shownStill);
+  return effects;
 }
 
 }  // namespace kelvane

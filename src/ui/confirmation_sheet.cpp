@@ -9,16 +9,19 @@
 #include <QLineEdit>
 #include <QVBoxLayout>
 #include <QValidator>
+#include <algorithm>
+#include <utility>
+#include <vector>
 
 #include "platform/foundation/placeholders.h"
 #include "platform/foundation/strings_table.h"
 #include "ui/alert_sheet.h"
-#include "ui/amount_texts.h"
 #include "ui/burn_summary.h"
 #include "ui/cd_name_formatter.h"
 #include "ui/change_summary_view.h"
 #include "ui/paragraph.h"
 #include "ui/roomy_button.h"
+#include "ui/summary_warnings.h"
 #include "ui/view_parts.h"
 #include "ui/warning_box.h"
 
@@ -58,13 +61,16 @@ ConfirmationSheet::ConfirmationSheet(QWidget* parent) : QDialog(parent) {
   problem_ = new WarningBox("problemWarning", this);
   tooLarge_ = new WarningBox("tooLargeWarning", this);
   hiddenToo_ = new WarningBox("hiddenTooWarning", this);
+  shownStill_ = new WarningBox("shownStillWarning", this);
 
   auto* column = new QVBoxLayout;
   column->setSpacing(10);
   column->addWidget(question);
   column->addWidget(explanation);
   column->addWidget(summary_);
-  for (WarningBox* warning : {problem_, tooLarge_, hiddenToo_}) column->addWidget(warning);
+  for (WarningBox* warning : {problem_, tooLarge_, hiddenToo_, shownStill_}) {
+    column->addWidget(warning);
+  }
   column->addLayout(makeFields());
 
   auto* body = new QHBoxLayout;
@@ -99,7 +105,8 @@ QLayout* ConfirmationSheet::makeFields() {
         std::pair<const char*, QWidget*>{"BurnConfirmationSpeed", speedPopup_}}) {
     const QString label = localizedText(key);
     form->addRow(label, field);
-    field->setAccessibleName(label.endsWith(QLatin1Char(':')) ? label.chopped(1) : label);
+    const QString name = withoutMnemonicMark(label);
+    field->setAccessibleName(name.endsWith(QLatin1Char(':')) ? name.chopped(1) : name);
   }
   return form;
 }
@@ -160,26 +167,20 @@ void ConfirmationSheet::setSummary(const BurnSummary& summary) {
 }
 
 void ConfirmationSheet::showWarnings(const BurnSummary& summary) {
-  const bool hasProblem = !summary.problem.empty();
-  problem_->setWarning(
-      hasProblem ? localizedText("SummaryProblem") : QString(),
-      QString::fromStdString(format(localizedString("SummaryProblemLong"), summary.problem)));
-
-  QString excess;
-  if (summary.isTooLarge() && summary.needed && summary.freeBefore) {
-    excess = QString::fromStdString(format(localizedString("SummaryTooLargeLong"),
-                                           bytesText(summary.needed->bytes).toStdString(),
-                                           bytesText(summary.freeBefore->bytes).toStdString(),
-                                           bytesText(summary.freeAfterwards->bytes).toStdString()));
+  const std::vector<std::pair<WarningBox*, SummaryWarning::About>> boxes = {
+      {problem_, SummaryWarning::About::Problem},
+      {tooLarge_, SummaryWarning::About::Size},
+      {hiddenToo_, SummaryWarning::About::Hidden},
+      {shownStill_, SummaryWarning::About::ShownStill}};
+  const std::vector<SummaryWarning> warnings = warningsOf(summary);
+  for (const auto& [box, subject] : boxes) {
+    const auto found = std::ranges::find(warnings, subject, &SummaryWarning::about);
+    if (found == warnings.end()) {
+      box->setWarning({}, {});
+    } else {
+      box->setWarning(found->message, found->explanation);
+    }
   }
-  tooLarge_->setWarning(excess.isEmpty() ? QString() : localizedText("SummaryTooLarge"), excess);
-
-  QStringList names;
-  for (const std::string& name : summary.hiddenToo) names << QString::fromStdString(name);
-  const std::string list = namesText(names).toStdString();
-  hiddenToo_->setWarning(
-      names.isEmpty() ? QString() : localizedText("SummaryHidden"),
-      QString::fromStdString(format(localizedString("SummaryHiddenLong"), list)));
 }
 
 void ConfirmationSheet::begin() {

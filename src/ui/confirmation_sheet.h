@@ -70,6 +70,7 @@ class ConfirmationSheet : public QDialog {
   WarningBox* problem_;
   WarningBox* tooLarge_;
   WarningBox* hiddenToo_;
+  WarningBox* shownStill_;
 };
 
 }  // namespace kelvane

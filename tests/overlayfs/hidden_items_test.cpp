@@ -6,6 +6,7 @@
 
 #include <algorithm>
 #include <cstdlib>
+#include <iterator>
 #include <set>
 #include <sstream>
 
@@ -36,11 +37,12 @@ class HiddenItems : public DelegateTest {
   }
 
   std::vector<std::string> foretold() {
-    const auto items =
-        itemsHiddenBesides(trees.overlay(), trees.hideListFile(), delegate->changes(), {});
-    EXPECT_TRUE(items.has_value());
+    const auto effects =
+        effectsOfHiding(trees.overlay(), trees.hideListFile(), delegate->changes(), {});
+    EXPECT_TRUE(effects.has_value());
+    shownStill_ = effects.value_or(HideEffects()).shownStill;
     std::vector<std::string> paths;
-    for (const HiddenItem& item : items.value_or(std::vector<HiddenItem>())) {
+    for (const HiddenItem& item : effects.value_or(HideEffects()).hiddenToo) {
       paths.push_back(item.path + (item.isFolder ? "/" : ""));
     }
     return paths;
@@ -48,9 +50,7 @@ class HiddenItems : public DelegateTest {
 
   /// What is wanted and not in a session that is built now, without what lies in a missing folder.
   std::vector<std::string> missing(const std::string& environment = {}) {
-    build(environment);
-    const std::set<std::string> there =
-        linesOf("isoinfo -f -R -N " + std::string(kNextSession) + " -i '" + image("session") + "'");
+    const std::set<std::string> there = pathsOfSession(environment);
     std::vector<std::string> paths;
     for (const std::string& path : wanted_) {
       if (there.contains(path)) continue;
@@ -62,12 +62,24 @@ class HiddenItems : public DelegateTest {
     return paths;
   }
 
+  /// What was deleted, and is in a session that is built now, sorted.
+  std::vector<std::string> deletedAndThere() {
+    const std::set<std::string> there = pathsOfSession({});
+    std::vector<std::string> paths;
+    std::ranges::copy_if(deleted_, std::back_inserter(paths),
+                         [&there](const std::string& path) { return there.contains(path); });
+    std::ranges::sort(paths);
+    return paths;
+  }
+
   std::set<std::string> linesOf(const std::string& command) const {
     std::set<std::string> lines;
     std::istringstream output(runShell(command).output);
     for (std::string line; std::getline(output, line);) lines.insert(line);
     return lines;
   }
+
+  std::vector<std::string> shownStill_;  ///< As foretold the last time.
 
   std::string image(const std::string& name) const { return trees.root() + "/" + name + ".iso"; }
 
@@ -84,6 +96,13 @@ class HiddenItems : public DelegateTest {
                                           " sed 's/^\\.//'");
     for (const std::string& path : deleted_) paths.erase(path);
     return paths;
+  }
+
+  /// The paths of a session that is built now.
+  std::set<std::string> pathsOfSession(const std::string& environment) {
+    build(environment);
+    return linesOf("isoinfo -f -R -N " + std::string(kNextSession) + " -i '" + image("session") +
+                   "'");
   }
 
   void build(const std::string& environment) {
@@ -183,9 +202,23 @@ TEST_F(HiddenItems, ThatNobodyWantsToKnowAnyMoreAreNotLookedFor) {
   change({"/a*b"}, {"/axxb"});
   std::stop_source source;
   source.request_stop();
-  EXPECT_EQ(itemsHiddenBesides(trees.overlay(), trees.hideListFile(), delegate->changes(),
-                               source.get_token()),
-            std::nullopt);
+  EXPECT_FALSE(effectsOfHiding(trees.overlay(), trees.hideListFile(), delegate->changes(),
+                               source.get_token())
+                   .has_value());
+}
+
+TEST_F(HiddenItems, ThatWereDeletedAreShownStillWhereNoPatternNamesThem) {
+  change({"/back\\slash", "/docs/a\\b", "/star\\*", "/plain", "/x*y", "/Müller [1]"},
+         {"/docs/new"});
+  EXPECT_THAT(foretold(), IsEmpty());
+  EXPECT_THAT(shownStill_, ElementsAre("/back\\slash", "/docs/a\\b", "/star\\*"));
+  EXPECT_EQ(shownStill_, deletedAndThere());
+}
+
+TEST_F(HiddenItems, ThatWereDeletedUnderANameOfTwoLinesAreShownStill) {
+  change({"/sub/two\nlines", "/plain"}, {});
+  foretold();
+  EXPECT_THAT(shownStill_, ElementsAre("/sub/two\nlines"));
 }
 
 }  // namespace

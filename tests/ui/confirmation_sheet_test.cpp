@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: GPL-2.0-or-later
 // The burn confirmation sheet: its answers, its name field and its speeds.
+#include <QApplication>
 #include <QComboBox>
 #include <QDialog>
 #include <QLineEdit>
@@ -7,6 +8,7 @@
 #include <QPushButton>
 #include <QTest>
 
+#include "ui/burn_summary.h"
 #include "ui/sample_records.h"
 #include "ui/window_test.h"
 
@@ -51,6 +53,31 @@ TEST_F(ConfirmationSheet, BurnButtonConfirmsAndTheSheetIsGone) {
   click(child<QPushButton>("burnConfirmButton"));
   EXPECT_THAT(actions_.calls, ElementsAre("burnConfirmationDidConfirm"));
   EXPECT_EQ(sheet(), nullptr);
+}
+
+TEST_F(ConfirmationSheet, LabelsLeadToTheirFieldsByTheirMnemonics) {
+  auto* name = child<QLineEdit>("burnConfirmationPanelDiskTitle");
+  auto* speed = child<QComboBox>("burnSpeedPopupButton");
+  EXPECT_EQ(name->accessibleName(), QStringLiteral("Disc name"));
+  EXPECT_EQ(speed->accessibleName(), QStringLiteral("Speed"));
+  sheet()->activateWindow();
+  ASSERT_TRUE(QTest::qWaitFor([this] { return QApplication::activeWindow() == sheet(); }));
+  QTest::keyClick(sheet()->focusWidget(), Qt::Key_S, Qt::AltModifier);
+  EXPECT_TRUE(speed->hasFocus());
+  QTest::keyClick(sheet()->focusWidget(), Qt::Key_N, Qt::AltModifier);
+  EXPECT_TRUE(name->hasFocus());
+}
+
+TEST_F(ConfirmationSheet, WarnsOfWhatWasDeletedAndStays) {
+  BurnSummary summary;
+  summary.shownStill = {"back\\slash"};
+  window_.setBurnSummary(summary);
+  const auto* warning = child<QWidget>("shownStillWarning");
+  EXPECT_TRUE(warning->isVisible());
+  EXPECT_TRUE(warning->accessibleDescription().contains(QStringLiteral("“back\\slash”")));
+  EXPECT_TRUE(child<QWidget>("burnKeepButton")->isVisible());
+  window_.setBurnSummary({});
+  EXPECT_FALSE(warning->isVisible());
 }
 
 TEST_F(ConfirmationSheet, ReturnInTheNameFieldBurns) {

@@ -13,6 +13,7 @@
 
 #include "ui/header_view.h"
 #include "ui/sliding_area.h"
+#include "ui/view_parts.h"
 #include "ui/window_states.h"
 #include "ui/window_test.h"
 
@@ -31,7 +32,9 @@ bool isCut(QWidget* widget) {
     if (label->text().isEmpty()) return false;
     const QRect room = label->contentsRect();
     if (label->wordWrap()) return label->heightForWidth(label->width()) > label->height();
-    return label->fontMetrics().horizontalAdvance(label->text()) > room.width() ||
+    // The label of a field has a mark in its text that is not shown.
+    const QString shown = label->buddy() ? withoutMnemonicMark(label->text()) : label->text();
+    return label->fontMetrics().horizontalAdvance(shown) > room.width() ||
            label->fontMetrics().height() > room.height() + 1;
   }
   const auto* button = qobject_cast<QAbstractButton*>(widget);
