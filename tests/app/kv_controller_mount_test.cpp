@@ -31,6 +31,14 @@ class KVControllerMount : public ControllerFixture {
     window_.mediaController().setSelectionIndex(0);
   }
 
+  void listUnsupported() {
+    DeviceRecord record;
+    record.DRDevice = &device_;
+    record.unsupportedString = "full";
+    window_.mediaController().addObjects({record});
+    window_.mediaController().setSelectionIndex(0);
+  }
+
   /// Another user's link at a name that an opening of the next minute would use. It must not be
   /// followed, and the disc stays where it is.
   void expectRefusalOfLinkAt(const std::function<std::string(const std::string&)>& nameFor) {
@@ -70,21 +78,13 @@ TEST_F(KVControllerMount, DuringABurnAnOpenRequestIsRefusedWithABeep) {
 }
 
 TEST_F(KVControllerMount, AnUnsupportedDiscIsNotOpenedAndNothingIsSaid) {
-  DeviceRecord record;
-  record.DRDevice = &device_;
-  record.unsupportedString = "full";
-  window_.mediaController().addObjects({record});
-  window_.mediaController().setSelectionIndex(0);
+  listUnsupported();
   controller_.mountBurnFS();
   EXPECT_THAT(newCalls(), IsEmpty());
 }
 
 TEST_F(KVControllerMount, DuringABurnTheRequestIsRefusedAlsoWhereItWouldCloseOrComeToNothing) {
-  DeviceRecord record;
-  record.DRDevice = &device_;
-  record.unsupportedString = "full";
-  window_.mediaController().addObjects({record});
-  window_.mediaController().setSelectionIndex(0);
+  listUnsupported();
   controller_.setBurnInProgress(true);
   controller_.mountBurnFS();
   EXPECT_THAT(newCalls(), ElementsAre("beep"));
