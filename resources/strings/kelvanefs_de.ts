@@ -475,6 +475,90 @@
         <source>The folder for temporary files is full. Make room there, as much as the new session has.</source>
         <translation>Der Ordner für temporäre Dateien ist voll. Schaffen Sie dort so viel Platz, wie die neue Sitzung braucht.</translation>
     </message>
+    <message id="ReasonNoNextSession">
+        <source>The drive does not tell where on the disc a new session may begin. Try another drive.</source>
+        <translation>Das Laufwerk sagt nicht, wo auf der Disc eine neue Sitzung beginnen darf. Versuchen Sie es mit einem anderen Laufwerk.</translation>
+    </message>
+    <message id="ReasonNoImageBuilder">
+        <source>The program mkisofs, which builds sessions, is missing. It belongs to the package “genisoimage”.</source>
+        <translation>Das Programm mkisofs, das Sitzungen zusammenstellt, fehlt. Es gehört zum Paket „genisoimage“.</translation>
+    </message>
+    <message id="ReasonImageBuilderKilled">
+        <source>The program that builds sessions was ended from outside before it was done.</source>
+        <translation>Das Programm, das Sitzungen zusammenstellt, wurde von außen beendet, bevor es fertig war.</translation>
+    </message>
+    <message id="ReasonForeignItem">
+        <source>%@ is somebody else's, or not what KelvaneFS needs there.</source>
+        <translation>%@ gehört jemand anderem oder ist nicht das, was KelvaneFS dort braucht.</translation>
+    </message>
+    <message id="ReasonHideListNotWritten">
+        <source>The list of deleted files, %@, could not be written.</source>
+        <translation>Die Liste der gelöschten Dateien, %@, konnte nicht geschrieben werden.</translation>
+    </message>
+    <message id="ReasonImageNotMade">
+        <source>The image %@ cannot be made.</source>
+        <translation>Das Abbild %@ kann nicht angelegt werden.</translation>
+    </message>
+    <message id="ChangesKeptWhere">
+        <source>Your changes are kept in %@.</source>
+        <translation>Ihre Änderungen sind in %@ aufgehoben.</translation>
+    </message>
+    <message id="VolumeUser">
+        <source>%@ (process %i) uses %@.</source>
+        <translation>%@ (Prozess %i) benutzt %@.</translation>
+    </message>
+    <message id="ReasonNoNode">
+        <source>There is no %@.</source>
+        <translation>%@ gibt es nicht.</translation>
+    </message>
+    <message id="ReasonGroupAtNextLogin">
+        <source>%@ can be used by the group %@. You belong to it, but this session does not know yet: log out and in again.</source>
+        <translation>%@ darf die Gruppe %@ benutzen. Sie gehören dazu, aber diese Anmeldung weiß noch nichts davon: Melden Sie sich ab und wieder an.</translation>
+    </message>
+    <message id="ReasonNotInGroup">
+        <source>%@ can be used by the group %@ only, and you do not belong to it. As root, run: adduser %@ %@. Then log out and in again.</source>
+        <translation>%@ darf nur die Gruppe %@ benutzen, und Sie gehören nicht dazu. Führen Sie als root aus: adduser %@ %@. Melden Sie sich dann ab und wieder an.</translation>
+    </message>
+    <message id="ReasonNoAccess">
+        <source>You may not read and write %@. A rule of udev gives access to it: %@.</source>
+        <translation>Sie dürfen %@ nicht lesen und beschreiben. Eine Regel von udev erlaubt es: %@.</translation>
+    </message>
+    <message id="ReasonDeviceNotOpened">
+        <source>The device %@ cannot be opened: %@.</source>
+        <translation>Das Gerät %@ lässt sich nicht öffnen: %@.</translation>
+    </message>
+    <message id="ReasonNoFuseModule">
+        <source>The kernel's module for it is not loaded. As root, run: modprobe fuse.</source>
+        <translation>Das Modul des Kernels dafür ist nicht geladen. Führen Sie als root aus: modprobe fuse.</translation>
+    </message>
+    <message id="ReasonContainer">
+        <source>Whoever started this container has not let it use the device.</source>
+        <translation>Wer diesen Container gestartet hat, hat ihm das Gerät nicht freigegeben.</translation>
+    </message>
+    <message id="ReasonNoFuseDevice">
+        <source>%@ is no device: this system has no user-space file systems.</source>
+        <translation>%@ ist kein Gerät: Dieses System hat keine Dateisysteme im Benutzermodus.</translation>
+    </message>
+    <message id="ReasonRunning">
+        <source>KelvaneFS is running already. One disc can be open at a time on a machine.</source>
+        <translation>KelvaneFS läuft bereits. Auf einem Rechner kann nur eine Disc auf einmal geöffnet sein.</translation>
+    </message>
+    <message id="ReasonFileNotOpened">
+        <source>The file %@ cannot be opened: %@.</source>
+        <translation>Die Datei %@ lässt sich nicht öffnen: %@.</translation>
+    </message>
+    <message id="ReasonFileNotLocked">
+        <source>The file %@ cannot be locked: %@.</source>
+        <translation>Die Datei %@ lässt sich nicht sperren: %@.</translation>
+    </message>
+    <message id="ReasonVolumesNotUsable">
+        <source>No volume can be mounted in %@: %@.</source>
+        <translation>In %@ kann kein Volume eingehängt werden: %@.</translation>
+    </message>
+    <message id="ReasonVolumesHelp">
+        <source>As root, run: install -d -m 1777 %@.</source>
+        <translation>Führen Sie als root aus: install -d -m 1777 %@.</translation>
+    </message>
     <message id="attempteraseshort">
         <source>Erase this disc?</source>
         <translation>Diese Disc löschen?</translation>

@@ -475,6 +475,90 @@
         <source>The folder for temporary files is full. Make room there, as much as the new session has.</source>
         <translation>The folder for temporary files is full. Make room there, as much as the new session has.</translation>
     </message>
+    <message id="ReasonNoNextSession">
+        <source>The drive does not tell where on the disc a new session may begin. Try another drive.</source>
+        <translation>The drive does not tell where on the disc a new session may begin. Try another drive.</translation>
+    </message>
+    <message id="ReasonNoImageBuilder">
+        <source>The program mkisofs, which builds sessions, is missing. It belongs to the package “genisoimage”.</source>
+        <translation>The program mkisofs, which builds sessions, is missing. It belongs to the package “genisoimage”.</translation>
+    </message>
+    <message id="ReasonImageBuilderKilled">
+        <source>The program that builds sessions was ended from outside before it was done.</source>
+        <translation>The program that builds sessions was ended from outside before it was done.</translation>
+    </message>
+    <message id="ReasonForeignItem">
+        <source>%@ is somebody else's, or not what KelvaneFS needs there.</source>
+        <translation>%@ is somebody else's, or not what KelvaneFS needs there.</translation>
+    </message>
+    <message id="ReasonHideListNotWritten">
+        <source>The list of deleted files, %@, could not be written.</source>
+        <translation>The list of deleted files, %@, could not be written.</translation>
+    </message>
+    <message id="ReasonImageNotMade">
+        <source>The image %@ cannot be made.</source>
+        <translation>The image %@ cannot be made.</translation>
+    </message>
+    <message id="ChangesKeptWhere">
+        <source>Your changes are kept in %@.</source>
+        <translation>Your changes are kept in %@.</translation>
+    </message>
+    <message id="VolumeUser">
+        <source>%@ (process %i) uses %@.</source>
+        <translation>%@ (process %i) uses %@.</translation>
+    </message>
+    <message id="ReasonNoNode">
+        <source>There is no %@.</source>
+        <translation>There is no %@.</translation>
+    </message>
+    <message id="ReasonGroupAtNextLogin">
+        <source>%@ can be used by the group %@. You belong to it, but this session does not know yet: log out and in again.</source>
+        <translation>%@ can be used by the group %@. You belong to it, but this session does not know yet: log out and in again.</translation>
+    </message>
+    <message id="ReasonNotInGroup">
+        <source>%@ can be used by the group %@ only, and you do not belong to it. As root, run: adduser %@ %@. Then log out and in again.</source>
+        <translation>%@ can be used by the group %@ only, and you do not belong to it. As root, run: adduser %@ %@. Then log out and in again.</translation>
+    </message>
+    <message id="ReasonNoAccess">
+        <source>You may not read and write %@. A rule of udev gives access to it: %@.</source>
+        <translation>You may not read and write %@. A rule of udev gives access to it: %@.</translation>
+    </message>
+    <message id="ReasonDeviceNotOpened">
+        <source>The device %@ cannot be opened: %@.</source>
+        <translation>The device %@ cannot be opened: %@.</translation>
+    </message>
+    <message id="ReasonNoFuseModule">
+        <source>The kernel's module for it is not loaded. As root, run: modprobe fuse.</source>
+        <translation>The kernel's module for it is not loaded. As root, run: modprobe fuse.</translation>
+    </message>
+    <message id="ReasonContainer">
+        <source>Whoever started this container has not let it use the device.</source>
+        <translation>Whoever started this container has not let it use the device.</translation>
+    </message>
+    <message id="ReasonNoFuseDevice">
+        <source>%@ is no device: this system has no user-space file systems.</source>
+        <translation>%@ is no device: this system has no user-space file systems.</translation>
+    </message>
+    <message id="ReasonRunning">
+        <source>KelvaneFS is running already. One disc can be open at a time on a machine.</source>
+        <translation>KelvaneFS is running already. One disc can be open at a time on a machine.</translation>
+    </message>
+    <message id="ReasonFileNotOpened">
+        <source>The file %@ cannot be opened: %@.</source>
+        <translation>The file %@ cannot be opened: %@.</translation>
+    </message>
+    <message id="ReasonFileNotLocked">
+        <source>The file %@ cannot be locked: %@.</source>
+        <translation>The file %@ cannot be locked: %@.</translation>
+    </message>
+    <message id="ReasonVolumesNotUsable">
+        <source>No volume can be mounted in %@: %@.</source>
+        <translation>No volume can be mounted in %@: %@.</translation>
+    </message>
+    <message id="ReasonVolumesHelp">
+        <source>As root, run: install -d -m 1777 %@.</source>
+        <translation>As root, run: install -d -m 1777 %@.</translation>
+    </message>
     <message id="attempteraseshort">
         <source>Erase this disc?</source>
         <translation>Erase this disc?</translation>

@@ -10,6 +10,7 @@
 
 #include "platform/foundation/paths.h"
 #include "platform/foundation/placeholders.h"
+#include "platform/foundation/strings_table.h"
 #include "platform/volumes/stale_mounts.h"
 
 namespace kelvane {
@@ -25,9 +26,12 @@ bool volumesDirectoryIsUsable(std::string* error) {
     return true;
   }
   const int code = errno;
-  *error = format("No volume can be mounted in %@: %@.", folder, std::strerror(code));
+  *error = format(localizedString("ReasonVolumesNotUsable", "No volume can be mounted in %@: %@."),
+                  folder, std::strerror(code));
   if (code == ENOENT || code == EACCES) {
-    *error += format(" As root, run: install -d -m 1777 %@.", folder);
+    const std::string help =
+        localizedString("ReasonVolumesHelp", "As root, run: install -d -m 1777 %@.");
+    *error += " " + format(help, folder);
   }
   return false;
 }

@@ -5,6 +5,7 @@
 
 #include "app/burn_survey.h"
 #include "app/disc_volumes.h"
+#include "app/file_reasons.h"
 #include "app/kv_controller.h"
 #include "app/volume_users.h"
 #include "app/warning_alert.h"
@@ -26,7 +27,6 @@ namespace kelvane {
 namespace {
 
 constexpr std::chrono::milliseconds kBarAnimationDelay{1600};
-constexpr char kForeignItem[] = "%@ is somebody else's, or not what KelvaneFS needs there.";
 
 bool isDVDForGrowisofs(const std::optional<std::string>& mediaType) {
   return mediaType == DRDeviceMediaTypeDVDR || mediaType == DRDeviceMediaTypeDVDRW ||
@@ -188,15 +188,15 @@ void KVController::commonBurnCleanup() {
 // stands there is ours.
 std::string KVController::whyOverlayIsUnsafe() const {
   if (directoryState(tmpDirPath_) == PathState::Own) return {};
-  return format(kForeignItem, tmpDirPath_);
+  return reasonForeignItem(tmpDirPath_);
 }
 
 std::string KVController::whyHideListIsUnsafe() const {
   const std::string hideList = paths::hideListFile(tmpDirPath_);
   const PathState state = plainFileState(hideList);
-  if (state == PathState::Foreign) return format(kForeignItem, hideList);
+  if (state == PathState::Foreign) return reasonForeignItem(hideList);
   if (hideListIsWhole_ && state == PathState::Own) return {};
-  return format("The list of deleted files, %@, could not be written.", hideList);
+  return reasonHideListNotWritten(hideList);
 }
 
 // Puts the changes to where no clean-up finds them, and says where; empty where there are none.
@@ -204,7 +204,8 @@ std::string KVController::putChangesAside() {
   const std::string kept = keepChanges(tmpDirPath_);
   if (kept.empty()) return {};
   // An alert may go unread: a pending quit ends the application behind it.
-  const std::string where = format("Your changes are kept in %@.", kept);
+  const std::string where =
+      format(localizedString("ChangesKeptWhere", "Your changes are kept in %@."), kept);
   systemLog("%@", where);
   if (kept == tmpDirPath_) tmpDirPath_.clear();  // No clean-up may find it.
   return where;

@@ -4,6 +4,7 @@
 #include <system_error>
 #include <utility>
 
+#include "app/file_reasons.h"
 #include "app/kv_controller.h"
 #include "app/warning_alert.h"
 #include "burn/burn_properties.h"
@@ -124,9 +125,10 @@ std::string KVController::whyImagingIsUnsafe(const std::string& sessionString) c
   }
   if (makeOwnFile(burnImagePath_)) return {};
   if (plainFileState(burnImagePath_) == PathState::Foreign) {
-    return format("%@ is somebody else's, or not what KelvaneFS needs there.", burnImagePath_);
+    return reasonForeignItem(burnImagePath_);
   }
-  return format("The image %@ cannot be made.", burnImagePath_);
+  return format(localizedString("ReasonImageNotMade", "The image %@ cannot be made."),
+                burnImagePath_);
 }
 
 void KVController::imagingFailed(const std::string& errors) {

@@ -9,6 +9,7 @@
 #include <system_error>
 #include <utility>
 
+#include "app/file_reasons.h"
 #include "app/kv_controller.h"
 #include "app/volume_users.h"
 #include "app/warning_alert.h"
@@ -96,7 +97,7 @@ void KVController::mountBurnFSinBackground(std::latch& discIsNoted) {
     return;
   }
   if (const std::string path = pathInTheWay(tmpDirPath_); !path.empty()) {
-    refuseToOpen(format("%@ is somebody else's, or not what KelvaneFS needs there.", path));
+    refuseToOpen(reasonForeignItem(path));
     return;
   }
   std::string volumeName = kBlankVolumeName;
@@ -140,7 +141,7 @@ void KVController::mountOverlay(const DeviceRecord& record, const std::string& v
   info.usedMB = usedMB;
   myBurnFSDelegate_ = std::make_unique<BurnFSDelegate>(tmpDirPath_, discMountPath, info);
   if (!myBurnFSDelegate_->overlayDirectoryIsOwn()) {
-    refuseToOpen(format("The overlay directory %@ is missing or somebody else's.", tmpDirPath_));
+    refuseToOpen(reasonForeignItem(tmpDirPath_));
     return;
   }
   discMountPath_ = discMountPath;
@@ -300,8 +301,7 @@ void KVController::showDeletionsLostAlert() {
   alert.buttonKeys = {"OK"};
   alert.messageKey = "CreateTrackAbortedWithError";
   alert.informativeKey = "CreateTrackAbortedWithErrorLong";
-  alert.detail = format("The list of deleted files, %@, could not be written.",
-                        paths::hideListFile(tmpDirPath_));
+  alert.detail = reasonHideListNotWritten(paths::hideListFile(tmpDirPath_));
   systemLog("%@", alert.detail);
   window_.beginAlertSheet(alert, nullptr);
 }

@@ -9,6 +9,7 @@
 #include <system_error>
 
 #include "platform/foundation/placeholders.h"
+#include "platform/foundation/strings_table.h"
 
 namespace kelvane {
 namespace {
@@ -69,7 +70,8 @@ std::string describeVolumeUsers(const std::vector<VolumeUser>& users) {
   std::string text;
   for (const VolumeUser& user : users) {
     if (!text.empty()) text += "\n";
-    text += format("%@ (process %i) uses %@.", user.program, user.processIdentifier, user.path);
+    text += format(localizedString("VolumeUser", "%@ (process %i) uses %@."), user.program,
+                   user.processIdentifier, user.path);
   }
   return text;
 }

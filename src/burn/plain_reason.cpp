@@ -35,6 +35,12 @@ constexpr std::array kMessages = {
     Message{"", "", "END OF USER AREA", "ReasonDiscFull"},
     Message{"", "", "LOGICAL BLOCK ADDRESS OUT OF RANGE]: No space left", "ReasonDiscFull"},
     Message{"", "", "No space left on device. cannot fwrite", "ReasonTemporaryFolderFull"},
+    Message{"", "", "The drive does not say where the next session may begin.",
+            "ReasonNoNextSession"},
+    Message{"", "", "The program that builds the session image is missing.",
+            "ReasonNoImageBuilder"},
+    Message{"", "", "mkisofs was killed before the image was complete.",
+            "ReasonImageBuilderKilled"},
 };
 
 std::string volumePath(std::string_view path, std::string_view overlayDirectory) {

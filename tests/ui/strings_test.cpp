@@ -3,6 +3,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <QDirIterator>
 #include <QFile>
 #include <QImage>
 #include <QRegularExpression>
@@ -12,6 +13,8 @@
 #include <set>
 
 #include "platform/foundation/bundle.h"
+#include "platform/foundation/node_access.h"
+#include "ui/window_states.h"
 
 namespace kelvane {
 namespace {
@@ -124,6 +127,27 @@ const std::vector<std::string> kKeysOfTheController = {"OK",
                                                        "ReasonSessionLimit",
                                                        "ReasonFormatUnknown",
                                                        "ReasonTemporaryFolderFull",
+                                                       "ReasonNoNextSession",
+                                                       "ReasonNoImageBuilder",
+                                                       "ReasonImageBuilderKilled",
+                                                       "ReasonForeignItem",
+                                                       "ReasonHideListNotWritten",
+                                                       "ReasonImageNotMade",
+                                                       "ChangesKeptWhere",
+                                                       "VolumeUser",
+                                                       "ReasonNoNode",
+                                                       "ReasonGroupAtNextLogin",
+                                                       "ReasonNotInGroup",
+                                                       "ReasonNoAccess",
+                                                       "ReasonDeviceNotOpened",
+                                                       "ReasonNoFuseModule",
+                                                       "ReasonContainer",
+                                                       "ReasonNoFuseDevice",
+                                                       "ReasonRunning",
+                                                       "ReasonFileNotOpened",
+                                                       "ReasonFileNotLocked",
+                                                       "ReasonVolumesNotUsable",
+                                                       "ReasonVolumesHelp",
                                                        "NoticeBurned",
                                                        "DriveClosed",
                                                        "DriveClosedLong",
@@ -183,6 +207,48 @@ TEST(StringsOfBothLanguages, EveryLongTextHasItsShortOne) {
     if (!key.ends_with("Long") || others.contains(key)) continue;
     EXPECT_TRUE(textsOf("en").contains(key.substr(0, key.size() - 4))) << key;
   }
+}
+
+/// The English words that stand in the sources beside a key.
+std::map<std::string, QString> wordsInSources() {
+  static const QRegularExpression call(
+      QStringLiteral(R"re(localizedString\(\s*"(\w+)",\s*((?:"[^"]*"\s*)+)\))re"));
+  std::map<std::string, QString> words;
+  QDirIterator files(QStringLiteral(KELVANE_SOURCE_DIR "/src"), {QStringLiteral("*.cpp")},
+                     QDir::Files, QDirIterator::Subdirectories);
+  while (files.hasNext()) {
+    QFile file(files.next());
+    EXPECT_TRUE(file.open(QIODevice::ReadOnly));
+    const QString text = QString::fromUtf8(file.readAll());
+    for (auto match = call.globalMatch(text); match.hasNext();) {
+      const QRegularExpressionMatch found = match.next();
+      QString joined = found.captured(2).trimmed();
+      joined.replace(QRegularExpression(QStringLiteral("\"\\s*\"")), QString());
+      words[found.captured(1).toStdString()] = joined.mid(1, joined.size() - 2);
+    }
+  }
+  return words;
+}
+
+TEST(EnglishStrings, AreTheWordsThatStandInTheSourcesForWhereThereIsNoTable) {
+  const Texts english = textsOf("en");
+  const auto words = wordsInSources();
+  EXPECT_GE(words.size(), 15U);
+  for (const auto& [key, text] : words) {
+    ASSERT_TRUE(english.contains(key)) << key;
+    EXPECT_EQ(english.at(key), text) << key;
+  }
+}
+
+TEST(GermanStrings, TellWhyADriveIsClosed) {
+  const testing::Language german("de");
+  NodeAccess access;
+  access.exists = true;
+  access.groupIsAllowed = true;
+  access.group = "cdrom";
+  access.user = "anna";
+  EXPECT_THAT(describeMissingAccess("/dev/sr0", access, ""),
+              ::testing::HasSubstr("Führen Sie als root aus: adduser anna cdrom."));
 }
 
 TEST(BundleResources, DiscIconIsAPictureAndTheVolumeIconAnIconFile) {

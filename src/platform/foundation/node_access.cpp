@@ -12,6 +12,7 @@
 #include <vector>
 
 #include "platform/foundation/placeholders.h"
+#include "platform/foundation/strings_table.h"
 
 namespace kelvane {
 namespace {
@@ -61,21 +62,25 @@ NodeAccess accessToNode(const std::string& path) {
 std::string describeMissingAccess(const std::string& path, const NodeAccess& access,
                                   const std::string& udevRule) {
   if (access.isUsable) return {};
-  if (!access.exists) return format("There is no %@.", path);
+  if (!access.exists) {
+    return format(localizedString("ReasonNoNode", "There is no %@."), path);
+  }
   if (access.groupIsAllowed && access.joinsAtNextLogin) {
-    return format(
-        "%@ can be used by the group %@. You belong to it, but this session does not know yet: log "
-        "out and in again.",
-        path, access.group);
+    return format(localizedString("ReasonGroupAtNextLogin",
+                                  "%@ can be used by the group %@. You belong to it, but this "
+                                  "session does not know yet: log out and in again."),
+                  path, access.group);
   }
   if (access.groupIsAllowed) {
-    return format(
-        "%@ can be used by the group %@ only, and you do not belong to it. As root, run: adduser "
-        "%@ %@. Then log out and in again.",
-        path, access.group, access.user, access.group);
+    return format(localizedString("ReasonNotInGroup",
+                                  "%@ can be used by the group %@ only, and you do not belong to "
+                                  "it. As root, run: adduser %@ %@. Then log out and in again."),
+                  path, access.group, access.user, access.group);
   }
-  return format("You may not read and write %@. A rule of udev gives access to it: %@.", path,
-                udevRule);
+  return format(localizedString("ReasonNoAccess",
+                                "You may not read and write %@. A rule of udev gives access to it: "
+                                "%@."),
+                path, udevRule);
 }
 
 }  // namespace kelvane

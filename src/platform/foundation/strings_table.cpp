@@ -28,4 +28,9 @@ std::string localizedString(const std::string& key) {
   return qtTrId(key.c_str()).toStdString();
 }
 
+std::string localizedString(const std::string& key, const std::string& english) {
+  std::string text = localizedString(key);
+  return text == key ? english : text;
+}
+
 }  // namespace kelvane

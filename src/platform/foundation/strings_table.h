@@ -13,4 +13,8 @@ void loadStringsTable(const std::string& language = {});
 /// The text of `key` in the user's language; the key itself where the table has none.
 std::string localizedString(const std::string& key);
 
+/// The text of `key` in the user's language; `english` where there is no table, as in the programs
+/// that work for the application.
+std::string localizedString(const std::string& key, const std::string& english);
+
 }  // namespace kelvane

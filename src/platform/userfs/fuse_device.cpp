@@ -10,6 +10,7 @@
 
 #include "platform/foundation/node_access.h"
 #include "platform/foundation/placeholders.h"
+#include "platform/foundation/strings_table.h"
 
 namespace kelvane::userfs {
 namespace {
@@ -21,11 +22,14 @@ std::string whatHelps(const std::string& device, int code) {
     case ENOENT:
     case ENODEV:
     case ENXIO:
-      return " The kernel's module for it is not loaded. As root, run: modprobe fuse.";
+      return localizedString(
+          "ReasonNoFuseModule",
+          "The kernel's module for it is not loaded. As root, run: modprobe fuse.");
     case EACCES:
-      return " " + describeMissingAccess(device, accessToNode(device), kUsualRule);
+      return describeMissingAccess(device, accessToNode(device), kUsualRule);
     case EPERM:
-      return " Whoever started this container has not let it use the device.";
+      return localizedString("ReasonContainer",
+                             "Whoever started this container has not let it use the device.");
     default:
       return {};
   }
@@ -37,14 +41,19 @@ std::string whyFuseDeviceIsUnusable(const std::string& device) {
   const int descriptor = open(device.c_str(), O_RDWR | O_CLOEXEC);
   if (descriptor < 0) {
     const int code = errno;
-    return format("The device %@ cannot be opened: %@.", device, std::strerror(code)) +
-           whatHelps(device, code);
+    const std::string reason =
+        format(localizedString("ReasonDeviceNotOpened", "The device %@ cannot be opened: %@."),
+               device, std::strerror(code));
+    const std::string help = whatHelps(device, code);
+    return help.empty() ? reason : reason + " " + help;
   }
   struct stat status {};
   const bool isDevice = fstat(descriptor, &status) == 0 && S_ISCHR(status.st_mode);
   close(descriptor);
   if (isDevice) return {};
-  return format("%@ is no device: this system has no user-space file systems.", device);
+  return format(localizedString("ReasonNoFuseDevice",
+                                "%@ is no device: this system has no user-space file systems."),
+                device);
 }
 
 }  // namespace kelvane::userfs

@@ -12,6 +12,7 @@
 
 #include "platform/foundation/paths.h"
 #include "platform/foundation/placeholders.h"
+#include "platform/foundation/strings_table.h"
 
 namespace kelvane {
 namespace {
@@ -38,6 +39,16 @@ bool isFileAt(int descriptor, const std::string& path) {
          locked.st_dev == named.st_dev && locked.st_ino == named.st_ino;
 }
 
+std::string whyNotLocked(const std::string& path, int code) {
+  if (code == EWOULDBLOCK) {
+    return localizedString(
+        "ReasonRunning",
+        "KelvaneFS is running already. One disc can be open at a time on a machine.");
+  }
+  return format(localizedString("ReasonFileNotLocked", "The file %@ cannot be locked: %@."), path,
+                std::strerror(code));
+}
+
 }  // namespace
 
 std::optional<MountPointsLock> MountPointsLock::acquire(std::string* error) {
@@ -45,15 +56,15 @@ std::optional<MountPointsLock> MountPointsLock::acquire(std::string* error) {
   for (;;) {
     const int descriptor = openLockFile(path);
     if (descriptor < 0) {
-      *error = format("The file %@ cannot be opened: %@.", path, std::strerror(errno));
+      const int code = errno;
+      *error = format(localizedString("ReasonFileNotOpened", "The file %@ cannot be opened: %@."),
+                      path, std::strerror(code));
       return std::nullopt;
     }
     if (flock(descriptor, LOCK_EX | LOCK_NB) != 0) {
       const int code = errno;
       close(descriptor);
-      *error = code == EWOULDBLOCK
-                   ? "KelvaneFS is running already. One disc can be open at a time on a machine."
-                   : format("The file %@ cannot be locked: %@.", path, std::strerror(code));
+      *error = whyNotLocked(path, code);
       return std::nullopt;
     }
     if (isFileAt(descriptor, path)) return MountPointsLock(descriptor, path);
