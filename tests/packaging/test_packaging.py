@@ -20,9 +20,11 @@ from road import BIN, RoadTest, run  # noqa: E402
 PACKAGING = os.path.join(SOURCE, "packaging")
 ICON_SIZES = (16, 22, 24, 32, 48, 64, 128, 256)
 PROGRAMS = ["bin/kelvanedisc", "bin/kelvanefs"] + ["libexec/kelvanefs/" + name for name in (
-    "df", "growisofs", "isomount", "kelvane-drive-shim.so", "mkisofs", "recorder")]
+    "df", "growisofs", "isomount", "kelvane-drive-shim.so", "mkisofs", "recorder")] + [
+        "lib/udev/kelvanefs-drive-is-claimed"]
 DATA = [
     "lib/tmpfiles.d/kelvanefs.conf",
+    "lib/udev/rules.d/59-kelvanefs.rules",
     "libexec/kelvanefs/MacFUSE.pkg",  # A script.
     "share/applications/kelvanefs.desktop",
     *(f"share/icons/hicolor/{size}x{size}/apps/kelvanefs.png" for size in ICON_SIZES),
