@@ -13,18 +13,19 @@
 
 namespace kelvane {
 
-WindowSession::WindowSession(std::unique_ptr<ApplicationCore> core, ControllerServices services)
+WindowSession::WindowSession(std::unique_ptr<ApplicationCore> core, ControllerServices services,
+                             const UpdateSource& updates)
     : core_(std::move(core)),
       services_(std::move(services)),
       controller_(window_, services_),
-      delegate_(controller_, window_, UpdateSource::ofThisBuild()),
+      delegate_(controller_, window_, updates),
       logout_(controller_, delegate_, window_),
       signals_([this](int) { quitRequested(); }),
       instance_([this] { reopen(); }) {
   window_.setActions(&controller_);
   controller_.setLicenseController(&licenseController_);
   window_.setLicenseSource(licenseText);
-  const bool looksForUpdates = !UpdateSource::ofThisBuild().versionEndpoint.empty();
+  const bool looksForUpdates = !updates.versionEndpoint.empty();
   window_.setUpdateChecks(looksForUpdates ? UpdateChecks::Made : UpdateChecks::NotMade);
   wireQuitting();
   NotificationCenter::defaultCenter().addObserver(

@@ -13,6 +13,7 @@
 #include "app/termination_signals.h"
 #include "platform/desktop/running_instance.h"
 #include "services/kv_license_controller.h"
+#include "services/update_source.h"
 #include "ui/agreement_window.h"
 #include "ui/main_window.h"
 
@@ -22,8 +23,9 @@ namespace kelvane {
 /// decision to quit carried out. Main thread only.
 class WindowSession {
  public:
-  /// `services` may borrow from the core.
-  WindowSession(std::unique_ptr<ApplicationCore> core, ControllerServices services);
+  /// `services` may borrow from the core. `updates` is where newer versions are looked for.
+  WindowSession(std::unique_ptr<ApplicationCore> core, ControllerServices services,
+                const UpdateSource& updates = UpdateSource::ofThisBuild());
   ~WindowSession();
 
   /// Starts the controller, which shows the window. Called in the event loop, so that the user can

@@ -1,14 +1,13 @@
 // SPDX-License-Identifier: GPL-2.0-or-later
 // The window among the services of the desktop.
 #include <QApplication>
-#include <QDesktopServices>
 #include <QTemporaryDir>
 #include <QTest>
-#include <QUrl>
 
 #include "desktop/fake_services.h"
 #include "desktop/private_bus.h"
 #include "platform/foundation/strings_table.h"
+#include "ui/opened_urls.h"
 #include "ui/window_test.h"
 
 namespace kelvane {
@@ -34,23 +33,9 @@ class DesktopWindow : public WindowTest {
   test::PrivateBus bus_;
 };
 
-/// Takes the place of the desktop for file URLs while it lives.
-class OpenedUrls : public QObject {
-  Q_OBJECT
-
- public:
-  OpenedUrls() { QDesktopServices::setUrlHandler("file", this, "note"); }
-  ~OpenedUrls() override { QDesktopServices::unsetUrlHandler("file"); }
-
-  std::vector<std::string> paths;
-
- public Q_SLOTS:
-  void note(const QUrl& url) { paths.push_back(url.toLocalFile().toStdString()); }
-};
-
 TEST_F(DesktopWindow, AVolumeIsShownByTheFileManagerAndByNobodyElse) {
   FakeFileManager manager(bus_.services());
-  OpenedUrls opened;
+  OpenedUrls opened(QStringLiteral("file"));
   const QTemporaryDir volume;
   window_.selectFile(volume.path().toStdString(), "/Volumes/");
   turnUntil([&manager] { return !manager.calls.empty(); });
@@ -61,7 +46,7 @@ TEST_F(DesktopWindow, AVolumeIsShownByTheFileManagerAndByNobodyElse) {
 TEST_F(DesktopWindow, WhereTheFileManagerRefusesTheVolumeIsOpenedLikeAFile) {
   FakeFileManager manager(bus_.services());
   manager.manner = Manner::Refuses;
-  OpenedUrls opened;
+  OpenedUrls opened(QStringLiteral("file"));
   window_.selectFile("/Volumes/tarnwick", "/Volumes/");
   turnUntil([&opened] { return !opened.paths.empty(); });
   EXPECT_THAT(opened.paths, ElementsAre("/Volumes/tarnwick"));
@@ -148,5 +133,3 @@ TEST_F(DesktopWindow, AClickOnTheNotificationBringsTheWindowBack) {
 
 }  // namespace
 }  // namespace kelvane
-
-#include "desktop_window_test.moc"

@@ -1,9 +1,8 @@
 // SPDX-License-Identifier: GPL-2.0-or-later
 // Quitting through the window, and what the window does for the application around it.
-#include <QDesktopServices>
 #include <QTest>
-#include <QUrl>
 
+#include "ui/opened_urls.h"
 #include "ui/window_test.h"
 
 namespace kelvane {
@@ -96,22 +95,8 @@ TEST_F(WindowClosing, WithoutAnybodyListeningNothingHappens) {
   EXPECT_TRUE(window_.isVisible());
 }
 
-/// Takes the place of the desktop for file URLs while it lives.
-class OpenedFiles : public QObject {
-  Q_OBJECT
-
- public:
-  OpenedFiles() { QDesktopServices::setUrlHandler("file", this, "note"); }
-  ~OpenedFiles() override { QDesktopServices::unsetUrlHandler("file"); }
-
-  std::vector<std::string> paths;
-
- public Q_SLOTS:
-  void note(const QUrl& url) { paths.push_back(url.toLocalFile().toStdString()); }
-};
-
 TEST_F(WindowClosing, FilesAndVolumesAreOpenedByTheDesktop) {
-  OpenedFiles opened;
+  OpenedUrls opened(QStringLiteral("file"));
   window_.openFile("/tmp/a file #1");
   EXPECT_THAT(opened.paths, ElementsAre("/tmp/a file #1"));
   // Without a file manager to be asked, a volume is opened like a file.
@@ -122,5 +107,3 @@ TEST_F(WindowClosing, FilesAndVolumesAreOpenedByTheDesktop) {
 
 }  // namespace
 }  // namespace kelvane
-
-#include "window_closing_test.moc"
