@@ -42,6 +42,30 @@ TEST_F(KVControllerStartup, WithoutAUserSpaceFileSystemOnlyInstallOrQuitIsOffere
   EXPECT_THAT(newCalls(), ElementsAre("terminate"));
 }
 
+TEST_F(KVControllerStartup, WithoutAUserSpaceFileSystemADriveThatReportsIsNotScanned) {
+  devices_ = {&device_};
+  userFileSystemIsAvailable_ = false;
+  int scans = 0;
+  services_.discsWillBeScanned = [&scans] { ++scans; };
+  controller_.initialiseController();
+  DRNotificationCenter& center = DRNotificationCenter::currentRunLoopCenter();
+  center.post(DRDeviceStatusChangedNotification, &device_);
+  turn();
+  turn();
+  EXPECT_EQ(scans, 0);
+  EXPECT_TRUE(window_.mediaController().arrangedObjects().empty());
+}
+
+TEST_F(KVControllerStartup, ADriveThatReportsIsScannedOnlyBehindItsReport) {
+  int scans = 0;
+  services_.discsWillBeScanned = [&scans] { ++scans; };
+  controller_.initialiseController();
+  turn();
+  EXPECT_EQ(scans, 0) << "nobody has reported yet";
+  DRNotificationCenter::currentRunLoopCenter().post(DRDeviceStatusChangedNotification, nullptr);
+  turnUntil([&scans] { return scans > 0; });
+}
+
 TEST_F(KVControllerStartup, InstallEndsTheApplicationToo) {
   userFileSystemIsAvailable_ = false;
   controller_.initialiseController();

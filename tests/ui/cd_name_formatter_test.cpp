@@ -22,6 +22,14 @@ TEST(CDNameFormatter, TakesLettersDigitsAndAFewSigns) {
   }
 }
 
+TEST(CDNameFormatter, TakesTheseSignsOfAllThatCanBeTypedAndNoOther) {
+  const QString taken =
+      QStringLiteral("abcdefghijklmnopqrstuvwxyzABCDEFGHIJKLMNOPQRSTUVWXYZ1234567890_ -.+");
+  for (ushort code = 0; code < 0x300; ++code) {
+    EXPECT_EQ(accepts(QString("a") + QChar(code)), taken.contains(QChar(code))) << code;
+  }
+}
+
 TEST(CDNameFormatter, EmptyStringIsValid) {
   EXPECT_TRUE(accepts(QString()));
 }

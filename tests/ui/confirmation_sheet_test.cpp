@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-2.0-or-later
 // The burn confirmation sheet: its answers, its name field and its speeds.
 #include <QApplication>
+#include <QClipboard>
 #include <QComboBox>
 #include <QDialog>
 #include <QLineEdit>
@@ -141,6 +142,19 @@ TEST_F(ConfirmationSheet, NameFieldTakesOnlyWhatADiscNameMayHold) {
   EXPECT_EQ(window_.burnConfirmationDiskTitle(), "abcd_e -.+9");
   QTest::keyClicks(title(), "123456");
   EXPECT_EQ(window_.burnConfirmationDiskTitle(), "abcd_e -.+912345") << "16 characters";
+}
+
+TEST_F(ConfirmationSheet, PastedNameIsJudgedByItsLengthAndItsLastCharacter) {
+  const auto paste = [this](const QString& text) {
+    QApplication::clipboard()->setText(text);
+    title()->clear();
+    QTest::keySequence(title(), QKeySequence::Paste);
+    return window_.burnConfirmationDiskTitle();
+  };
+  EXPECT_EQ(paste("pa/st*d"), "pa/st*d");
+  EXPECT_EQ(paste("pasted/"), " ") << "it is refused, and the field stays empty";
+  EXPECT_EQ(paste("1234567890123456"), "1234567890123456");
+  EXPECT_EQ(paste("12345678901234567"), " ");
 }
 
 TEST_F(ConfirmationSheet, EmptiedNameShowsAStandInAndYieldsABlank) {

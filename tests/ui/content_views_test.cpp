@@ -47,6 +47,15 @@ TEST_F(ContentViews, ListAndMessageLieInTheWindowAndTheOthersToItsRightAtFirst) 
   EXPECT_EQ(area().currentFrame(ContentView::Burn), kRightOfWindow);
 }
 
+TEST_F(ContentViews, LieOverEachOtherInTheOrderInWhichTheyWereAdded) {
+  std::vector<std::string> views;
+  for (const QObject* view : area().children()) {
+    if (view->isWidgetType()) views.push_back(view->objectName().toStdString());
+  }
+  EXPECT_THAT(views, ::testing::ElementsAre("burnView", "mountedItemView", "messageView",
+                                            "diskScrollView"));
+}
+
 TEST_F(ContentViews, FrameInWindowIsDrawn33PixelsAboveTheLowerEdgeAndFillsTheWidth) {
   const QWidget* list = child<QWidget>("diskScrollView");
   const QPoint lowerLeft = list->mapTo(&window_, QPoint(0, list->height()));

@@ -1,12 +1,15 @@
 // SPDX-License-Identifier: GPL-2.0-or-later
 // The disc list: what it shows of the records, and which of them can be selected and opened.
+#include <QHelpEvent>
 #include <QImage>
 #include <QListView>
 #include <QPainter>
 #include <QTest>
+#include <QToolTip>
 
 #include "ui/disc_entry_cells.h"
 #include "ui/disc_list_model.h"
+#include "ui/display_colors.h"
 #include "ui/sample_records.h"
 #include "ui/window_test.h"
 
@@ -148,6 +151,81 @@ TEST_F(DiscList, BadgeIsAsWideAsItsTextAnd20PointsFromTheRightEdge) {
   EXPECT_DOUBLE_EQ(badge.top(), 43 + 21.5 - 7 + 0.5);
 }
 
+constexpr QSize kRow{402, 43};
+
+QImage emptyRow() {
+  QImage image(kRow, QImage::Format_RGB32);
+  image.fill(Qt::black);
+  return image;
+}
+
+/// The font of that many points, by its name or, where it is missing, the platform's.
+QFont fontOf(int points) {
+  QFont font = QApplication::font();
+  font.setFamilies({QStringLiteral("Lucida Grande"), font.family()});
+  font.setPixelSize(points);
+  return font;
+}
+
+/// Draws a line from `x` on, whose middle lies `offset` below the middle of a row.
+void drawReference(QPainter& painter, double x, double offset, int points, const QColor& color,
+                   const QString& text) {
+  painter.setFont(fontOf(points));
+  painter.setPen(color);
+  const QFontMetricsF metrics(painter.font());
+  const double top = (kRow.height() - metrics.height()) / 2 + offset;
+  painter.drawText(QPointF(x, top + metrics.ascent()), text);
+}
+
+TEST_F(DiscList, NameStandsSixPointsAboveTheMiddleAndTheDriveNineBelow) {
+  constexpr double kLeft = 58;
+  const QString name = QStringLiteral("Holiday");
+  const QString drive = QStringLiteral("CDRW in BURNER");
+  for (const bool highlighted : {false, true}) {
+    QImage drawn = emptyRow();
+    QImage expected = emptyRow();
+    {
+      QPainter painter(&drawn);
+      CenteredTextCell(name, drive)
+          .drawWithFrame(painter, QRectF(kLeft, 0, 300, kRow.height()), 1.0, highlighted);
+      QPainter reference(&expected);
+      const QColor second = highlighted ? QColor(Qt::white) : display_colors::kSecondaryText;
+      drawReference(reference, kLeft, -6.0, 13, Qt::white, name);
+      drawReference(reference, kLeft, 9.0, 9, second, drive);
+    }
+    EXPECT_EQ(drawn, expected) << (highlighted ? "highlighted" : "not highlighted");
+  }
+}
+
+TEST_F(DiscList, DriveIsGreyBesideTheWhiteNameAndTheirFontHasItsName) {
+  const QColor grey = display_colors::kSecondaryText;
+  EXPECT_LT(grey.saturationF(), 0.1);
+  EXPECT_LT(grey.lightness(), 200);
+  EXPECT_EQ(cellFont(13, 1.0).families().front(), QStringLiteral("Lucida Grande"));
+  EXPECT_EQ(cellFont(13, 1.0).pixelSize(), 13);
+  EXPECT_EQ(cellFont(13, 2.0).pixelSize(), 26);
+}
+
+TEST_F(DiscList, EntryNeverShowsATipOfWhatIsInIt) {
+  for (int row = 0; row < list()->model()->rowCount(); ++row) {
+    EXPECT_FALSE(list()->model()->index(row, 0).data(Qt::ToolTipRole).isValid());
+  }
+  const QPoint where = list()->visualRect(list()->model()->index(0, 0)).center();
+  QHelpEvent wish(QEvent::ToolTip, where, list()->viewport()->mapToGlobal(where));
+  QApplication::sendEvent(list()->viewport(), &wish);
+  EXPECT_FALSE(QToolTip::isVisible());
+}
+
+TEST_F(DiscList, BackgroundOfTheListIsThatOfTheContentArea) {
+  window_.mediaController().removeArrangedObjects();
+  window_.setHidden(HideableView::Message, true);
+  QCoreApplication::processEvents();
+  const QImage withList = child<QWidget>("contentArea")->grab().toImage();
+  window_.setHidden(HideableView::DiskScroll, true);
+  QCoreApplication::processEvents();
+  EXPECT_EQ(withList, child<QWidget>("contentArea")->grab().toImage());
+}
+
 QImage drawnBadge(const QString& text) {
   QImage image(402, 43, QImage::Format_RGB32);
   image.fill(Qt::black);
@@ -170,6 +248,23 @@ TEST_F(DiscList, BadgeIsRed) {
   EXPECT_NEAR(edge.greenF(), 0.3, 0.02);
   EXPECT_NEAR(edge.blueF(), 0.3, 0.02);
   EXPECT_EQ(badge.pixelColor(402 - 20 + 2, 21), QColor(Qt::black)) << "the margin stays free";
+}
+
+TEST_F(DiscList, BadgeIsRoundedAndItsTextInTheMiddleOfIt) {
+  const QString text = QStringLiteral("Disc is full");
+  const QFontMetricsF metrics(fontOf(8));
+  const double width = metrics.horizontalAdvance(text);
+  const QRectF badge(kRow.width() - width - 12 - 20, kRow.height() / 2.0 - 7 + 0.5, width + 12, 14);
+  QImage expected = emptyRow();
+  {
+    QPainter reference(&expected);
+    reference.setRenderHint(QPainter::Antialiasing);
+    reference.setPen(Qt::NoPen);
+    reference.setBrush(QColor::fromRgbF(0.9F, 0.3F, 0.3F));
+    reference.drawRoundedRect(badge, 6, 6);
+    drawReference(reference, badge.center().x() - width / 2, 0.5, 8, Qt::white, text);
+  }
+  EXPECT_EQ(drawnBadge(text), expected);
 }
 
 /// The columns of `picture` between `top` and `bottom` in which something like `color` stands.
