@@ -12,7 +12,7 @@ namespace kelvane {
 namespace {
 
 std::string amountOf(const BurnSummary::Bytes& bytes) {
-  const std::string text = bytesText(bytes.bytes).toStdString();
+  std::string text = bytesText(bytes.bytes).toStdString();
   if (bytes.certainty == BurnSummary::Certainty::Exact) return text;
   return format(localizedString("SummaryAbout"), text);
 }

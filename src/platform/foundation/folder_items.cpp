@@ -24,8 +24,10 @@ bool visitItemsBelow(const std::string& root, const std::stop_token& stop,
       if (stop.stop_requested()) return false;
       const std::string name = entry->path().filename().string();
       std::error_code unreadable;
-      const FolderItem item{folder + "/" + name, name,
-                            !entry->is_symlink(unreadable) && entry->is_directory(unreadable)};
+      FolderItem item;
+      item.path.append(folder).append("/").append(name);
+      item.name = name;
+      item.isFolder = !entry->is_symlink(unreadable) && entry->is_directory(unreadable);
       const Visit next = visit(item);
       if (next == Visit::End) return true;
       if (next == Visit::GoOn && item.isFolder) folders.push_back(item.path);
