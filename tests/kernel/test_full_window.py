@@ -18,6 +18,18 @@ agree
 start_window
 """
 
+    # Leaves what the kernel mounts of the new session then.
+    BURN_AND_QUIT = """
+close_and_burn
+eventually "the disc comes out" tray_is_open
+eventually "the window shows that nothing is open" nothing_is_open
+key ctrl+q
+await_end kelvanefs
+nothing_is_left
+drive_probe load "$DRIVE"
+show after
+"""
+
     def road(self, media, faults):
         """A disc is inserted, opened by itself, changed, closed, burned, ejected, loaded and opened once more."""
         first = make_tree(self.path("first"), 1)
@@ -70,6 +82,87 @@ keep burned
 
     def test_a_dvd_plus_rw_in_a_drive_that_tells_of_the_new_session(self):
         self.road("dvd+rw", NEWS)
+
+    def refused_dvd_r(self, faults, reload):
+        """A DVD-R is listed with the reason why it is not opened, and what another program adds to it shows in the list."""
+        first, second = make_tree(self.path("first"), 1), make_tree(self.path("second"), 2)
+        self.with_session("disc", "dvd-r", first, label="FIRST", faults=faults)
+        self.guest(self.BEGIN + f"""
+by_hand() {{
+  press_button
+  kelvanedisc insert "$DISC" || fail "the tray does not close"
+}}
+plug disc.kvdisc
+eventually "the disc is listed with the reason" eval "shows 'FIRST, DVDR in' && shows 'Disc type not supported'"
+key ctrl+o
+key Return
+growisofs -use-the-force-luke=tty -M "$DRIVE" -quiet -R -J -V SECOND /share/second > /tmp/growisofs 2>&1 ||
+  fail "$(cat /tmp/growisofs)"
+{reload}
+eventually "the new session is listed" shows "SECOND, DVDR in"
+logged "Notified that Filesystem did mount." && fail "a DVD-R has been opened"
+windows_are 1 || fail "there is something to say"
+key ctrl+q
+await_end kelvanefs
+by_hand
+eventually "udev knows the disc again" has_property ID_FS_LABEL SECOND
+show after
+""")
+        self.assertEqual(tree_of(self.path("after")), {**tree_of(first), **tree_of(second)})
+
+    def test_a_dvd_r_in_a_drive_to_be_loaded_anew(self):
+        self.refused_dvd_r(RELOAD, "by_hand")
+
+    def test_a_dvd_r_in_a_drive_that_tells_of_the_new_session(self):
+        self.refused_dvd_r(NEWS, "")
+
+    def test_a_volume_in_use_stays_open_and_the_window_says_by_whom(self):
+        self.guest(self.BEGIN + self.plugged("cd-r") + """
+await_open
+edit "echo new > new.txt"
+as_user sh -c 'exec tail -f /dev/null < /Volumes/tarnwick/new.txt' &
+eventually "the volume is in use" pidof tail
+key ctrl+o
+eventually "it is told by whom" shows "tail ("
+keep_text busy
+key Return
+eventually "the report is closed" windows_are 1
+as_user test -e /Volumes/tarnwick/new.txt || fail "changes are gone"
+shows "Close Disc" || fail "the disc counts as closed"
+kill "$(pidof tail)"
+""" + self.BURN_AND_QUIT)
+        self.assertIn("/Volumes/tarnwick/new.txt", self.text_of("busy"))
+        self.assertEqual(tree_of(self.path("after")), tree_of(self.path("shown")))
+
+    def test_the_licence_is_shown_at_the_first_start_and_agreed_to_by_keyboard(self):
+        self.guest("""
+start_desktop
+DEFAULTS=/home/user/.config/kelvanefs/kelvanefs.ini
+start_window
+eventually "the licence is shown" shows "Licence Agreement"
+keep_text licence
+key Escape
+await_end kelvanefs
+[ ! -e $DEFAULTS ] || ! grep licenseShownForVersion $DEFAULTS || fail "it counts as agreed to"
+
+start_window
+eventually "it is shown again" shows "Licence Agreement"
+key Return
+eventually "that is kept" grep -q "licenseShownForVersion=$(kelvanefs --version)" $DEFAULTS
+eventually "the window asks for a disc" shows "Insert a CD or DVD that can still be written to."
+""" + self.plugged("cd-rw") + """
+await_open
+key ctrl+q
+await_end kelvanefs
+
+start_window
+eventually "the window asks for a disc again" shows "Insert a CD or DVD that can still be written to."
+shows "Licence Agreement" && fail "it is shown a third time"
+key ctrl+q
+await_end kelvanefs
+nothing_is_left
+""")
+        self.assertIn("Agree", self.text_of("licence"))
 
 
 if __name__ == "__main__":
