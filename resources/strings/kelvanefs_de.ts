@@ -117,7 +117,7 @@
     </message>
     <message id="PreferenceNoUpdateCheckLong">
         <source>This build of KelvaneFS never looks for newer versions. Updates come the way in which it was installed.</source>
-        <translation>Diese Ausgabe von KelvaneFS sucht nie nach neueren Versionen. Aktualisierungen kommen auf dem Weg, auf dem sie installiert wurde.</translation>
+        <translation>Diese Fassung von KelvaneFS sucht nie nach neueren Versionen. Aktualisierungen kommen auf dem Weg, auf dem es installiert wurde.</translation>
     </message>
     <message id="PreferencesNotStored">
         <source>This change could not be saved. Check that you may write to your settings folder and that the disk is not full.</source>
@@ -263,11 +263,11 @@
     </message>
     <message id="burningchangescd">
         <source>Writing your changes to the CD…</source>
-        <translation>Ihre Änderungen kommen auf die CD …</translation>
+        <translation>Ihre Änderungen werden gebrannt …</translation>
     </message>
     <message id="burningchangesdvd">
         <source>Writing your changes to the DVD…</source>
-        <translation>Ihre Änderungen kommen auf die DVD …</translation>
+        <translation>Ihre Änderungen werden gebrannt …</translation>
     </message>
     <message id="erasingdisk">
         <source>Erasing the disc…</source>
@@ -292,7 +292,7 @@
     </message>
     <message id="BurnConfirmationSpeed">
         <source>&amp;Speed:</source>
-        <translation>&amp;Tempo:</translation>
+        <translation>&amp;Geschwindigkeit:</translation>
     </message>
     <message id="BurnConfirmationBurn">
         <source>&amp;Burn</source>
@@ -304,7 +304,7 @@
     </message>
     <message id="SpeedMaximum">
         <source>As fast as the drive can</source>
-        <translation>So schnell das Laufwerk kann</translation>
+        <translation>So schnell wie möglich</translation>
     </message>
     <message id="SpeedMultiple">
         <source>%i×</source>
@@ -361,7 +361,7 @@
     </message>
     <message id="LogoutDuringBurnLong">
         <source>Logging out now could spoil the disc, so it was stopped. Log out again when the burn is complete.</source>
-        <translation>Jetzt abzumelden könnte die Disc verderben, deshalb wurde die Abmeldung aufgehalten. Melden Sie sich noch einmal ab, wenn fertig gebrannt ist.</translation>
+        <translation>Jetzt abzumelden könnte die Disc verderben, deshalb wurde die Abmeldung aufgehalten. Melden Sie sich noch einmal ab, wenn die Disc fertig gebrannt ist.</translation>
     </message>
     <message id="MountFailed">
         <source>The disc could not be opened for changes</source>
@@ -416,8 +416,8 @@
         <translation>Die Auskunft des Laufwerks über das Formatieren dieser DVD ergibt keinen Sinn. Deshalb wurde das Brennen aufgegeben, und Ihre Änderungen sind verloren. Was früher gebrannt wurde, ist noch auf der DVD. Vielleicht ist sie beschädigt oder von einer Sorte, mit der das Laufwerk nicht umgehen kann: Versuchen Sie es mit einer anderen DVD.</translation>
     </message>
     <message id="DVDBurnErrorFull">
-        <source>The new session would reach past the first 4 GB of the DVD, where no session can be added. Nothing was written: the DVD holds what it held before, but your changes are lost. Add less, or copy the files to a new DVD.</source>
-        <translation>Die neue Sitzung würde über die ersten 4 GB der DVD hinausreichen, und dort lässt sich keine hinzufügen. Es wurde nichts geschrieben: Die DVD enthält, was sie vorher enthielt, aber Ihre Änderungen sind verloren. Fügen Sie weniger hinzu, oder kopieren Sie die Dateien auf eine neue DVD.</translation>
+        <source>The new session would begin shortly before 4 GB of the DVD, or beyond, and none can begin there. Nothing was written: the DVD holds what it held before, but your changes are lost. Nothing more can be put on this DVD. Copy its files to another one and repeat the changes there.</source>
+        <translation>Die neue Sitzung würde kurz vor 4 GB der DVD oder dahinter beginnen, und dort kann keine beginnen. Es wurde nichts geschrieben: Die DVD enthält, was sie vorher enthielt, aber Ihre Änderungen sind verloren. Auf diese DVD passt nichts mehr. Kopieren Sie ihre Dateien auf eine andere und wiederholen Sie die Änderungen dort.</translation>
     </message>
     <message id="DVDBurnErrorLong">
         <source>An error was reported while the DVD was being written, so the new session cannot be relied on, and your changes are lost. What was burned earlier may still be readable. Insert the DVD again to see whether it opens. If it does, repeat the changes and burn at a lower speed; if not, use another DVD.</source>
@@ -429,7 +429,7 @@
     </message>
     <message id="DVDBurnedDoubtfullyLong">
         <source>Something went wrong while the disc was written, and a file may be missing or damaged on it. Insert the disc again and look at your files before you delete them elsewhere.</source>
-        <translation>Beim Schreiben ging etwas schief, und auf der Disc kann eine Datei fehlen oder beschädigt sein. Legen Sie die Disc wieder ein, und sehen Sie Ihre Dateien nach, bevor Sie sie anderswo löschen.</translation>
+        <translation>Beim Schreiben ging etwas schief, und auf der Disc kann eine Datei fehlen oder beschädigt sein. Legen Sie die Disc wieder ein und sehen Sie nach Ihren Dateien, bevor Sie sie anderswo löschen.</translation>
     </message>
     <message id="ReasonNameNotText">
         <source>The name “%@” is not written in UTF-8, so it cannot be put on a disc. Give the item another name.</source>
@@ -464,8 +464,12 @@
         <translation>Auf der Disc ist für die neue Sitzung nicht genug Platz.</translation>
     </message>
     <message id="ReasonSessionLimit">
-        <source>The next session would begin beyond 4 GB of the disc, where no session can be added. Nothing more can be put on this disc.</source>
-        <translation>Die nächste Sitzung würde hinter 4 GB der Disc beginnen, wo keine Sitzung mehr möglich ist. Auf diese Disc passt nichts mehr.</translation>
+        <source>The next session would begin shortly before 4 GB of the disc, or beyond 4 GB, and none can begin there. Nothing more can be put on this disc.</source>
+        <translation>Die nächste Sitzung würde kurz vor 4 GB oder dahinter beginnen, und dort kann keine beginnen. Auf diese Disc passt nichts mehr.</translation>
+    </message>
+    <message id="ReasonDiscClosed">
+        <source>The disc is closed, or its last session was cut off: no session can be added to it.</source>
+        <translation>Die Disc ist abgeschlossen, oder ihre letzte Sitzung brach ab: Es lässt sich keine Sitzung mehr hinzufügen.</translation>
     </message>
     <message id="ReasonFormatUnknown">
         <source>The drive does not tell how the disc can be formatted. Try another drive.</source>
@@ -573,14 +577,14 @@
     </message>
     <message id="EraseErrorLong">
         <source>The disc may hold what it held before, or no longer be readable: eject it and insert it again to see. A rewritable disc that cannot be erased the second time either is worn out or damaged; use another one.</source>
-        <translation>Die Disc enthält vielleicht noch alles wie zuvor, vielleicht ist sie nicht mehr lesbar: legen Sie sie noch einmal ein, um das zu sehen. Eine wiederbeschreibbare Disc, die sich auch beim zweiten Mal nicht löschen lässt, ist abgenutzt oder beschädigt; nehmen Sie eine andere.</translation>
+        <translation>Die Disc enthält vielleicht noch alles wie zuvor, vielleicht ist sie nicht mehr lesbar: Werfen Sie sie aus und legen Sie sie wieder ein, um das zu sehen. Eine wiederbeschreibbare Disc, die sich auch beim zweiten Mal nicht löschen lässt, ist abgenutzt oder beschädigt; nehmen Sie eine andere.</translation>
     </message>
     <message id="EraseDriveBusy">
         <source>The drive is busy</source>
         <translation>Das Laufwerk ist beschäftigt</translation>
     </message>
     <message id="EraseDriveBusyLong">
-        <source>The disc is just being opened, or something is being recorded on it or erased. It has not been erased. Wait for that to end, then try again.</source>
+        <source>The disc is being opened, written or erased at the moment, so your request to erase it was not carried out. Wait until that has ended, then try again.</source>
         <translation>Die Disc wird gerade geöffnet, beschrieben oder gelöscht. Ihr Löschauftrag wurde nicht ausgeführt. Warten Sie, bis das beendet ist, und versuchen Sie es dann noch einmal.</translation>
     </message>
     <message id="EraseVolumeBusy">
@@ -772,6 +776,18 @@ If you burn all the same, nothing is written and your changes are lost. Keep the
 
 Wenn Sie trotzdem brennen, wird nichts geschrieben, und Ihre Änderungen gehen verloren. Heben Sie die Änderungen in einem Ordner auf, öffnen Sie die Disc wieder und kopieren Sie sie ohne die Ursache darauf.</translation>
     </message>
+    <message id="SummaryDiscProblem">
+        <source>No more can be added to this disc</source>
+        <translation>Zu dieser Disc lässt sich nichts mehr hinzufügen</translation>
+    </message>
+    <message id="SummaryDiscProblemLong">
+        <source>%@
+
+If you burn all the same, nothing is written and your changes are lost. Keep the changes in a folder, and put them on another disc together with what this one holds.</source>
+        <translation>%@
+
+Wenn Sie trotzdem brennen, wird nichts geschrieben, und Ihre Änderungen gehen verloren. Heben Sie die Änderungen in einem Ordner auf und bringen Sie sie zusammen mit dem Inhalt dieser Disc auf eine andere.</translation>
+    </message>
     <message id="SummaryTooLarge">
         <source>The changes do not fit on the disc</source>
         <translation>Die Änderungen passen nicht auf die Disc</translation>
@@ -790,11 +806,11 @@ Wenn Sie trotzdem brennen, wird nichts geschrieben, und Ihre Änderungen gehen v
     </message>
     <message id="SummaryShownStill">
         <source>Something that you deleted would still be listed</source>
-        <translation>Etwas, das Sie gelöscht haben, stünde weiter im Verzeichnis</translation>
+        <translation>Etwas, das Sie gelöscht haben, wäre noch zu sehen</translation>
     </message>
     <message id="SummaryShownStillLong">
-        <source>The program that writes discs cannot hide these names, which have a backslash or a line break in them: %@. In the new session each of them is an empty file.</source>
-        <translation>Das Programm, das Discs schreibt, kann diese Namen nicht verbergen, in denen ein umgekehrter Schrägstrich oder ein Zeilenumbruch steht: %@. In der neuen Sitzung ist jeder davon eine leere Datei.</translation>
+        <source>The program that writes discs cannot hide these names, which have a backslash or a line break in them: %@. In the new session each of them is left as an empty file. You can burn all the same.</source>
+        <translation>Das Programm, das Discs schreibt, kann diese Namen nicht verbergen, weil ein umgekehrter Schrägstrich oder ein Zeilenumbruch darin steht: %@. In der neuen Sitzung bleibt von jedem eine leere Datei. Brennen können Sie trotzdem.</translation>
     </message>
     <message id="BurnConfirmationKeep">
         <source>&amp;Keep in Folder</source>
@@ -810,7 +826,7 @@ Wenn Sie trotzdem brennen, wird nichts geschrieben, und Ihre Änderungen gehen v
     </message>
     <message id="ChangesKeptLong">
         <source>Nothing was written: the disc holds what it held before, and what you deleted is still on it. New and changed files lie in the folder that the report names. It is one for temporary files, so move them elsewhere before the computer is switched off.</source>
-        <translation>Es wurde nichts geschrieben: Die Disc enthält, was sie vorher enthielt, auch was Sie gelöscht haben. Neue und geänderte Dateien liegen in dem Ordner, den der Bericht nennt. Er ist für temporäre Dateien da; bringen Sie sie woandershin, bevor der Rechner ausgeschaltet wird.</translation>
+        <translation>Es wurde nichts geschrieben: Die Disc enthält, was sie vorher enthielt, auch was Sie gelöscht haben. Neue und geänderte Dateien liegen in dem Ordner, den der Bericht nennt. Er ist nur für vorübergehend Gebrauchtes da; bringen Sie Ihre Dateien an einen anderen Ort, bevor der Rechner ausgeschaltet wird.</translation>
     </message>
     <!-- Copying files onto the open disc -->
     <message id="AccessibleMountedItemLong">
@@ -923,7 +939,7 @@ Wenn Sie trotzdem brennen, wird nichts geschrieben, und Ihre Änderungen gehen v
     </message>
     <message id="CopyTooLarge">
         <source>it has 4 GB or more, which no file on a disc can have</source>
-        <translation>4 GB oder mehr, so groß darf eine Datei auf einer Disc nicht sein</translation>
+        <translation>4 GB oder mehr; so groß darf eine Datei auf einer Disc nicht sein</translation>
     </message>
     <message id="CopyNotAFile">
         <source>it is neither a file nor a folder</source>

@@ -416,8 +416,8 @@
         <translation>The drive’s answer about formatting this DVD makes no sense, so the burn was given up, and your changes are lost. What was burned earlier is still on the DVD. The disc may be damaged or of a make that the drive cannot handle: try another DVD.</translation>
     </message>
     <message id="DVDBurnErrorFull">
-        <source>The new session would reach past the first 4 GB of the DVD, where no session can be added. Nothing was written: the DVD holds what it held before, but your changes are lost. Add less, or copy the files to a new DVD.</source>
-        <translation>The new session would reach past the first 4 GB of the DVD, where no session can be added. Nothing was written: the DVD holds what it held before, but your changes are lost. Add less, or copy the files to a new DVD.</translation>
+        <source>The new session would begin shortly before 4 GB of the DVD, or beyond, and none can begin there. Nothing was written: the DVD holds what it held before, but your changes are lost. Nothing more can be put on this DVD. Copy its files to another one and repeat the changes there.</source>
+        <translation>The new session would begin shortly before 4 GB of the DVD, or beyond, and none can begin there. Nothing was written: the DVD holds what it held before, but your changes are lost. Nothing more can be put on this DVD. Copy its files to another one and repeat the changes there.</translation>
     </message>
     <message id="DVDBurnErrorLong">
         <source>An error was reported while the DVD was being written, so the new session cannot be relied on, and your changes are lost. What was burned earlier may still be readable. Insert the DVD again to see whether it opens. If it does, repeat the changes and burn at a lower speed; if not, use another DVD.</source>
@@ -464,8 +464,12 @@
         <translation>There is not enough room on the disc for the new session.</translation>
     </message>
     <message id="ReasonSessionLimit">
-        <source>The next session would begin beyond 4 GB of the disc, where no session can be added. Nothing more can be put on this disc.</source>
-        <translation>The next session would begin beyond 4 GB of the disc, where no session can be added. Nothing more can be put on this disc.</translation>
+        <source>The next session would begin shortly before 4 GB of the disc, or beyond 4 GB, and none can begin there. Nothing more can be put on this disc.</source>
+        <translation>The next session would begin shortly before 4 GB of the disc, or beyond 4 GB, and none can begin there. Nothing more can be put on this disc.</translation>
+    </message>
+    <message id="ReasonDiscClosed">
+        <source>The disc is closed, or its last session was cut off: no session can be added to it.</source>
+        <translation>The disc is closed, or its last session was cut off: no session can be added to it.</translation>
     </message>
     <message id="ReasonFormatUnknown">
         <source>The drive does not tell how the disc can be formatted. Try another drive.</source>
@@ -580,8 +584,8 @@
         <translation>The drive is busy</translation>
     </message>
     <message id="EraseDriveBusyLong">
-        <source>The disc is just being opened, or something is being recorded on it or erased. It has not been erased. Wait for that to end, then try again.</source>
-        <translation>The disc is just being opened, or something is being recorded on it or erased. It has not been erased. Wait for that to end, then try again.</translation>
+        <source>The disc is being opened, written or erased at the moment, so your request to erase it was not carried out. Wait until that has ended, then try again.</source>
+        <translation>The disc is being opened, written or erased at the moment, so your request to erase it was not carried out. Wait until that has ended, then try again.</translation>
     </message>
     <message id="EraseVolumeBusy">
         <source>The disc is still in use</source>
@@ -772,6 +776,18 @@ If you burn all the same, nothing is written and your changes are lost. Keep the
 
 If you burn all the same, nothing is written and your changes are lost. Keep the changes in a folder, then open the disc again and copy them onto it without the cause.</translation>
     </message>
+    <message id="SummaryDiscProblem">
+        <source>No more can be added to this disc</source>
+        <translation>No more can be added to this disc</translation>
+    </message>
+    <message id="SummaryDiscProblemLong">
+        <source>%@
+
+If you burn all the same, nothing is written and your changes are lost. Keep the changes in a folder, and put them on another disc together with what this one holds.</source>
+        <translation>%@
+
+If you burn all the same, nothing is written and your changes are lost. Keep the changes in a folder, and put them on another disc together with what this one holds.</translation>
+    </message>
     <message id="SummaryTooLarge">
         <source>The changes do not fit on the disc</source>
         <translation>The changes do not fit on the disc</translation>
@@ -793,8 +809,8 @@ If you burn all the same, nothing is written and your changes are lost. Keep the
         <translation>Something that you deleted would still be listed</translation>
     </message>
     <message id="SummaryShownStillLong">
-        <source>The program that writes discs cannot hide these names, which have a backslash or a line break in them: %@. In the new session each of them is an empty file.</source>
-        <translation>The program that writes discs cannot hide these names, which have a backslash or a line break in them: %@. In the new session each of them is an empty file.</translation>
+        <source>The program that writes discs cannot hide these names, which have a backslash or a line break in them: %@. In the new session each of them is left as an empty file. You can burn all the same.</source>
+        <translation>The program that writes discs cannot hide these names, which have a backslash or a line break in them: %@. In the new session each of them is left as an empty file. You can burn all the same.</translation>
     </message>
     <message id="BurnConfirmationKeep">
         <source>&amp;Keep in Folder</source>

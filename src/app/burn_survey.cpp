@@ -18,6 +18,7 @@
 #include "platform/foundation/paths.h"
 #include "platform/foundation/placeholders.h"
 #include "platform/foundation/strings_table.h"
+#include "platform/recording/dr_device.h"
 #include "platform/volumes/volume_services.h"
 
 namespace kelvane {
@@ -155,16 +156,32 @@ void BurnSurvey::measure(const std::stop_token& stop) {
   std::optional<Measurement> measurement = subject_.road == SurveySubject::Road::CD
                                                ? measurementOnCD(subject_)
                                                : measurementOnDVD(subject_);
-  if (!measurement || stop.stop_requested()) return;
+  if (stop.stop_requested()) return;
+  if (!measurement) {
+    blameDisc({});
+    return;
+  }
   if (subject_.appleDouble == AppleDouble::LeftOut) leaveOutAppleDouble(measurement->arguments);
   const SessionSize size = measureSession(measurement->arguments, stop);
   if (stop.stop_requested()) return;
   if (!size.blocks || judgeImaging(size.said) == ImagingVerdict::Failed) {
     summary_.problem = withPlainReason(size.said, subject_.overlay);
+    summary_.problemLiesInTheDisc = reasonLiesInTheDisc(size.said);
   } else if (const auto name = unencodableName(subject_.overlay, subject_.changes.deleted, stop)) {
     summary_.problem = format(localizedString("ReasonNameNotText"), name->substr(1));
   }
   if (size.blocks) take(static_cast<int64_t>(*size.blocks), measurement->room);
+  blameDisc(measurement->room);
+}
+
+// What lies in the disc counts more than what lies in the changes: no others could be burned
+// either.
+void BurnSurvey::blameDisc(const RecordingRoom& room) {
+  const bool isClosed = subject_.road == SurveySubject::Road::CD && subject_.disc &&
+                        !subject_.device->mediaIsAppendable();
+  if (!isClosed && room.blocksToLastBeginning >= 0) return;
+  summary_.problem = localizedString(isClosed ? "ReasonDiscClosed" : "ReasonSessionLimit");
+  summary_.problemLiesInTheDisc = true;
 }
 
 void BurnSurvey::take(int64_t blocks, const RecordingRoom& room) {

@@ -58,6 +58,7 @@ class BurnSurvey {
   bool findHiddenItems(const std::stop_token& stop);
   void measure(const std::stop_token& stop);
   void take(int64_t blocks, const RecordingRoom& room);
+  void blameDisc(const RecordingRoom& room);
   void say() const;
 
   const SurveySubject subject_;

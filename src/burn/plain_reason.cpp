@@ -4,6 +4,7 @@
 #include <array>
 #include <optional>
 
+#include "burn/ordinary_words.h"
 #include "platform/foundation/placeholders.h"
 #include "platform/foundation/strings_table.h"
 
@@ -85,9 +86,19 @@ std::string plainReason(std::string_view said, std::string_view overlayDirectory
   return {};
 }
 
+bool reasonLiesInTheDisc(std::string_view said) {
+  for (const Message& message : kMessages) {
+    if (said.find(message.after) == std::string_view::npos) continue;
+    const std::string_view key = message.key;
+    return key == "ReasonLinkLength" || key == "ReasonSessionLimit";
+  }
+  return false;
+}
+
 std::string withPlainReason(const std::string& said, std::string_view overlayDirectory) {
   const std::string reason = plainReason(said, overlayDirectory);
-  return reason.empty() ? said : reason + "\n" + said;
+  const std::string words = withoutOrdinaryLines(said);
+  return reason.empty() ? words : reason + "\n" + words;
 }
 
 }  // namespace kelvane

@@ -14,7 +14,11 @@ namespace kelvane {
 /// names, so that they are those of the volume.
 std::string plainReason(std::string_view said, std::string_view overlayDirectory);
 
-/// `said` with the reason in a line before it, where there is one.
+/// Whether such a reason is known which lies in the disc: no other session could be added to it
+/// either.
+bool reasonLiesInTheDisc(std::string_view said);
+
+/// What is worth telling of `said`, with the reason in a line before it, where there is one.
 std::string withPlainReason(const std::string& said, std::string_view overlayDirectory);
 
 }  // namespace kelvane

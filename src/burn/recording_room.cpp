@@ -18,6 +18,8 @@ constexpr int64_t kBehindFurtherSession = 6900;
 // least.
 constexpr int64_t kDVDGranule = 16;
 constexpr int64_t kDVDBorder = 16384;
+// The last block at which growisofs begins a further session: 40 MB before 4 GB.
+constexpr int64_t kLastBeginningOnDVD = 0x200000 - 0x5000;
 
 int64_t inWhole(int64_t granule, int64_t blocks) {
   return (blocks + granule - 1) / granule * granule;
@@ -32,6 +34,7 @@ int64_t RecordingRoom::blocksFor(int64_t sessionBlocks) const {
 std::optional<int64_t> RecordingRoom::leftAfter(int64_t sessionBlocks) const {
   if (!freeBlocks) return std::nullopt;
   const int64_t left = *freeBlocks - blocksFor(sessionBlocks);
+  if (left >= 0 && blocksFor(sessionBlocks) > blocksToLastBeginning) return 0;
   return left < 0 ? left : std::max<int64_t>(left - blocksBehind, 0);
 }
 
@@ -53,8 +56,12 @@ RecordingRoom roomOnDVD(const DRDevice& device, int64_t usedBlocks) {
   if (usedBlocks > 0 && media && media->DRDeviceMediaBlocksFreeKey) {
     room.freeBlocks = media->DRDeviceMediaBlocksFreeKey;
     room.blocksBehind = kDVDBorder;
-  } else if (const std::optional<uint32_t> capacity = device.formatCapacity()) {
-    room.freeBlocks = *capacity - nextSessionOnDVD(usedBlocks);
+    return room;
+  }
+  const int64_t beginning = nextSessionOnDVD(usedBlocks);
+  room.blocksToLastBeginning = kLastBeginningOnDVD - beginning;
+  if (const std::optional<uint32_t> capacity = device.formatCapacity()) {
+    room.freeBlocks = *capacity - beginning;
   }
   return room;
 }

@@ -18,6 +18,9 @@ struct RecordingRoom {
   int64_t granule = 1;
   /// What lies between the end of the session and the place where a further one can begin.
   int64_t blocksBehind = 0;
+  /// From the beginning of the session to the last block at which one may begin at all; negative
+  /// where this one cannot.
+  int64_t blocksToLastBeginning = INT64_MAX;
 
   /// The blocks in which a session of that many is recorded.
   int64_t blocksFor(int64_t sessionBlocks) const;

@@ -45,7 +45,8 @@ struct BurnSummary {
   /// Why the session cannot be built, in the user's language; empty where nothing is known against
   /// it.
   std::string problem;
-  bool isComplete = false;  ///< Nothing else will be found out.
+  bool problemLiesInTheDisc = false;  ///< No other session could be added to it either.
+  bool isComplete = false;            ///< Nothing else will be found out.
 
   /// Whether it is certain that the session does not fit.
   bool isTooLarge() const {

@@ -36,7 +36,8 @@ std::string listOf(const std::vector<std::string>& paths) {
 std::vector<SummaryWarning> warningsOf(const BurnSummary& summary) {
   std::vector<SummaryWarning> warnings;
   if (!summary.problem.empty()) {
-    warnings.push_back(makeWarning(About::Problem, "SummaryProblem", summary.problem));
+    const char* key = summary.problemLiesInTheDisc ? "SummaryDiscProblem" : "SummaryProblem";
+    warnings.push_back(makeWarning(About::Problem, key, summary.problem));
   }
   if (summary.isTooLarge() && summary.needed && summary.freeBefore) {
     warnings.push_back(makeWarning(About::Size, "SummaryTooLarge", textOf(summary.needed->bytes),

@@ -150,6 +150,7 @@ TEST_F(BurnInQuestion, ThatIsBoundToFailIsToldInPlainWords) {
   write("name that is no text \xff", 10);
   askToBurn();
   EXPECT_THAT(window_.last().problem, HasSubstr("ReasonNameNotText"));
+  EXPECT_FALSE(window_.last().problemLiesInTheDisc);
   discard();
 }
 
@@ -205,6 +206,20 @@ TEST_F(BurnInQuestionOnASmallDisc, SaysByHowMuchTheSessionIsTooLarge) {
   const BurnSummary& told = window_.last();
   EXPECT_TRUE(told.isTooLarge());
   EXPECT_EQ(told.freeAfterwards->bytes, freeBefore - told.needed->bytes);
+  discard();
+}
+
+class BurnInQuestionOnAClosedDisc : public BurnInQuestion {
+ protected:
+  QStringList discOptions() const override { return {"--media", "cd-r", "--closed"}; }
+};
+
+TEST_F(BurnInQuestionOnAClosedDisc, SaysThatNothingCanBeAddedToIt) {
+  write("new.txt", 10);
+  askToBurn();
+  ASSERT_TRUE(waitFor([this] { return window_.last().isComplete; }));
+  EXPECT_EQ(window_.last().problem, "ReasonDiscClosed");
+  EXPECT_TRUE(window_.last().problemLiesInTheDisc);
   discard();
 }
 

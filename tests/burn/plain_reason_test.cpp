@@ -86,6 +86,24 @@ TEST_F(PlainReason, TheProgramsWordsFollowIt) {
   EXPECT_EQ(withPlainReason(said, ""), plainReason(said, "") + "\n" + said);
 }
 
+TEST_F(PlainReason, WordsOfABurnWithoutTroubleAreLeftOut) {
+  const std::string usual = "Rock Ridge signatures found\n";
+  EXPECT_EQ(withPlainReason(usual + "genisoimage: whatever\n\n", ""), "genisoimage: whatever\n");
+  EXPECT_EQ(withPlainReason(usual + "genisoimage: what", ""), "genisoimage: what");
+  EXPECT_EQ(withPlainReason(usual, ""), usual) << "better than nothing";
+  EXPECT_EQ(withPlainReason("", ""), "");
+  const std::string said = "File big is larger than 4GiB-1.\n";
+  EXPECT_EQ(withPlainReason(usual + said, ""), plainReason(said, "") + "\n" + said);
+}
+
+TEST_F(PlainReason, SomeReasonsLieInTheDiscWhateverTheChangesAre) {
+  EXPECT_TRUE(reasonLiesInTheDisc(recorded("session-past-4-gb")));
+  EXPECT_TRUE(reasonLiesInTheDisc("Cannot parse Rock Ridge attributes"));
+  EXPECT_FALSE(reasonLiesInTheDisc(recorded("file-of-4-gib")));
+  EXPECT_FALSE(reasonLiesInTheDisc("File big is larger than 4GiB-1.\n"));
+  EXPECT_FALSE(reasonLiesInTheDisc(""));
+}
+
 TEST_F(PlainReason, ANameThatIsNoUtf8) {
   put("bad\377name");
   EXPECT_THAT(plainReason(mkisofs(), overlay()),

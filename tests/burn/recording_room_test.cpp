@@ -54,6 +54,21 @@ TEST(RecordingRoom, OfADvdThatIsWrittenOverBeginsBehindItsVolumeInWholeBlocksOfS
   EXPECT_EQ(nextSessionOnDVD(208), 208);
 }
 
+// growisofs 7.1 begins a session at block 2076672 and refuses the next one that it could begin at.
+TEST(RecordingRoom, OfADvdThatIsWrittenOverEndsForFurtherSessions40MegabytesBefore4Gigabytes) {
+  Device device;
+  device.setTracks({0});
+  device.setFree(std::nullopt);
+  device.capacity = 2295104;
+  constexpr int64_t kLast = 2076672;
+  EXPECT_EQ(roomOnDVD(device, kLast).blocksToLastBeginning, 0);
+  EXPECT_EQ(roomOnDVD(device, kLast + 1).blocksToLastBeginning, -16);
+  const RecordingRoom room = roomOnDVD(device, kLast - 160);
+  EXPECT_EQ(room.leftAfter(160), 2295104 - kLast);
+  EXPECT_EQ(room.leftAfter(161), 0) << "no further session could begin behind it";
+  EXPECT_LT(room.leftAfter(2295104), 0) << "and this one does not fit";
+}
+
 TEST(RecordingRoom, OfADvdThatIsWrittenSessionAfterSessionIsWhatTheDriveTells) {
   Device device;
   device.setTracks({0, 16592});

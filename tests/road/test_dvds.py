@@ -147,11 +147,20 @@ class Dvds(RoadTest):
         with open(sectors, "r+b") as file:
             file.seek(16 * SECTOR + 80)
             file.write(blocks.to_bytes(4, "little") + blocks.to_bytes(4, "big"))
-        before = sha256_of(sectors)
+            file.truncate(blocks * SECTOR)
+        description = os.path.join(disc, "disc.json")
+        with open(description, encoding="utf-8") as file:
+            state = json.load(file)
+        state["formatted"]["sectors"] = blocks
+        with open(description, "w", encoding="utf-8") as file:
+            json.dump(state, file)
+        before = sha256_of_sectors(disc, 0, 192)
         outcome = self.failed(disc, "echo x > new")
-        self.assertIn("would begin beyond 4 GB", outcome["error"])
+        self.assertIn("beyond 4 GB", outcome["summary"]["problem"])
+        self.assertIn("beyond 4 GB", outcome["error"])
         self.assertIn("4GB boundary", outcome["error"])
-        self.assertEqual(sha256_of(sectors), before)
+        self.assertEqual(sha256_of_sectors(disc, 0, 192), before)
+        self.assertEqual(os.path.getsize(sectors), blocks * SECTOR)
 
     def test_a_dvd_rw_with_sessions_of_its_own_counts_as_blank_and_keeps_them(self):
         # It is not blank to growisofs, which cannot begin it anew.

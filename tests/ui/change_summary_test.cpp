@@ -152,6 +152,17 @@ TEST_F(ChangeSummary, WarnsOfASessionThatCannotBePreparedWithTheReason) {
   EXPECT_THAT(keeping_.calls, ElementsAre("burnConfirmationDidKeep"));
 }
 
+TEST_F(ChangeSummary, SaysWhereNothingCanBeAddedToTheDiscThatAnotherIsNeeded) {
+  BurnSummary summary = counted();
+  summary.problem = localizedString("ReasonSessionLimit");
+  summary.problemLiesInTheDisc = true;
+  window_.setBurnSummary(summary);
+  EXPECT_THAT(warning("problemWarning"), HasSubstr("beyond 4 GB"));
+  EXPECT_THAT(warning("problemWarning"), HasSubstr("put them on another disc"));
+  EXPECT_FALSE(button("burnConfirmButton")->isDefault());
+  EXPECT_TRUE(button("burnKeepButton")->isDefault());
+}
+
 TEST_F(ChangeSummary, NamesItemsThatWouldBeMissingAndLeavesBurningTheDefault) {
   BurnSummary summary = counted();
   summary.hiddenToo = {"a", "b/", "c", "d", "e", "f"};
