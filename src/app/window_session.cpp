@@ -107,6 +107,7 @@ void WindowSession::offerEjectedDiscs() {
   for (DRDevice* device : DRDevice::devices()) {
     const auto disc = device->emulatedDisc();
     if (!disc || !device->isValid() || device->mediaIsPresent()) continue;
+    if (device->mediaIsTransitioning()) continue;  // It is being taken in.
     emptyDrives.push_back(device);
     names.push_back(std::filesystem::path(*disc).stem().string());
   }
