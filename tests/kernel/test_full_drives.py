@@ -3,7 +3,7 @@
 
 import unittest
 
-from rig import make_tree
+from rig import make_tree, tree_of
 from system_test import SystemTest
 
 
@@ -42,6 +42,36 @@ await_end kelvanefs
 nothing_is_left
 """)
 
+    def test_of_two_discs_the_chosen_one_is_burned_and_then_the_other(self):
+        self.guest(self.both_listed() + """
+key Down
+key Return
+await_open
+as_user test -e "/Volumes/tarnwick/file 1 0.bin" || fail "what is open is not the disc that was chosen"
+edit "echo second > second.txt"
+mv /share/shown /share/shown.other
+close_and_burn
+eventually "the chosen disc comes out" tray_is_open
+# It is the only one now.
+await_open 2
+as_user test -e "/Volumes/tarnwick/file 0 0.bin" || fail "what is open is not the other disc"
+edit "echo first > first.txt"
+mv /share/shown /share/shown.one
+close_and_burn
+OTHER=$DISC
+DISC=/tmp/discone.kvdisc
+eventually "the other disc comes out" tray_is_open
+eventually "the window shows that nothing is open" nothing_is_open
+key ctrl+q
+await_end kelvanefs
+nothing_is_left
+cp -r "$DISC" /share/burned.one.kvdisc && cp -r "$OTHER" /share/burned.other.kvdisc || fail "the discs cannot be kept"
+""")
+        for name, file in [("one", "first.txt"), ("other", "second.txt")]:
+            shown = tree_of(self.path("shown." + name))
+            self.assertIn(file, shown)
+            self.assertEqual(self.tree_on(self.path(f"burned.{name}.kvdisc")), shown)
+
 
 class PulledOut(SystemTest):
     def test_a_drive_pulled_out_while_its_disc_is_open_in_the_window_and_plugged_in_again(self):
@@ -66,6 +96,39 @@ key ctrl+q
 await_end kelvanefs
 nothing_is_left
 """)
+
+    def pulled_out_while_it_burns(self, media, faults, alert):
+        """A drive disappears in the middle of a burn: that is told, and the next disc is opened."""
+        self.with_session("next", "cd-r", make_tree(self.path("next"), 2), label="NEXT")
+        self.guest("""
+start_desktop
+agree
+start_window
+""" + self.plugged(media, faults) + f"""
+await_open
+edit "head -c 3000000 /dev/urandom > large"
+close_and_burn
+eventually "the drive is gone" test ! -e "$DRIVE"
+wait "$BURNER" || fail "the burner ended with $?"
+eventually "the burn is reported as failed" shows "{alert}"
+keep_text failed
+key Return
+eventually "the report is closed" windows_are 1
+eventually "the window asks for a disc" shows "Insert a CD or DVD that can still be written to."
+nothing_is_left
+plug next.kvdisc
+await_open 2
+as_user test -e "/Volumes/tarnwick/file 2 0.bin" || fail "what is open is not the next disc"
+key ctrl+q
+await_end kelvanefs
+nothing_is_left
+""")
+
+    def test_a_drive_pulled_out_while_a_cd_is_burned_in_the_window(self):
+        self.pulled_out_while_it_burns("cd-r", "on write 20: gone\n", "The CD could not be burned completely")
+
+    def test_a_drive_pulled_out_while_a_dvd_is_burned_in_the_window(self):
+        self.pulled_out_while_it_burns("dvd+rw", "on write 20: gone\n", "The DVD could not be burned")
 
     def test_a_drive_pulled_out_while_it_takes_a_disc_in(self):
         self.guest(self.plugged("cd-r", "load: never ready\n") + """
