@@ -563,6 +563,14 @@
         <source>As root, run: install -d -m 1777 %@.</source>
         <translation>Führen Sie als root aus: install -d -m 1777 %@.</translation>
     </message>
+    <message id="TrayKeptShut">
+        <source>The disc stays in the drive while it is open</source>
+        <translation>Die Disc bleibt im Laufwerk, solange sie geöffnet ist</translation>
+    </message>
+    <message id="TrayKeptShutLong">
+        <source>Taken out now, it would not get your changes, and they would be lost. Close the disc first. It comes out by itself once it has been burned; otherwise press the button of the drive again.</source>
+        <translation>Jetzt herausgenommen, bekäme sie Ihre Änderungen nicht, und sie wären verloren. Schließen Sie die Disc zuerst. Nach dem Brennen kommt sie von selbst heraus; sonst drücken Sie dann noch einmal auf die Taste des Laufwerks.</translation>
+    </message>
     <message id="attempteraseshort">
         <source>Erase this disc?</source>
         <translation>Diese Disc löschen?</translation>

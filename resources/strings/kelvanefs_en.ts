@@ -563,6 +563,14 @@
         <source>As root, run: install -d -m 1777 %@.</source>
         <translation>As root, run: install -d -m 1777 %@.</translation>
     </message>
+    <message id="TrayKeptShut">
+        <source>The disc stays in the drive while it is open</source>
+        <translation>The disc stays in the drive while it is open</translation>
+    </message>
+    <message id="TrayKeptShutLong">
+        <source>Taken out now, it would not get your changes, and they would be lost. Close the disc first. It comes out by itself once it has been burned; otherwise press the button of the drive again.</source>
+        <translation>Taken out now, it would not get your changes, and they would be lost. Close the disc first. It comes out by itself once it has been burned; otherwise press the button of the drive again.</translation>
+    </message>
     <message id="attempteraseshort">
         <source>Erase this disc?</source>
         <translation>Erase this disc?</translation>

@@ -20,6 +20,7 @@ WindowSession::WindowSession(std::unique_ptr<ApplicationCore> core, ControllerSe
       controller_(window_, services_),
       delegate_(controller_, window_, updates),
       logout_(controller_, delegate_, window_),
+      shutTrayNotice_(controller_, window_),
       signals_([this](int) { quitRequested(); }),
       instance_([this] { reopen(); }) {
   window_.setActions(&controller_);

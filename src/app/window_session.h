@@ -10,6 +10,7 @@
 #include "app/kv_app_delegate.h"
 #include "app/kv_controller.h"
 #include "app/logout_decision.h"
+#include "app/shut_tray_notice.h"
 #include "app/termination_signals.h"
 #include "platform/desktop/running_instance.h"
 #include "services/kv_license_controller.h"
@@ -54,6 +55,7 @@ class WindowSession {
   KVController controller_;
   KVAppDelegate delegate_;
   LogoutDecision logout_;
+  ShutTrayNotice shutTrayNotice_;
   TerminationSignals signals_;
   desktop::RunningInstance instance_;
   bool quitIsPending_ = false;

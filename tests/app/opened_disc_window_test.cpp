@@ -1,12 +1,16 @@
 // SPDX-License-Identifier: GPL-2.0-or-later
 // What the window shows of an open disc while it is used, on an emulated drive.
 #include <QLabel>
+#include <QMessageBox>
 #include <QPushButton>
 #include <fstream>
 
 #include "app/window_session_fixture.h"
 #include "platform/foundation/placeholders.h"
 #include "platform/foundation/strings_table.h"
+#include "platform/recording/dr_device.h"
+#include "platform/recording/dr_notification_center.h"
+#include "ui/view_parts.h"
 
 namespace kelvane::test {
 namespace {
@@ -41,6 +45,36 @@ TEST_F(OpenedDiscInTheWindow, TellsItsNameItsDriveAndTheRoomThatWritingLeaves) {
   when([&before] { return text("sizeInformationField") == before; },
        [] { click("mainWindow", "openButton"); });
   when([] { return isReady() && caption() == localizedString("buttonopen"); }, [] { quitByKey(); });
+  runWithDisc();
+}
+
+TEST_F(OpenedDiscInTheWindow, StaysInTheDriveWhoseButtonIsPressedAndTheUserLearnsWhy) {
+  const auto pressButtonInVain = [] {
+    for (const DRDevice* device : DRDevice::devices()) {
+      // As udev's rule has it told.
+      DRNotificationCenter::currentRunLoopCenter().post(DRDeviceTrayKeptShutNotification, device);
+    }
+  };
+  const auto told = [] {
+    const auto* sheet = qobject_cast<QMessageBox*>(alert());
+    return sheet != nullptr && sheet->text() == localizedText("TrayKeptShut");
+  };
+  when(isOpen(), [&] {
+    pressButtonInVain();
+    pressButtonInVain();
+  });
+  when(told, [] { QTest::keyClick(alert(), Qt::Key_Return); });
+  when(isOpen(), pressButtonInVain);
+  when(told, [] { QTest::keyClick(alert(), Qt::Key_Escape); });
+  when(isOpen(), [] { click("mainWindow", "openButton"); });
+  when([] { return isReady() && caption() == localizedString("buttonopen"); },
+       [&] {
+         pressButtonInVain();
+         QTimer::singleShot(0, [] {
+           EXPECT_EQ(alert(), nullptr) << "no disc is open";
+           quitByKey();
+         });
+       });
   runWithDisc();
 }
 

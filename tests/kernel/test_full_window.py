@@ -133,6 +133,23 @@ kill "$(pidof tail)"
         self.assertIn("/Volumes/tarnwick/new.txt", self.text_of("busy"))
         self.assertEqual(tree_of(self.path("after")), tree_of(self.path("shown")))
 
+    def test_the_drives_own_button_has_no_effect_while_a_disc_is_open(self):
+        self.guest(self.BEGIN + self.plugged("cd-rw") + """
+await_open
+edit "echo before > before.txt"
+udevadm monitor --property --subsystem-match=block > /tmp/events 2>&1 &
+eventually "the events are listened to" grep -q "the kernel uevent" /tmp/events
+kelvanedisc eject "$DISC" && fail "the tray was not locked"
+eventually "the kernel tells of the button" grep -q DISK_EJECT_REQUEST=1 /tmp/events
+eventually "udev has acted on it" sed -n '/DISK_EJECT_REQUEST=1/,$ { /^UDEV.* change /q 0 }; $ q 1' /tmp/events
+tray_is_open && fail "the tray is open"
+eventually "it is told why" shows "The disc stays in the drive while it is open"
+key Return
+eventually "the report is closed" windows_are 1
+edit "echo after > after.txt"
+logged "unexpected disk ejection" && fail "the disc was taken for gone"
+""" + self.BURN_AND_QUIT)
+
     def test_the_licence_is_shown_at_the_first_start_and_agreed_to_by_keyboard(self):
         self.guest("""
 start_desktop

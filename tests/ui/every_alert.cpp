@@ -56,6 +56,7 @@ const std::vector<Alert>& everyAlert() {
       ok("CopyFailures", "CopyFailuresLong", "“Film.mkv”: it has 4 GB or more"),
       ok("ChangesKept", "ChangesKeptLong", "Your changes are kept in /tmp/817000000.kept."),
       ok("LogoutDuringBurn", "LogoutDuringBurnLong", ""),
+      ok("TrayKeptShut", "TrayKeptShutLong", ""),
       choice(Style::Warning, {"BurnConfirmationDiscard", "DiscardChangesKeep"}, "DiscardChanges",
              "DiscardChangesLong", ""),
       choice(Style::Informational, {"updatecheckdownload", "cancelbutton"}, "updatecheck",

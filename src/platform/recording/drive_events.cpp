@@ -12,6 +12,8 @@ namespace kelvane {
 namespace {
 
 constexpr char kUdevControl[] = "/run/udev/control";
+// What the rule adds to the event (packaging/kelvanefs.rules).
+constexpr char kTrayKeptShut[] = "KELVANEFS_TRAY_KEPT_SHUT";
 
 template <auto release>
 struct Release {
@@ -40,11 +42,12 @@ UdevMonitor openMonitor(udev* context, DriveEvents::Channel channel) {
 class DriveEvents::Connection {
  public:
   Connection(UdevContext context, UdevMonitor monitor, std::string prefix,
-             std::function<void()> handler)
+             std::function<void()> handler, NameHandler trayKeptShut)
       : context_(std::move(context)),
         monitor_(std::move(monitor)),
         prefix_(std::move(prefix)),
         handler_(std::move(handler)),
+        trayKeptShut_(std::move(trayKeptShut)),
         readable_(udev_monitor_get_fd(monitor_.get()), QSocketNotifier::Read) {
     QObject::connect(&readable_, &QSocketNotifier::activated, [this] { receive(); });
   }
@@ -55,7 +58,11 @@ class DriveEvents::Connection {
     bool concernsDrives = false;
     while (const UdevDevice device{udev_monitor_receive_device(monitor_.get())}) {
       const char* name = udev_device_get_sysname(device.get());
-      concernsDrives = concernsDrives || (name && std::string_view(name).starts_with(prefix_));
+      if (name == nullptr || !std::string_view(name).starts_with(prefix_)) continue;
+      concernsDrives = true;
+      if (trayKeptShut_ && udev_device_get_property_value(device.get(), kTrayKeptShut) != nullptr) {
+        trayKeptShut_(name);
+      }
     }
     if (concernsDrives) handler_();
   }
@@ -64,6 +71,7 @@ class DriveEvents::Connection {
   UdevMonitor monitor_;
   std::string prefix_;
   std::function<void()> handler_;
+  NameHandler trayKeptShut_;
   QSocketNotifier readable_;
 };
 
@@ -81,14 +89,15 @@ bool DriveEvents::isSettled(const std::string& name) {
 }
 
 std::unique_ptr<DriveEvents> DriveEvents::listen(Channel channel, const std::string& prefix,
-                                                 std::function<void()> handler) {
+                                                 std::function<void()> handler,
+                                                 NameHandler trayKeptShut) {
   UdevContext context(udev_new());
   if (!context) return nullptr;
   UdevMonitor monitor = openMonitor(context.get(), channel);
   if (!monitor) return nullptr;
-  return std::unique_ptr<DriveEvents>(
-      new DriveEvents(channel, std::make_unique<Connection>(std::move(context), std::move(monitor),
-                                                            prefix, std::move(handler))));
+  auto connection = std::make_unique<Connection>(std::move(context), std::move(monitor), prefix,
+                                                 std::move(handler), std::move(trayKeptShut));
+  return std::unique_ptr<DriveEvents>(new DriveEvents(channel, std::move(connection)));
 }
 
 DriveEvents::DriveEvents(Channel channel, std::unique_ptr<Connection> connection)

@@ -21,6 +21,8 @@ class DriveEvents {
     Kernel,
   };
 
+  using NameHandler = std::function<void(const std::string& name)>;
+
   /// The channel that can be relied on here.
   static Channel systemChannel();
 
@@ -29,9 +31,11 @@ class DriveEvents {
   static bool isSettled(const std::string& name);
 
   /// Calls `handler`, from the event loop, after each event of a block device whose kernel name
-  /// begins with `prefix`. Null where the channel cannot be listened to.
+  /// begins with `prefix`. Null where the channel cannot be listened to. Where a rule of ours has
+  /// kept a tray shut whose button was pressed, `trayKeptShut` is called with the drive's name.
   static std::unique_ptr<DriveEvents> listen(Channel channel, const std::string& prefix,
-                                             std::function<void()> handler);
+                                             std::function<void()> handler,
+                                             NameHandler trayKeptShut = {});
   ~DriveEvents();
   DriveEvents(const DriveEvents&) = delete;
   DriveEvents& operator=(const DriveEvents&) = delete;

@@ -24,6 +24,13 @@ bool isEmulated(const DRDevice& device) {
   return device.emulatedDisc().has_value();
 }
 
+void tellOfShutTray(const std::string& name) {
+  for (const DRDevice* device : DRDevice::devices()) {
+    if (device->bsdName() != name) continue;
+    DRNotificationCenter::currentRunLoopCenter().post(DRDeviceTrayKeptShutNotification, device);
+  }
+}
+
 }  // namespace
 
 DriveWatcher& DriveWatcher::shared() {
@@ -45,7 +52,8 @@ void DriveWatcher::start() {
   soon_->setSingleShot(true);
   QObject::connect(soon_.get(), &QTimer::timeout, [this] { check(); });
   QObject::connect(poll_.get(), &QTimer::timeout, [this] { poll(); });
-  events_ = DriveEvents::listen(DriveEvents::systemChannel(), kRealDrives, [this] { checkSoon(); });
+  events_ = DriveEvents::listen(
+      DriveEvents::systemChannel(), kRealDrives, [this] { checkSoon(); }, tellOfShutTray);
   check();
 }
 
