@@ -54,6 +54,9 @@ void MainWindow::setHidden(HideableView view, bool hidden) {
       diskTable_->setHidden(hidden);
       break;
     case HideableView::DiskScroll:
+      // A disc that was loaded alone has hidden the table, and nobody else shows it again: the list
+      // would be empty from then on.
+      if (!hidden) diskTable_->show();
       contentArea_->setViewHidden(ContentView::DiskScroll, hidden);
       break;
     case HideableView::Message:

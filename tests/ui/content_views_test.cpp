@@ -161,11 +161,17 @@ TEST_F(ContentViews, DiscTableIsHiddenByItselfInsideItsScrollView) {
   window_.setHidden(HideableView::DiskTable, true);
   EXPECT_TRUE(child<QWidget>("diskScrollView")->isVisible());
   EXPECT_FALSE(child<QListView>("diskTableView")->isVisible());
-  window_.setHidden(HideableView::DiskScroll, true);
-  window_.setHidden(HideableView::DiskScroll, false);
-  EXPECT_FALSE(child<QListView>("diskTableView")->isVisible()) << "the table was hidden itself";
   window_.setHidden(HideableView::DiskTable, false);
   EXPECT_TRUE(child<QListView>("diskTableView")->isVisible());
+}
+
+TEST_F(ContentViews, TheTableThatALoadingDiscHasHiddenIsThereAgainWithTheList) {
+  const auto* table = child<QWidget>("diskTableView");
+  window_.setHidden(HideableView::DiskTable, true);
+  window_.setHidden(HideableView::DiskScroll, true);
+  EXPECT_TRUE(table->isHidden()) << "it is hidden by itself, not with what scrolls it";
+  window_.setHidden(HideableView::DiskScroll, false);
+  EXPECT_FALSE(table->isHidden());
 }
 
 TEST_F(ContentViews, OpenButtonIsHiddenAndShownAndBearsItsCaption) {
