@@ -27,7 +27,9 @@ constexpr Setting kAnimations{"org.gnome.desktop.interface", "enable-animations"
 
 /// The portal wraps what it is asked for once or twice, depending on its age.
 QVariant unwrapped(QVariant value) {
-  while (value.canConvert<QDBusVariant>()) value = value.value<QDBusVariant>().variant();
+  while (value.metaType() == QMetaType::fromType<QDBusVariant>()) {
+    value = value.value<QDBusVariant>().variant();
+  }
   return value;
 }
 
@@ -41,16 +43,19 @@ class MotionSetting::Listener : public QObject {
       : heard_(std::move(heard)), patience_(patience) {
     if (!bus_.isConnected()) return;
     bus_.connect(QLatin1String(kService), QLatin1String(kObjectPath), QLatin1String(kInterface),
-                 QStringLiteral("SettingChanged"), this,
-                 SLOT(settingChanged(QString, QString, QDBusVariant)));
+                 QStringLiteral("SettingChanged"), this, SLOT(settingChanged(QDBusMessage)));
     for (const Setting& setting : {kReducedMotion, kAnimations}) ask(setting);
   }
 
  private Q_SLOTS:
-  void settingChanged(const QString& group, const QString& key, const QDBusVariant& value) {
+  // Group, key and value.
+  void settingChanged(const QDBusMessage& signal) {
+    const QVariantList arguments = signal.arguments();
+    if (arguments.size() < 3) return;
     for (const Setting& setting : {kReducedMotion, kAnimations}) {
-      if (group == QLatin1String(setting.group) && key == QLatin1String(setting.key)) {
-        take(setting, value.variant());
+      if (arguments[0].toString() == QLatin1String(setting.group) &&
+          arguments[1].toString() == QLatin1String(setting.key)) {
+        take(setting, arguments[2]);
       }
     }
   }
