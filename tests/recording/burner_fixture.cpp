@@ -2,6 +2,7 @@
 #include "recording/burner_fixture.h"
 
 #include <QProcess>
+#include <algorithm>
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
@@ -131,6 +132,14 @@ void BurnerFixture::leaveASessionUnfinished(DRDevice* device) {
                                    kBlocks,
                                    0};
   const std::vector<uint8_t> data(kBlocks * kBlockBytes, 0x77);
+  // Whoever burned before may have left the drive ready for music: track at once, a track of data
+  // in a session that others follow, blocks of mode 1 (MMC-5, 7.5.4).
+  std::vector<uint8_t> page(8 + 52);
+  const std::vector<uint8_t> parameters{0x05, 0x32, 0x01, 0xC4, 0x08};
+  std::ranges::copy(parameters, page.begin() + 8);
+  const std::vector<uint8_t> select{0x55, 0x10, 0, 0, 0, 0, 0, 0, static_cast<uint8_t>(page.size()),
+                                    0};
+  ASSERT_TRUE(open(*device->emulatedDisc()).execute(select, {}, page).good());
   ASSERT_TRUE(open(*device->emulatedDisc()).execute(write, {}, data).good());
 }
 
