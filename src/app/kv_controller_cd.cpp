@@ -15,6 +15,7 @@
 #include "burn/producer.h"
 #include "burn/progress_watcher.h"
 #include "burn/volume_identifier.h"
+#include "burn/volume_space.h"
 #include "media/quellbrook.h"
 #include "platform/foundation/bundle.h"
 #include "platform/foundation/child_task.h"
@@ -64,6 +65,9 @@ void KVController::burnCD() {
     imagingFailed(errors);
     return;
   }
+  // What is no image of a volume is burned as it is.
+  const uint32_t sessionStart = sessionStartIn(*sessionString);
+  if (sessionStart > 0) makeVolumesEndWithSession(burnImagePath_, sessionStart);
   // Somebody may have mounted the disc while the image was built.
   if (!discIsOursAlone()) {
     removeOwn(burnImagePath_);

@@ -141,7 +141,7 @@ class GuestTest(unittest.TestCase):
                    "-accel", "tcg", "-cpu", "qemu64", "-m", self.memory, "-nographic", "-no-reboot", "-nodefaults",
                    "-serial", "stdio", "-kernel", os.path.join(self.kernel, "vmlinux"),
                    "-initrd", os.path.join(self.kernel, "initramfs"),
-                   "-append", "console=ttyS0 panic=-1 quiet mitigations=off " + self.kernel_words,
+                   "-append", "console=ttyS0 no_timer_check panic=-1 quiet mitigations=off " + self.kernel_words,
                    "-virtfs", f"local,path={self.programs},mount_tag=programs,security_model=none,readonly=on",
                    "-virtfs", f"local,path={self.share},mount_tag=share,security_model=none", *self.machine_options]
         console_file = os.path.join(self.folder, "console")
