@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-2.0-or-later
 #include "burn/volume_space.h"
 
+#include <QtEndian>
 #include <array>
 #include <charconv>
 #include <fstream>
@@ -12,7 +13,9 @@ namespace {
 constexpr size_t kBlockBytes = 2048;
 constexpr std::streamoff kFirstDescriptor = 16;  // ECMA-119 6.2.1: behind the system area.
 constexpr int kMostDescriptors = 32;             // mkisofs writes four at the most.
-constexpr size_t kVolumeSpaceSize = 80;
+// The place of the volume space size, which stands there in both byte orders (ECMA-119 7.3.3).
+constexpr size_t kLittleEndianSize = 80;
+constexpr size_t kBigEndianSize = 84;
 
 enum DescriptorType : uint8_t { kPrimary = 1, kSupplementary = 2, kTerminator = 255 };
 
@@ -20,21 +23,6 @@ using Block = std::array<char, kBlockBytes>;
 
 bool isDescriptor(const Block& block) {
   return std::string_view(block.data() + 1, 5) == "CD001";
-}
-
-uint32_t littleEndian(const char* bytes) {
-  uint32_t value = 0;
-  for (int place = 3; place >= 0; --place) value = value << 8 | static_cast<uint8_t>(bytes[place]);
-  return value;
-}
-
-// Both byte orders, one after the other (ECMA-119 7.3.3).
-void putBothEndian(char* bytes, uint32_t value) {
-  for (int place = 0; place < 4; ++place) {
-    const char byte = static_cast<char>(value >> (8 * place) & 0xFF);
-    bytes[place] = byte;
-    bytes[7 - place] = byte;
-  }
 }
 
 }  // namespace
@@ -49,10 +37,12 @@ bool makeVolumesEndWithSession(const std::string& image, uint32_t sessionStart) 
     const auto type = static_cast<uint8_t>(block[0]);
     if (type == kTerminator) return number > 0;
     if (type != kPrimary && type != kSupplementary) continue;
-    char* size = block.data() + kVolumeSpaceSize;
-    putBothEndian(size, littleEndian(size) + sessionStart);
-    file.seekp(place + std::streamoff{kVolumeSpaceSize});
-    if (!file.write(size, 8).flush()) return false;
+    const uint32_t size =
+        qFromLittleEndian<uint32_t>(block.data() + kLittleEndianSize) + sessionStart;
+    qToLittleEndian(size, block.data() + kLittleEndianSize);
+    qToBigEndian(size, block.data() + kBigEndianSize);
+    file.seekp(place);
+    if (!file.write(block.data(), kBlockBytes).flush()) return false;
   }
   return false;
 }

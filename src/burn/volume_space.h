@@ -7,8 +7,8 @@
 namespace kelvane {
 
 /// Makes the volumes in a session's image end where the session ends on the disc: adds the block
-/// that the session begins at to the volume space size (ECMA-119 8.4.8, 8.5.8) of the primary and
-/// of every supplementary descriptor.
+/// that the session begins at to the volume space size (ECMA-119 8.4.8) of the primary and of every
+/// supplementary descriptor.
 ///
 /// mkisofs gives the size of the session alone, although all extents count from the first block of
 /// the disc. Linux takes extents beyond that size for damage and shows such a session without Rock
