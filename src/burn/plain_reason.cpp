@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-2.0-or-later
 #include "burn/plain_reason.h"
 
+#include <algorithm>
 #include <array>
 #include <optional>
 
@@ -98,6 +99,10 @@ bool reasonLiesInTheDisc(std::string_view said) {
 std::string withPlainReason(const std::string& said, std::string_view overlayDirectory) {
   const std::string reason = plainReason(said, overlayDirectory);
   const std::string words = withoutOrdinaryLines(said);
+  const auto isAllOf = [&words](const Message& message) {
+    return message.before.empty() && message.after == words;
+  };
+  if (std::ranges::any_of(kMessages, isAllOf)) return reason;
   return reason.empty() ? words : reason + "\n" + words;
 }
 

@@ -159,6 +159,12 @@ TEST_F(PlainReason, ASessionThatTheRecorderFindsTooLong) {
               HasSubstr("not enough room"));
 }
 
+TEST_F(PlainReason, OfThisApplicationsOwnStandsForItsWords) {
+  const std::string said = "The drive does not say where the next session may begin.";
+  EXPECT_THAT(plainReason(said, ""), HasSubstr("Try another drive"));
+  EXPECT_EQ(withPlainReason(said, ""), plainReason(said, ""));
+}
+
 TEST_F(PlainReason, WhatGrowisofsSaid) {
   for (const char* name : {"dvd+rw-does-not-fit", "dvd-r-does-not-fit", "dvd-rw-does-not-fit"}) {
     EXPECT_THAT(plainReason(recorded(name), ""), HasSubstr("not enough room")) << name;
