@@ -5,6 +5,7 @@
 #include <QDBusMessage>
 #include <QDBusVariant>
 #include <QObject>
+#include <array>
 #include <utility>
 
 #include "platform/desktop/message_bus.h"
@@ -16,14 +17,17 @@ constexpr char kService[] = "org.freedesktop.portal.Desktop";
 constexpr char kObjectPath[] = "/org/freedesktop/portal/desktop";
 constexpr char kInterface[] = "org.freedesktop.portal.Settings";
 
-/// The settings in question: where each stands, and how it reads where less motion is wanted.
+/// A setting in question: where it stands, how it reads where less motion is wanted, and whether it
+/// counts where both are known.
 struct Setting {
   const char* group;
   const char* key;
   bool valueForLess;
+  bool isNewer;
 };
-constexpr Setting kReducedMotion{"org.freedesktop.appearance", "reduced-motion", true};
-constexpr Setting kAnimations{"org.gnome.desktop.interface", "enable-animations", false};
+constexpr std::array kSettings = {
+    Setting{"org.freedesktop.appearance", "reduced-motion", true, true},
+    Setting{"org.gnome.desktop.interface", "enable-animations", false, false}};
 
 /// The portal wraps what it is asked for once or twice, depending on its age.
 QVariant unwrapped(QVariant value) {
@@ -44,7 +48,7 @@ class MotionSetting::Listener : public QObject {
     if (!bus_.isConnected()) return;
     bus_.connect(QLatin1String(kService), QLatin1String(kObjectPath), QLatin1String(kInterface),
                  QStringLiteral("SettingChanged"), this, SLOT(settingChanged(QDBusMessage)));
-    for (const Setting& setting : {kReducedMotion, kAnimations}) ask(setting);
+    for (const Setting& setting : kSettings) ask(setting);
   }
 
  private Q_SLOTS:
@@ -52,7 +56,7 @@ class MotionSetting::Listener : public QObject {
   void settingChanged(const QDBusMessage& signal) {
     const QVariantList arguments = signal.arguments();
     if (arguments.size() < 3) return;
-    for (const Setting& setting : {kReducedMotion, kAnimations}) {
+    for (const Setting& setting : kSettings) {
       if (arguments[0].toString() == QLatin1String(setting.group) &&
           arguments[1].toString() == QLatin1String(setting.key)) {
         take(setting, arguments[2]);
@@ -73,11 +77,9 @@ class MotionSetting::Listener : public QObject {
     });
   }
 
-  // The newer setting counts where both are known.
   void take(const Setting& setting, const QVariant& value) {
-    const bool isNewer = setting.group == kReducedMotion.group;
-    if (!isNewer && knowsNewer_) return;
-    knowsNewer_ = isNewer;
+    if (knowsNewer_ && !setting.isNewer) return;
+    knowsNewer_ = setting.isNewer;
     heard_(unwrapped(value).toBool() == setting.valueForLess);
   }
 
