@@ -22,11 +22,10 @@ bool visitItemsBelow(const std::string& root, const std::stop_token& stop,
     for (fs::directory_iterator entry(root + folder, failure), end; !failure && entry != end;
          entry.increment(failure)) {
       if (stop.stop_requested()) return false;
-      const std::string name = entry->path().filename().string();
       std::error_code unreadable;
       FolderItem item;
-      item.path.append(folder).append("/").append(name);
-      item.name = name;
+      item.name = entry->path().filename().string();
+      item.path.append(folder).append("/").append(item.name);
       item.isFolder = !entry->is_symlink(unreadable) && entry->is_directory(unreadable);
       const Visit next = visit(item);
       if (next == Visit::End) return true;
