@@ -158,6 +158,8 @@ void BurnSurvey::measure(const std::stop_token& stop) {
                                                : measurementOnDVD(subject_);
   if (stop.stop_requested()) return;
   if (!measurement) {
+    summary_.problem = localizedString("ReasonNoNextSession");
+    summary_.problemLiesInTheDisc = true;
     blameDisc({});
     return;
   }

@@ -5,6 +5,7 @@
 #include "app/open_disc_fixture.h"
 #include "foundation/temporary_user_defaults.h"
 #include "platform/foundation/user_defaults.h"
+#include "volumes/fake_device.h"
 
 namespace kelvane::test {
 namespace {
@@ -221,6 +222,26 @@ TEST_F(BurnInQuestionOnAClosedDisc, SaysThatNothingCanBeAddedToIt) {
   EXPECT_EQ(window_.last().problem, "ReasonDiscClosed");
   EXPECT_TRUE(window_.last().problemLiesInTheDisc);
   discard();
+}
+
+// A drive that answers READ TRACK INFORMATION for no track but the last: where a session may begin
+// is known by nobody then, and its burn would be refused.
+TEST_F(BurnInQuestion, SaysThatADriveDoesNotTellWhereASessionMayBegin) {
+  FakeDevice drive("kv9");
+  drive.setTracks({std::nullopt, 11702});
+  SurveySubject subject;
+  subject.overlay = prefix_.path() + "/changes";
+  fs::create_directory(subject.overlay);
+  subject.hideList = prefix_.path() + "/hidden";
+  std::ofstream(subject.hideList).flush();
+  subject.disc = prefix_.path() + "/source";
+  subject.device = &drive;
+  subject.volumes = services_.volumes;
+  BurnSummary told;
+  const BurnSurvey survey(subject, [&told](const BurnSummary& summary) { told = summary; });
+  ASSERT_TRUE(waitFor([&told] { return told.isComplete; }));
+  EXPECT_EQ(told.problem, "ReasonNoNextSession");
+  EXPECT_TRUE(told.problemLiesInTheDisc);
 }
 
 class BurnInQuestionOnADvd : public BurnInQuestion {
