@@ -284,7 +284,7 @@ void BatchRun::interrupt(int signalNumber) {
   } else if (stage_ == Stage::Closing) {
     closeVolume();
   } else if (stage_ == Stage::Confirming) {
-    if (!again) discardChanges();
+    if (outcome_.state != "discarded") discardChanges();
   } else if (controller_->currentDevice() == nullptr) {
     end();
   }
