@@ -22,9 +22,10 @@ class LaterSessions(GuestTest):
 
     def test_links_rights_and_long_names_are_those_of_rock_ridge(self):
         disc = self.make_disc("disc", "cd-r", make_tree(self.path("first"), 1))
-        for number in [2, 3]:
+        numbers = [2, 3]
+        for number in numbers:
             self.change(disc, f"echo {number} > file{number}; ln -s file{number} link{number}; echo > '{self.LONG} {number}'")
-            self.guest("""
+        self.guest("""
 plug disc.kvdisc
 look() {
   (cd /tmp/disc && stat -c '%n:%F:%a' -- *) > /share/seen
@@ -32,8 +33,9 @@ look() {
 with_disc look
 unplug
 """)
-            with open(self.path("seen"), encoding="utf-8") as file:
-                seen = file.read().splitlines()
+        with open(self.path("seen"), encoding="utf-8") as file:
+            seen = file.read().splitlines()
+        for number in numbers:
             for line in [f"file{number}:regular file:444", f"link{number}:symbolic link:555",
                          f"{self.LONG} {number}:regular file:444"]:
                 self.assertIn(line, seen)
