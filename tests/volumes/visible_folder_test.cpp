@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-2.0-or-later
 #include <gtest/gtest.h>
 
+#include "platform/volumes/visible_mount.h"
 #include "platform/volumes/visible_mounts.h"
 
 namespace kelvane {

@@ -118,14 +118,42 @@ TEST_F(VisibleMountsTest, ABlankOrForeignDiscGetsNoMount) {
   EXPECT_TRUE(volumesAreEmpty());
 }
 
-TEST_F(VisibleMountsTest, ADiscInARealDriveThatNoDesktopMountsIsMountedToo) {
-  drive_.disc.reset();  // As far as the drive tells; its name still leads to the disc.
+// Of a real drive as far as the drive tells; its name still leads to the disc.
+class VisibleMountsWithoutADesktop : public VisibleMountsTest {
+ protected:
+  void SetUp() override {
+    VisibleMountsTest::SetUp();
+    drive_.disc.reset();
+  }
+};
+
+TEST_F(VisibleMountsWithoutADesktop, ADiscInARealDriveIsMountedAndWhoeverOpensItWaitsForThat) {
   VisibleMounts mounts;
   mounts.update(drive_);
+  mounts.hold("kv0");
   EXPECT_TRUE(isMountedFrom(visible("DISC"), "/dev/kv0s0"));
+}
+
+TEST_F(VisibleMountsWithoutADesktop, ADiscInARealDriveIsMountedOnceHoweverOftenTheDriveTellsOfIt) {
+  VisibleMounts mounts;
+  for (int time = 0; time < 3; ++time) mounts.update(drive_);
+  mounts.hold("kv0");
+  mounts.release("kv0");
   mounts.update(drive_);
+  mounts.hold("kv0");
+  EXPECT_TRUE(isMountedFrom(visible("DISC"), "/dev/kv0s0"));
   EXPECT_FALSE(std::filesystem::exists(visible("DISC 1"))) << "mounted twice";
+}
+
+TEST_F(VisibleMountsWithoutADesktop, WhoeverUnmountsItDoesSoBehindTheMountThatHasBegun) {
+  VisibleMounts mounts;
+  mounts.update(drive_);
   mounts.unmountAllOf("kv0");
+  EXPECT_TRUE(volumesAreEmpty());
+  {
+    VisibleMounts others;
+    others.update(drive_);
+  }
   EXPECT_TRUE(volumesAreEmpty());
 }
 

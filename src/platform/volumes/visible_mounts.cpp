@@ -1,43 +1,20 @@
 // SPDX-License-Identifier: GPL-2.0-or-later
 #include "platform/volumes/visible_mounts.h"
 
-#include <sys/stat.h>
-#include <unistd.h>
-
-#include <QString>
 #include <algorithm>
-#include <cerrno>
-#include <cstring>
+#include <chrono>
+#include <utility>
 
-#include "platform/desktop/disc_service.h"
-#include "platform/foundation/paths.h"
+#include "platform/foundation/main_thread.h"
 #include "platform/foundation/system_log.h"
 #include "platform/recording/dr_device.h"
 #include "platform/recording/dr_notification_center.h"
-#include "platform/volumes/disc_mount.h"
 #include "platform/volumes/mount_table.h"
 #include "platform/volumes/stale_mounts.h"
+#include "platform/volumes/visible_mount.h"
 
 namespace kelvane {
 namespace {
-
-// Makes the folder for a volume of this name: "NAME", or "NAME 1", "NAME 2" … where it is taken.
-std::optional<std::string> makeVisibleFolder(const std::string& volumeName) {
-  constexpr int kMostOfOneName = 1000;
-  const std::string name = visibleFolderName(volumeName);
-  const std::string first = paths::appendPathComponent(paths::volumesDirectory(), name);
-  for (int count = 0; count < kMostOfOneName; ++count) {
-    const std::string folder = count == 0 ? first : first + " " + std::to_string(count);
-    // The writable volume comes and goes there, whether or not its folder exists now.
-    if (folder == paths::overlayMountPoint()) continue;
-    if (mkdir(folder.c_str(), 0755) == 0) return folder;
-    if (errno != EEXIST) {
-      systemLog("%@ cannot be made: %@", folder, std::strerror(errno));
-      return std::nullopt;
-    }
-  }
-  return std::nullopt;
-}
 
 // Where the session to be mounted begins; empty where there is nothing to mount.
 std::optional<int64_t> mountableSessionStart(const DRDevice& device) {
@@ -52,15 +29,6 @@ bool isMountedByOthers(const std::string& bsdName) {
     return line.mountedFrom == "/dev/" + bsdName &&
            std::find(own.begin(), own.end(), line) == own.end();
   });
-}
-
-// A desktop that does so by itself may have been faster, and one that is slow may still do it: a
-// disc that is mounted twice cannot be burned.
-bool desktopMounts(const std::string& bsdName) {
-  const auto answer = desktop::mountThroughDiscService(bsdName);
-  return answer == desktop::DiscServiceAnswer::Done ||
-         answer == desktop::DiscServiceAnswer::AlreadyMounted ||
-         answer == desktop::DiscServiceAnswer::Unanswered;
 }
 
 }  // namespace
@@ -84,17 +52,23 @@ void VisibleMounts::deviceStatusChanged(const void* device) {
 }
 
 void VisibleMounts::hold(const std::string& bsdName) {
+  awaitMount(bsdName);
   held_.insert(bsdName);
 }
 
 void VisibleMounts::release(const std::string& bsdName) {
   held_.erase(bsdName);
+  updateDrive(bsdName);
+}
+
+void VisibleMounts::updateDrive(const std::string& bsdName) {
   for (DRDevice* device : DRDevice::devices()) {
     if (device->bsdName() == bsdName) update(*device);
   }
 }
 
 void VisibleMounts::unmountAllOf(const std::string& bsdName) {
+  awaitMount(bsdName);
   mounted_.erase(bsdName);
   const std::string device = "/dev/" + bsdName;
   const OwnMountPoints points = ownMountPoints();
@@ -108,7 +82,7 @@ void VisibleMounts::unmountAllOf(const std::string& bsdName) {
 void VisibleMounts::update(DRDevice& device) {
   const std::string bsdName = device.bsdName();
   drives_.insert(bsdName);
-  if (device.mediaIsBusy() || device.mediaIsTransitioning()) return;
+  if (device.mediaIsBusy() || device.mediaIsTransitioning() || isBeingMounted(bsdName)) return;
   const std::optional<int64_t> sessionStart = mountableSessionStart(device);
   if (!sessionStart) {
     unmountAllOf(bsdName);
@@ -123,44 +97,69 @@ void VisibleMounts::update(DRDevice& device) {
   const bool isReal = !device.emulatedDisc();
   if (isReal && isMountedByOthers(bsdName)) return;
   unmountAllOf(bsdName);
-  if (isReal && desktopMounts(bsdName)) return;
-  mount(device, *sessionStart);
+  const VisibleDisc disc{bsdName, mountableBsdName(device), *sessionStart};
+  if (isReal) {
+    beginToMount(disc);
+  } else {
+    noteMount(disc, mountVisibly(disc));
+  }
+}
+
+void VisibleMounts::noteMount(const VisibleDisc& disc, const std::optional<std::string>& folder) {
+  if (folder) mounted_[disc.drive] = {*folder, disc.sessionStart};
+}
+
+// A real drive takes its time, and the desktop too.
+void VisibleMounts::beginToMount(const VisibleDisc& disc) {
+  const uint64_t number = ++mountsBegun_;
+  const auto tellOfEnd = [self = std::weak_ptr(self_), drive = disc.drive, number] {
+    if (const auto stillThere = self.lock()) (*stillThere)->mountHasEnded(drive, number);
+  };
+  const auto mount = [disc, tellOfEnd] {
+    std::optional<std::string> folder;
+    if (!desktopMounts(disc.drive)) folder = mountVisibly(disc);
+    performOnMainThread(tellOfEnd);
+    return folder;
+  };
+  BeingMounted begun{number, disc, std::async(std::launch::async, mount)};
+  beingMounted_.insert_or_assign(disc.drive, std::move(begun));
+}
+
+// Who asks while it is has heard of something that may concern its disc.
+bool VisibleMounts::isBeingMounted(const std::string& bsdName) {
+  const auto found = beingMounted_.find(bsdName);
+  if (found == beingMounted_.end()) return false;
+  if (found->second.folder.wait_for(std::chrono::seconds(0)) == std::future_status::ready) {
+    awaitMount(bsdName);
+    return false;
+  }
+  found->second.isOutOfDate = true;
+  return true;
+}
+
+void VisibleMounts::awaitMount(const std::string& bsdName) {
+  const auto found = beingMounted_.find(bsdName);
+  if (found == beingMounted_.end()) return;
+  noteMount(found->second.disc, found->second.folder.get());
+  beingMounted_.erase(found);
+}
+
+void VisibleMounts::mountHasEnded(const std::string& bsdName, uint64_t number) {
+  const auto found = beingMounted_.find(bsdName);
+  if (found == beingMounted_.end() || found->second.number != number) return;
+  const bool isOutOfDate = found->second.isOutOfDate;
+  awaitMount(bsdName);
+  if (isOutOfDate) updateDrive(bsdName);
 }
 
 void VisibleMounts::updateAll() {
   for (DRDevice* device : DRDevice::devices()) update(*device);
 }
 
-void VisibleMounts::mount(const DRDevice& device, int64_t sessionStart) {
-  const std::string bsdName = mountableBsdName(device);
-  const std::optional<std::string> volumeName = volumeNameOfDisc(bsdName, sessionStart);
-  if (!volumeName) return;
-  const std::optional<std::string> folder = makeVisibleFolder(*volumeName);
-  if (!folder) return;
-  std::string error;
-  if (!mountDisc({bsdName, sessionStart, *folder}, &error)) {
-    systemLog("mounting %@ failed: %@", bsdName, error);
-    rmdir(folder->c_str());
-    return;
-  }
-  mounted_[device.bsdName()] = {*folder, sessionStart};
-}
-
 std::string mountableBsdName(const DRDevice& device) {
   const std::optional<std::string> mediaType = device.mediaType();
   const bool isCd = mediaType == DRDeviceMediaTypeCDR || mediaType == DRDeviceMediaTypeCDRW;
   return isCd ? device.bsdName() + "s0" : device.bsdName();
-}
-
-std::string visibleFolderName(const std::string& volumeName) {
-  // A name in another character set is made one that every program can pass on.
-  std::string name = QString::fromStdString(volumeName).toStdString();
-  const auto isUnsafe = [](char c) {
-    return c == '/' || static_cast<unsigned char>(c) < ' ' || c == '\x7f';
-  };
-  std::replace_if(name.begin(), name.end(), isUnsafe, '_');
-  const bool isNameless = name.find_first_not_of(' ') == std::string::npos;
-  return isNameless || name == "." || name == ".." ? "CDROM" : name;
 }
 
 }  // namespace kelvane

@@ -2,12 +2,15 @@
 #pragma once
 
 #include <cstdint>
+#include <future>
 #include <map>
+#include <memory>
 #include <optional>
 #include <set>
 #include <string>
 
 #include "platform/recording/dr_device_status.h"
+#include "platform/volumes/visible_mount.h"
 
 namespace kelvane {
 
@@ -16,6 +19,9 @@ class DRDevice;
 /// Mounts discs that the desktop does not: visibly, each in a folder of its own below the folder of
 /// volumes, from the moment a disc with content is inserted until it is gone. That is every disc in
 /// an emulated drive; of a real one, the desktop is asked to mount it first. Main thread only.
+///
+/// The disc of an emulated drive is mounted when `update` returns. That of a real drive is mounted
+/// on a thread of its own, which only those wait for who want to have the drive for themselves.
 ///
 /// A volume is named after the disc: "/" and control characters become "_", no name at all becomes
 /// "CDROM", and where the name is taken " 1", " 2" … is appended. The mount's source is the first
@@ -35,14 +41,15 @@ class VisibleMounts {
   void start();
 
   /// Keeps the disc of the drive from being mounted visibly while it is open in the application:
-  /// from before it is opened until it has been cleaned up. A mount that stands stays.
+  /// from before it is opened until it has been cleaned up. A mount that stands stays, and one that
+  /// is being made is waited for.
   void hold(const std::string& bsdName);
   /// Ends that, and brings the drive's mount up to date at once.
   void release(const std::string& bsdName);
 
   /// Unmounts all that this application has mounted from the drive, visible or hidden, whether it
-  /// is in use or not, as a disc that leaves the drive does. To be called right before a disc is
-  /// ejected.
+  /// is in use or not, as a disc that leaves the drive does; a mount that is being made is waited
+  /// for. To be called right before a disc is ejected.
   void unmountAllOf(const std::string& bsdName);
 
   /// Brings the mount of one drive in line with its disc. `start` arranges that it is called.
@@ -56,19 +63,32 @@ class VisibleMounts {
     int64_t sessionStart = 0;
   };
 
+  struct BeingMounted {
+    uint64_t number = 0;
+    VisibleDisc disc;
+    std::future<std::optional<std::string>> folder;
+    bool isOutOfDate = false;  // The drive has told of something since.
+  };
+
   void deviceStatusChanged(const void* device);
-  void mount(const DRDevice& device, int64_t sessionStart);
+  void updateDrive(const std::string& bsdName);
+  void noteMount(const VisibleDisc& disc, const std::optional<std::string>& folder);
+  void beginToMount(const VisibleDisc& disc);
+  bool isBeingMounted(const std::string& bsdName);
+  void awaitMount(const std::string& bsdName);
+  void mountHasEnded(const std::string& bsdName, uint64_t number);
 
   std::map<std::string, Mounted> mounted_;  // By the drive's BSD name.
   std::set<std::string> held_;
-  std::set<std::string> drives_;  // Every drive seen.
+  std::set<std::string> drives_;                      // Every drive seen.
+  std::map<std::string, BeingMounted> beingMounted_;  // By the drive's BSD name.
+  uint64_t mountsBegun_ = 0;
+  // For what is queued on the main thread.
+  const std::shared_ptr<VisibleMounts*> self_ = std::make_shared<VisibleMounts*>(this);
 };
 
 /// The BSD name of what is mounted of the drive's disc: the first slice of a CD-R or CD-RW
 /// ("kv0s0"), the drive itself for every other medium.
 std::string mountableBsdName(const DRDevice& device);
-
-/// The name of the folder for a volume called `volumeName`, without the number of a taken one.
-std::string visibleFolderName(const std::string& volumeName);
 
 }  // namespace kelvane
