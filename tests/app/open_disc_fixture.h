@@ -35,9 +35,9 @@ class ErasingWindow : public WindowlessOutlets {
   }
   void setSizeInformationField(const std::string& text) override { sizes.push_back(text); }
   void selectFile(const std::string& path, const std::string& root) override {
-    revealed.push_back(path + " below " + root);
+    asked.push_back("reveal " + path + " below " + root);
   }
-  void hideApplication() override { ++hidden; }
+  void hideApplication() override { asked.emplace_back("hide"); }
   void beginAlertSheet(const Alert& alert, std::function<void(int)>) override {
     alerts.push_back(alert.messageKey);
     details.push_back(alert.detail);
@@ -53,8 +53,7 @@ class ErasingWindow : public WindowlessOutlets {
   bool hasAsked = false;
   std::vector<HideableView> shown;
   std::vector<std::string> sizes;
-  std::vector<std::string> revealed;
-  int hidden = 0;
+  std::vector<std::string> asked;  ///< Of the desktop, in this order.
   std::vector<bool> replies;
   bool isErasing() const { return panel_.isErasing(); }
   std::vector<std::string> alerts;

@@ -39,16 +39,16 @@ class OpenDiscToHide : public OpenDiscWithDefaults {
 };
 
 TEST_F(OpenDiscToHide, RevealsItsVolumeAndThenHidesTheApplication) {
-  ASSERT_TRUE(waitFor([this] { return window_.hidden > 0; }));
-  EXPECT_THAT(window_.revealed, ElementsAre(volume_ + " below " + paths::volumesDirectory() + "/"));
-  EXPECT_EQ(window_.hidden, 1);
+  ASSERT_TRUE(waitFor([this] { return window_.asked.size() >= 2; }));
   close();
+  EXPECT_THAT(
+      window_.asked,
+      ElementsAre("reveal " + volume_ + " below " + paths::volumesDirectory() + "/", "hide"));
 }
 
 TEST_F(OpenDiscWithDefaults, LeavesTheWindowWhereItIsUnlessTheUserWantsOtherwise) {
   close();
-  EXPECT_THAT(window_.revealed, IsEmpty());
-  EXPECT_EQ(window_.hidden, 0);
+  EXPECT_THAT(window_.asked, IsEmpty());
 }
 
 TEST_F(OpenDisc, IsAnnouncedWithTheOpenButtonAndProbedWithoutATrace) {
