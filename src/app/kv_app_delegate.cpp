@@ -44,7 +44,7 @@ TerminateReply KVAppDelegate::applicationShouldTerminate() {
 }
 
 void KVAppDelegate::performUpdateCheck(const std::stop_token& stop) {
-  const std::string reply = fetchUpdateReply(updates_.versionEndpoint, kUpdateCheckTimeout, stop);
+  const std::string reply = fetchUpdateReply(updates_.versionEndpoint, updates_.patience, stop);
   if (buildNumberOf(reply) < kFirstNewerBuild) return;
   performOnMainThreadAndWait([this] { displayUpdateCheckDialog(); }, stop);
 }

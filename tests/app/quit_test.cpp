@@ -3,6 +3,7 @@
 #include <signal.h>
 #include <unistd.h>
 
+#include <QMessageBox>
 #include <filesystem>
 #include <fstream>
 #include <memory>
@@ -11,6 +12,7 @@
 #include "app/window_session_fixture.h"
 #include "platform/foundation/paths.h"
 #include "platform/volumes/mount_table.h"
+#include "ui/view_parts.h"
 
 namespace kelvane::test {
 namespace {
@@ -38,6 +40,8 @@ class Quit : public WindowSessionWithDisc {
     }
     return std::nullopt;
   }
+
+  static QString alertText() { return qobject_cast<QMessageBox*>(alert())->text(); }
 
   void expectNothingIsLeft() const {
     EXPECT_FALSE(isMountPoint(paths::overlayMountPoint()));
@@ -83,7 +87,7 @@ TEST_F(Quit, WithChangesWaitsForTheAnswerAndForTheBurn) {
   });
   when(isShown("burnConfirmationPanel"),
        [] { click("burnConfirmationPanel", "burnConfirmButton"); });
-  when(isBurning, [] { EXPECT_NE(shown("mainWindow"), nullptr); });
+  when(isBurning, [] { EXPECT_EQ(shown("burnConfirmationPanel"), nullptr); });
   runWithDisc();
   expectNothingIsLeft();
   EXPECT_THAT(contents(), HasSubstr("second.txt"));
@@ -97,7 +101,10 @@ TEST_F(Quit, GoesOnOnlyOnceAFailedBurnHasBeenRead) {
   });
   when(isShown("burnConfirmationPanel"),
        [] { click("burnConfirmationPanel", "burnConfirmButton"); });
-  when(alert, [] { click("alertSheet", "alertButton0"); });
+  when(alert, [] {
+    EXPECT_EQ(alertText(), localizedText("CDBurnError"));
+    click("alertSheet", "alertButton0");
+  });
   runWithDisc();
   EXPECT_THAT(log_.lines(), ::testing::Contains(::testing::StartsWith("CD burning failed")));
   expectNothingIsLeft();
@@ -132,6 +139,7 @@ TEST_F(Quit, IsRefusedWhileAProgramUsesTheVolumeAndForgottenThen) {
     quitByKey();
   });
   when(alert, [&user] {
+    EXPECT_EQ(alertText(), localizedText("VolumeBusy"));
     user.reset();
     click("alertSheet", "alertButton0");
   });

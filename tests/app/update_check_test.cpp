@@ -3,6 +3,7 @@
 #include <gmock/gmock.h>
 
 #include <algorithm>
+#include <chrono>
 #include <optional>
 
 #include "app/controller_fixture.h"
@@ -22,13 +23,17 @@ using testing::SizeIs;
 constexpr const char* kProductPage = "https://kelvanefs.example/download";
 const std::string kDialog = "modal alert updatecheck updatechecklong";
 
+// Whoever waited for the answer of a silent server would still do so when the test is given up.
+constexpr std::chrono::minutes kLongerThanATestMayTake{10};
+
 class UpdateCheck : public ControllerFixture {
  protected:
   /// Launches the application, with the server's address as that of the version endpoint.
   void launch() {
-    launched_.emplace(
-        controller_, window_,
-        UpdateSource{.versionEndpoint = server_.endpoint(), .productPage = kProductPage});
+    launched_.emplace(controller_, window_,
+                      UpdateSource{.versionEndpoint = server_.endpoint(),
+                                   .productPage = kProductPage,
+                                   .patience = kLongerThanATestMayTake});
     launched_->applicationDidFinishLaunching();
   }
   /// Ends the application; waits for the check's thread as far as it may go on.

@@ -52,7 +52,7 @@ class WindowSessionTest : public ::testing::Test {
     QTimer user;
     QObject::connect(&user, &QTimer::timeout, [this] { goOn(); });
     user.start(5);
-    constexpr std::chrono::seconds kFarTooLong{120};
+    constexpr std::chrono::seconds kFarTooLong{50};
     QTimer::singleShot(kFarTooLong, &user, [] {
       ADD_FAILURE() << "waited in vain for the next step";
       QCoreApplication::quit();

@@ -4,7 +4,7 @@
 
 The window runs on a platform without a screen, with nothing in its drive; then the tray is closed on a disc of many files.
 Told are the medians of the times from there until its own volume is mounted, which is when it can be listed, and until the
-writable volume is. A tenth of a second of the second is a wait that is prescribed."""
+writable volume is. A tenth of a second of the second is a pause of the application's own."""
 import argparse
 import pathlib
 import select

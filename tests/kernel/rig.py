@@ -137,6 +137,7 @@ class GuestTest(unittest.TestCase):
         with open(self.path("test"), "w", encoding="utf-8") as file:
             # Of its time, what one step may wait for something to come true.
             file.write(f"WAIT_LIMIT={limit * 2 // 5}\n" + "".join(f". /share/{name}\n" for name in self.words) + steps)
+        # The kernel's test of its timer fails on an emulated processor that is held up, and it does not start then.
         command = ["timeout", "--foreground", "-s", "KILL", str(limit), "nice", "-n", "10", "qemu-system-x86_64",
                    "-accel", "tcg", "-cpu", "qemu64", "-m", self.memory, "-nographic", "-no-reboot", "-nodefaults",
                    "-serial", "stdio", "-kernel", os.path.join(self.kernel, "vmlinux"),

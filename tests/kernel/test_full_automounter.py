@@ -24,7 +24,10 @@ eventually "the automounter has mounted the disc" grep -q "^$DRIVE " /proc/self/
     def road(self, media):
         self.guest(self.plugged(media) + self.BEGIN + """
 as_user kelvanefs batch --drive "$DRIVE" --json -- \\
-  sh -ec 'echo new > new.txt; sleep 5; cat "a/directory in/another"/* > /dev/null; cp -r . /tmp/shown' \\
+  sh -ec 'echo new > new.txt
+    until grep -q "rror mounting" /tmp/automounter.log; do sleep 0.1; done
+    cat "a/directory in/another"/* > /dev/null
+    cp -r . /tmp/shown' \\
   > /share/outcome 2> /share/words
 status=$?
 cp /tmp/automounter.log /share/

@@ -42,6 +42,39 @@ await_end kelvanefs
 nothing_is_left
 """)
 
+    def test_a_disc_that_is_swapped_while_the_list_is_shown(self):
+        # Of three discs, so that without the one that is swapped there are still two, and none of them is opened by itself.
+        self.with_session("discthird", "cd-rw", make_tree(self.path("third"), 2), label="THIRD")
+        self.with_session("discfourth", "cd-rw", make_tree(self.path("fourth"), 3), label="FOURTH")
+        self.guest(self.both_listed() + """
+# A screen reader finds what is scrolled into view.
+last_is() {
+  key End
+  shows "$1"
+}
+plug discthird.kvdisc
+eventually "the third disc is listed" last_is "THIRD, CDRW in"
+press_button
+# As long as a hand needs: a disc that is back before the desktop has let go of the one before is shown under that one's name.
+eventually "udev knows of the empty tray" eval '! has_property ID_CDROM_MEDIA 1'
+eventually "the desktop has let go of the third disc" eval '! grep -q "^$DRIVE " /proc/self/mounts'
+key End
+eventually "the third disc is no longer listed" lacks "THIRD, CDRW in"
+swap discfourth.kvdisc
+eventually "the fourth disc is listed" last_is "FOURTH, CDRW in"
+lacks "THIRD, CDRW in" || fail "the third disc is still listed"
+key Home
+shows "ONE, CDR in" && shows "OTHER, CDR in" || fail "the other discs are not listed"
+logged "Notified that Filesystem did mount." && fail "a disc has been opened by itself"
+key End
+key Return
+await_open
+as_user test -e "/Volumes/tarnwick/file 3 0.bin" || fail "what is open is not the disc that was put in"
+key ctrl+q
+await_end kelvanefs
+nothing_is_left
+""")
+
     def test_of_two_discs_the_chosen_one_is_burned_and_then_the_other(self):
         self.guest(self.both_listed() + """
 key Down
@@ -97,14 +130,17 @@ await_end kelvanefs
 nothing_is_left
 """)
 
-    def pulled_out_while_it_burns(self, media, faults, alert):
+    # While files are written: before the twentieth write come what a session begins with, and behind it the files.
+    GONE_AMID_THE_FILES = "on write 20: gone\n"
+
+    def pulled_out_while_it_burns(self, media, alert):
         """A drive disappears in the middle of a burn: that is told, and the next disc is opened."""
         self.with_session("next", "cd-r", make_tree(self.path("next"), 2), label="NEXT")
         self.guest("""
 start_desktop
 agree
 start_window
-""" + self.plugged(media, faults) + f"""
+""" + self.plugged(media, self.GONE_AMID_THE_FILES) + f"""
 await_open
 edit "head -c 3000000 /dev/urandom > large"
 close_and_burn
@@ -125,10 +161,10 @@ nothing_is_left
 """)
 
     def test_a_drive_pulled_out_while_a_cd_is_burned_in_the_window(self):
-        self.pulled_out_while_it_burns("cd-r", "on write 20: gone\n", "The CD could not be burned completely")
+        self.pulled_out_while_it_burns("cd-r", "The CD could not be burned completely")
 
     def test_a_drive_pulled_out_while_a_dvd_is_burned_in_the_window(self):
-        self.pulled_out_while_it_burns("dvd+rw", "on write 20: gone\n", "The DVD could not be burned")
+        self.pulled_out_while_it_burns("dvd+rw", "The DVD could not be burned")
 
     def test_a_drive_pulled_out_while_it_takes_a_disc_in(self):
         self.guest(self.plugged("cd-r", "load: never ready\n") + """

@@ -142,7 +142,7 @@ eventually "the events are listened to" grep -q "the kernel uevent" /tmp/events
 kelvanedisc eject "$DISC" && fail "the tray was not locked"
 eventually "the kernel tells of the button" grep -q DISK_EJECT_REQUEST=1 /tmp/events
 eventually "udev has acted on it" sed -n '/DISK_EJECT_REQUEST=1/,$ { /^UDEV.* change /q 0 }; $ q 1' /tmp/events
-tray_is_open && fail "the tray is open"
+kelvanedisc info "$DISC" --json | grep -q '"tray": "closed"' || fail "the tray is not closed"
 eventually "it is told why" shows "The disc stays in the drive while it is open"
 key Return
 eventually "the report is closed" windows_are 1
@@ -173,7 +173,7 @@ await_end kelvanefs
 
 start_window
 eventually "the window asks for a disc again" shows "Insert a CD or DVD that can still be written to."
-shows "Licence Agreement" && fail "it is shown a third time"
+lacks "Licence Agreement" || fail "it is shown a third time"
 key ctrl+q
 await_end kelvanefs
 nothing_is_left

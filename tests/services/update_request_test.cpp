@@ -12,6 +12,7 @@
 
 #include "foundation/application_fixture.h"
 #include "services/update_check.h"
+#include "services/update_source.h"
 #include "services/version_server.h"
 
 namespace kelvane {
@@ -132,6 +133,7 @@ TEST_F(UpdateRequest, TheTimeOutCountsForTheWholeAnswerHoweverSteadilyItComes) {
 
 TEST_F(UpdateRequest, TheTimeOutOfTheApplicationIsTenSeconds) {
   EXPECT_EQ(kUpdateCheckTimeout, 10s);
+  EXPECT_EQ(UpdateSource::ofThisBuild().patience, kUpdateCheckTimeout);
 }
 
 TEST_F(UpdateRequest, TakesTheLongestAnswerAndNothingLonger) {

@@ -182,7 +182,9 @@ TEST_F(Accessibility, EachButtonHasAMnemonicOfItsOwnInBothLanguages) {
     leaveState(window);
     window.makeKeyAndOrderFront();
     for (const WindowState& state : windowStates()) {
-      const std::vector<std::string> all = mnemonicsOf(state.enter(window));
+      QWidget* entered = state.enter(window);
+      ASSERT_NE(entered, nullptr) << state.name;
+      const std::vector<std::string> all = mnemonicsOf(entered);
       const std::set<std::string> different(all.begin(), all.end());
       EXPECT_EQ(all.size(), different.size()) << language << " " << state.name;
       EXPECT_THAT(all, ::testing::Each(::testing::StartsWith("Alt+")))

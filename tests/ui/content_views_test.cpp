@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: GPL-2.0-or-later
 // The four content views: where they lie, how they slide, and that what is out of sight is out of
 // reach.
-#include <QElapsedTimer>
 #include <QLabel>
 #include <QListView>
 #include <QPushButton>
@@ -15,8 +14,6 @@
 namespace kelvane {
 namespace {
 
-using ::testing::AllOf;
-using ::testing::Each;
 using ::testing::Gt;
 using ::testing::Lt;
 using ::testing::SizeIs;

@@ -40,7 +40,7 @@ TEST_F(DesktopWindow, AVolumeIsShownByTheFileManagerAndByNobodyElse) {
   window_.selectFile(volume.path().toStdString(), "/Volumes/");
   turnUntil([&manager] { return !manager.calls.empty(); });
   EXPECT_THAT(manager.calls, ElementsAre("ShowFolders file://" + volume.path().toStdString()));
-  EXPECT_THAT(opened.paths, IsEmpty());
+  EXPECT_THAT(opened.addresses, IsEmpty());
 }
 
 TEST_F(DesktopWindow, WhereTheFileManagerRefusesTheVolumeIsOpenedLikeAFile) {
@@ -48,8 +48,8 @@ TEST_F(DesktopWindow, WhereTheFileManagerRefusesTheVolumeIsOpenedLikeAFile) {
   manager.manner = Manner::Refuses;
   OpenedUrls opened(QStringLiteral("file"));
   window_.selectFile("/Volumes/tarnwick", "/Volumes/");
-  turnUntil([&opened] { return !opened.paths.empty(); });
-  EXPECT_THAT(opened.paths, ElementsAre("/Volumes/tarnwick"));
+  turnUntil([&opened] { return !opened.addresses.empty(); });
+  EXPECT_THAT(opened.addresses, ElementsAre("/Volumes/tarnwick"));
 }
 
 TEST_F(DesktopWindow, TheEndOfABurnIsToldWhereTheWindowIsNotInFront) {

@@ -220,9 +220,11 @@ TEST_F(DiscList, BackgroundOfTheListIsThatOfTheContentArea) {
   window_.mediaController().removeArrangedObjects();
   window_.setHidden(HideableView::Message, true);
   QCoreApplication::processEvents();
+  ASSERT_TRUE(list()->isVisible());
   const QImage withList = child<QWidget>("contentArea")->grab().toImage();
   window_.setHidden(HideableView::DiskScroll, true);
   QCoreApplication::processEvents();
+  ASSERT_FALSE(list()->isVisible());
   EXPECT_EQ(withList, child<QWidget>("contentArea")->grab().toImage());
 }
 
@@ -319,11 +321,15 @@ TEST_F(DiscList, LongNamesEndBeforeTheBadge) {
   window_.mediaController().removeArrangedObjects();
   window_.mediaController().addObjects(
       {refusedRecord(std::string(200, 'W'), "Disc type not supported")});
+  QCoreApplication::processEvents();
   const QImage drawn = list()->viewport()->grab().toImage();
   const QRectF row = list()->visualRect(list()->model()->index(0, 0));
   const QRectF badge =
       USMessageTextCell(QStringLiteral("Disc type not supported")).badgeRect(row, 1.0);
   const int gap = static_cast<int>(badge.left()) - 5;
+  bool isWritten = false;
+  for (int x = 0; x < gap; ++x) isWritten = isWritten || drawn.pixelColor(x, 14).lightness() > 150;
+  EXPECT_TRUE(isWritten) << "there is no name that could be too long";
   for (int y = 2; y < 40; ++y) {
     EXPECT_LT(drawn.pixelColor(gap, y).lightness(), 200) << "text at line " << y;
   }

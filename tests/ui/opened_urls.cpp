@@ -14,7 +14,7 @@ OpenedUrls::~OpenedUrls() {
 }
 
 void OpenedUrls::note(const QUrl& url) {
-  paths.push_back((url.isLocalFile() ? url.toLocalFile() : url.toString()).toStdString());
+  addresses.push_back((url.isLocalFile() ? url.toLocalFile() : url.toString()).toStdString());
 }
 
 }  // namespace kelvane::testing

@@ -17,7 +17,7 @@ class OpenedUrls : public QObject {
   ~OpenedUrls() override;
 
   /// What was opened, in order: the path of a file, and of everything else the whole address.
-  std::vector<std::string> paths;
+  std::vector<std::string> addresses;
 
  public Q_SLOTS:
   void note(const QUrl& url);

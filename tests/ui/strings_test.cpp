@@ -9,6 +9,7 @@
 #include <QRegularExpression>
 #include <QTranslator>
 #include <QXmlStreamReader>
+#include <functional>
 #include <map>
 #include <set>
 
@@ -157,6 +158,35 @@ const std::vector<std::string> kKeysOfTheController = {"OK",
                                                        "NoticeBurnFailed",
                                                        "NoticeBurnFailedLong"};
 
+/// Calls `use` with the text of each source file of the application.
+void forEachSource(const std::function<void(const QString& text)>& use) {
+  QDirIterator files(QStringLiteral(KELVANE_SOURCE_DIR "/src"), {QStringLiteral("*.cpp")},
+                     QDir::Files, QDirIterator::Subdirectories);
+  while (files.hasNext()) {
+    QFile file(files.next());
+    EXPECT_TRUE(file.open(QIODevice::ReadOnly));
+    use(QString::fromUtf8(file.readAll()));
+  }
+}
+
+/// The keys that stand in the sources where a text is asked for or an alert is made, with that of
+/// the explanation where an alert takes it from its message's.
+std::set<std::string> keysInSources() {
+  static const QRegularExpression use(
+      QStringLiteral(R"re((localizedString\(|localizedText\(|warningAlert\(|refuseBurn\(|)re"
+                     R"re(refuseErase\(|messageKey = |informativeKey = )\s*"(\w+)"\s*[^+\s])re"));
+  std::set<std::string> keys;
+  forEachSource([&keys](const QString& text) {
+    for (auto match = use.globalMatch(text); match.hasNext();) {
+      const QRegularExpressionMatch found = match.next();
+      const std::string key = found.captured(2).toStdString();
+      keys.insert(key);
+      if (found.captured(1) == QLatin1String("warningAlert(")) keys.insert(key + "Long");
+    }
+  });
+  return keys;
+}
+
 class Strings : public ::testing::TestWithParam<std::string> {};
 
 TEST_P(Strings, EveryKeyThatTheControllerNamesHasAText) {
@@ -166,6 +196,13 @@ TEST_P(Strings, EveryKeyThatTheControllerNamesHasAText) {
     ASSERT_NE(found, texts.end()) << key;
     EXPECT_FALSE(found->second.trimmed().isEmpty()) << key;
   }
+}
+
+TEST_P(Strings, EveryKeyInTheSourcesHasAText) {
+  const Texts texts = textsOf(GetParam());
+  const std::set<std::string> keys = keysInSources();
+  EXPECT_GE(keys.size(), 100U);
+  for (const std::string& key : keys) EXPECT_TRUE(texts.contains(key)) << key;
 }
 
 TEST_P(Strings, NoTextIsEmptyOrEndsInABlank) {
@@ -216,19 +253,14 @@ std::map<std::string, QString> wordsInSources() {
   static const QRegularExpression call(
       QStringLiteral(R"re(localizedString\(\s*"(\w+)",\s*((?:"[^"]*"\s*)+)\))re"));
   std::map<std::string, QString> words;
-  QDirIterator files(QStringLiteral(KELVANE_SOURCE_DIR "/src"), {QStringLiteral("*.cpp")},
-                     QDir::Files, QDirIterator::Subdirectories);
-  while (files.hasNext()) {
-    QFile file(files.next());
-    EXPECT_TRUE(file.open(QIODevice::ReadOnly));
-    const QString text = QString::fromUtf8(file.readAll());
+  forEachSource([&words](const QString& text) {
     for (auto match = call.globalMatch(text); match.hasNext();) {
       const QRegularExpressionMatch found = match.next();
       QString joined = found.captured(2).trimmed();
       joined.replace(QRegularExpression(QStringLiteral("\"\\s*\"")), QString());
       words[found.captured(1).toStdString()] = joined.mid(1, joined.size() - 2);
     }
-  }
+  });
   return words;
 }
 

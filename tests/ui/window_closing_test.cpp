@@ -98,11 +98,11 @@ TEST_F(WindowClosing, WithoutAnybodyListeningNothingHappens) {
 TEST_F(WindowClosing, FilesAndVolumesAreOpenedByTheDesktop) {
   OpenedUrls opened(QStringLiteral("file"));
   window_.openFile("/tmp/a file #1");
-  EXPECT_THAT(opened.paths, ElementsAre("/tmp/a file #1"));
+  EXPECT_THAT(opened.addresses, ElementsAre("/tmp/a file #1"));
   // Without a file manager to be asked, a volume is opened like a file.
   window_.selectFile("/Volumes/tarnwick", "/Volumes/");
-  while (opened.paths.size() < 2) QApplication::processEvents(QEventLoop::WaitForMoreEvents);
-  EXPECT_EQ(opened.paths.back(), "/Volumes/tarnwick");
+  while (opened.addresses.size() < 2) QApplication::processEvents(QEventLoop::WaitForMoreEvents);
+  EXPECT_EQ(opened.addresses.back(), "/Volumes/tarnwick");
 }
 
 }  // namespace

@@ -84,7 +84,7 @@ QWidget* confirming(MainWindow& window) {
   return visibleChild(window, "burnConfirmationPanel");
 }
 
-/// With everything in it that can be told of a burn.
+/// With everything in it that can be told of a burn at once.
 QWidget* confirmingWithWarnings(MainWindow& window) {
   QWidget* sheet = confirming(window);
   constexpr int64_t kMegabyte = 1 << 20;
@@ -95,7 +95,20 @@ QWidget* confirmingWithWarnings(MainWindow& window) {
   summary.freeBefore = {150 * kMegabyte, kExact};
   summary.freeAfterwards = {-34 * kMegabyte, kExact};
   summary.hiddenToo = {"Photos/Mxller.jpg", "Mueller/", "draft.txt", "a", "b", "c"};
+  summary.shownStill = {"Photos\\old.jpg"};
   summary.problem = format(localizedString("ReasonFileTooLarge"), "Film.mkv");
+  window.setBurnSummary(summary);
+  return sheet;
+}
+
+/// On a disc to which nothing can be added.
+QWidget* confirmingInVain(MainWindow& window) {
+  QWidget* sheet = confirming(window);
+  BurnSummary summary;
+  summary.changes = BurnSummary::Changes{{1, 0}, {}, {}, {}};
+  summary.problem = localizedString("ReasonDiscClosed");
+  summary.problemLiesInTheDisc = true;
+  summary.isComplete = true;
   window.setBurnSummary(summary);
   return sheet;
 }
@@ -149,6 +162,7 @@ std::vector<WindowState> allStates() {
                                   {"opened", opened},
                                   {"confirming", confirming},
                                   {"confirmingWithWarnings", confirmingWithWarnings},
+                                  {"confirmingInVain", confirmingInVain},
                                   {"discarding", discarding},
                                   {"burnBegins", burnBegins},
                                   {"burning", burning},

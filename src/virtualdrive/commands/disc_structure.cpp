@@ -21,7 +21,7 @@ constexpr unsigned kList = 0xFF;
 constexpr std::uint32_t kFirstPhysicalSector = 0x030000;
 constexpr std::size_t kPhysicalFormatBytes = 2048;
 
-/// Kind of the book that describes the medium, and the version of its part 1.
+/// Kind of the book that describes the medium, and the version of that book.
 unsigned bookOf(MediumKind kind) {
   switch (kind) {
     case MediumKind::DvdR:
