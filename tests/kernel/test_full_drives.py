@@ -55,9 +55,8 @@ last_is() {
 plug discthird.kvdisc
 eventually "the third disc is listed" last_is "THIRD, CDRW in"
 press_button
-# As long as a hand needs: a disc that is back before the desktop has let go of the one before is shown under that one's name.
-eventually "udev knows of the empty tray" eval '! has_property ID_CDROM_MEDIA 1'
-eventually "the desktop has let go of the third disc" eval '! grep -q "^$DRIVE " /proc/self/mounts'
+# As long as a hand needs: a disc that is put in before it is seen that the one before has gone is shown under that one's name.
+eventually "what the desktop has mounted of the third disc is gone" eval '! grep -q "^$DRIVE " /proc/self/mounts'
 key End
 eventually "the third disc is no longer listed" lacks "THIRD, CDRW in"
 swap discfourth.kvdisc

@@ -1,6 +1,9 @@
 // SPDX-License-Identifier: GPL-2.0-or-later
 #include "platform/volumes/visible_mount.h"
 
+#include <fcntl.h>
+#include <linux/cdrom.h>
+#include <sys/ioctl.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -13,6 +16,8 @@
 #include "platform/foundation/paths.h"
 #include "platform/foundation/system_log.h"
 #include "platform/volumes/disc_mount.h"
+#include "platform/volumes/mount_table.h"
+#include "platform/volumes/unmount.h"
 
 namespace kelvane {
 namespace {
@@ -35,6 +40,15 @@ std::optional<std::string> makeVisibleFolder(const std::string& volumeName) {
   return std::nullopt;
 }
 
+// Whether the kernel's drive says so itself. It is not disturbed by that (CDROM_DRIVE_STATUS).
+bool saysThatItIsEmpty(const std::string& node) {
+  const int descriptor = open(node.c_str(), O_RDONLY | O_NONBLOCK | O_CLOEXEC);
+  if (descriptor < 0) return false;
+  const int status = ioctl(descriptor, CDROM_DRIVE_STATUS, CDSL_CURRENT);
+  close(descriptor);
+  return status == CDS_NO_DISC || status == CDS_TRAY_OPEN;
+}
+
 }  // namespace
 
 // A desktop that does so by itself may have been faster, and one that is slow may still do it: a
@@ -44,6 +58,16 @@ bool desktopMounts(const std::string& drive) {
   return answer == desktop::DiscServiceAnswer::Done ||
          answer == desktop::DiscServiceAnswer::AlreadyMounted ||
          answer == desktop::DiscServiceAnswer::Unanswered;
+}
+
+void unmountAbsentDisc(const std::string& drive) {
+  const std::string node = "/dev/" + drive;
+  if (!saysThatItIsEmpty(node)) return;
+  for (const MountTableLine& mount : readMountTable()) {
+    if (mount.mountedFrom != node) continue;
+    const int status = unmountAtPath(mount.mountedOn, UnmountManner::WhenFree);
+    if (status != kUnmountDone) systemLog("%@ cannot be unmounted: %i", mount.mountedOn, status);
+  }
 }
 
 std::optional<std::string> mountVisibly(const VisibleDisc& disc) {

@@ -18,6 +18,11 @@ struct VisibleDisc {
 /// mounted it, or may still do so. Any thread.
 bool desktopMounts(const std::string& drive);
 
+/// Unmounts what others have mounted of a disc that has left its real drive: UDisks2 leaves it
+/// where it is, and the next disc would be taken for the one before. Nothing happens where the
+/// drive holds a disc or cannot be asked, and what is in use stays. Any thread.
+void unmountAbsentDisc(const std::string& drive);
+
 /// Mounts the disc in a folder of its own below the folder of volumes, and waits until the volume
 /// answers. The folder; empty where there is no ISO-9660 volume, or where it cannot be mounted,
 /// which is logged. Any thread.

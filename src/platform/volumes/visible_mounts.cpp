@@ -52,7 +52,7 @@ void VisibleMounts::deviceStatusChanged(const void* device) {
 }
 
 void VisibleMounts::hold(const std::string& bsdName) {
-  awaitMount(bsdName);
+  awaitWork(bsdName);
   held_.insert(bsdName);
 }
 
@@ -68,7 +68,7 @@ void VisibleMounts::updateDrive(const std::string& bsdName) {
 }
 
 void VisibleMounts::unmountAllOf(const std::string& bsdName) {
-  awaitMount(bsdName);
+  awaitWork(bsdName);
   mounted_.erase(bsdName);
   const std::string device = "/dev/" + bsdName;
   const OwnMountPoints points = ownMountPoints();
@@ -82,10 +82,17 @@ void VisibleMounts::unmountAllOf(const std::string& bsdName) {
 void VisibleMounts::update(DRDevice& device) {
   const std::string bsdName = device.bsdName();
   drives_.insert(bsdName);
-  if (device.mediaIsBusy() || device.mediaIsTransitioning() || isBeingMounted(bsdName)) return;
+  if (device.mediaIsBusy() || device.mediaIsTransitioning() || isAtWork(bsdName)) return;
+  const bool isReal = !device.emulatedDisc();
   const std::optional<int64_t> sessionStart = mountableSessionStart(device);
   if (!sessionStart) {
     unmountAllOf(bsdName);
+    if (isReal && !device.mediaIsPresent() && isMountedByOthers(bsdName)) {
+      beginFor({bsdName, bsdName, 0}, [bsdName]() -> std::optional<std::string> {
+        unmountAbsentDisc(bsdName);
+        return std::nullopt;
+      });
+    }
     return;
   }
   if (held_.contains(bsdName)) return;
@@ -94,15 +101,14 @@ void VisibleMounts::update(DRDevice& device) {
       isMountPoint(mounted->second.mountPoint)) {
     return;
   }
-  const bool isReal = !device.emulatedDisc();
   if (isReal && isMountedByOthers(bsdName)) return;
   unmountAllOf(bsdName);
   const VisibleDisc disc{bsdName, mountableBsdName(device), *sessionStart};
-  if (isReal) {
-    beginToMount(disc);
-  } else {
+  if (!isReal) {
     noteMount(disc, mountVisibly(disc));
+    return;
   }
+  beginFor(disc, [disc] { return desktopMounts(disc.drive) ? std::nullopt : mountVisibly(disc); });
 }
 
 void VisibleMounts::noteMount(const VisibleDisc& disc, const std::optional<std::string>& folder) {
@@ -110,45 +116,44 @@ void VisibleMounts::noteMount(const VisibleDisc& disc, const std::optional<std::
 }
 
 // A real drive takes its time, and the desktop too.
-void VisibleMounts::beginToMount(const VisibleDisc& disc) {
-  const uint64_t number = ++mountsBegun_;
+void VisibleMounts::beginFor(const VisibleDisc& disc, Work work) {
+  const uint64_t number = ++worksBegun_;
   const auto tellOfEnd = [self = std::weak_ptr(self_), drive = disc.drive, number] {
-    if (const auto stillThere = self.lock()) (*stillThere)->mountHasEnded(drive, number);
+    if (const auto stillThere = self.lock()) (*stillThere)->workHasEnded(drive, number);
   };
-  const auto mount = [disc, tellOfEnd] {
-    std::optional<std::string> folder;
-    if (!desktopMounts(disc.drive)) folder = mountVisibly(disc);
+  const auto workAndTell = [work = std::move(work), tellOfEnd] {
+    std::optional<std::string> folder = work();
     performOnMainThread(tellOfEnd);
     return folder;
   };
-  BeingMounted begun{number, disc, std::async(std::launch::async, mount)};
-  beingMounted_.insert_or_assign(disc.drive, std::move(begun));
+  Begun begun{number, disc, std::async(std::launch::async, workAndTell)};
+  begun_.insert_or_assign(disc.drive, std::move(begun));
 }
 
-// Who asks while it is has heard of something that may concern its disc.
-bool VisibleMounts::isBeingMounted(const std::string& bsdName) {
-  const auto found = beingMounted_.find(bsdName);
-  if (found == beingMounted_.end()) return false;
+// Who asks meanwhile has heard of something that may concern the disc.
+bool VisibleMounts::isAtWork(const std::string& bsdName) {
+  const auto found = begun_.find(bsdName);
+  if (found == begun_.end()) return false;
   if (found->second.folder.wait_for(std::chrono::seconds(0)) == std::future_status::ready) {
-    awaitMount(bsdName);
+    awaitWork(bsdName);
     return false;
   }
   found->second.isOutOfDate = true;
   return true;
 }
 
-void VisibleMounts::awaitMount(const std::string& bsdName) {
-  const auto found = beingMounted_.find(bsdName);
-  if (found == beingMounted_.end()) return;
+void VisibleMounts::awaitWork(const std::string& bsdName) {
+  const auto found = begun_.find(bsdName);
+  if (found == begun_.end()) return;
   noteMount(found->second.disc, found->second.folder.get());
-  beingMounted_.erase(found);
+  begun_.erase(found);
 }
 
-void VisibleMounts::mountHasEnded(const std::string& bsdName, uint64_t number) {
-  const auto found = beingMounted_.find(bsdName);
-  if (found == beingMounted_.end() || found->second.number != number) return;
+void VisibleMounts::workHasEnded(const std::string& bsdName, uint64_t number) {
+  const auto found = begun_.find(bsdName);
+  if (found == begun_.end() || found->second.number != number) return;
   const bool isOutOfDate = found->second.isOutOfDate;
-  awaitMount(bsdName);
+  awaitWork(bsdName);
   if (isOutOfDate) updateDrive(bsdName);
 }
 

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <cstdint>
+#include <functional>
 #include <future>
 #include <map>
 #include <memory>
@@ -21,7 +22,8 @@ class DRDevice;
 /// an emulated drive; of a real one, the desktop is asked to mount it first. Main thread only.
 ///
 /// The disc of an emulated drive is mounted when `update` returns. That of a real drive is mounted
-/// on a thread of its own, which only those wait for who want to have the drive for themselves.
+/// on a thread of its own, which only those wait for who want to have the drive for themselves; and
+/// what the desktop leaves mounted of a disc that has gone is unmounted there.
 ///
 /// A volume is named after the disc: "/" and control characters become "_", no name at all becomes
 /// "CDROM", and where the name is taken " 1", " 2" … is appended. The mount's source is the first
@@ -63,7 +65,11 @@ class VisibleMounts {
     int64_t sessionStart = 0;
   };
 
-  struct BeingMounted {
+  /// What takes its time with the disc of a real drive. It gives the folder that it has mounted the
+  /// disc at, if any.
+  using Work = std::function<std::optional<std::string>()>;
+
+  struct Begun {
     uint64_t number = 0;
     VisibleDisc disc;
     std::future<std::optional<std::string>> folder;
@@ -73,16 +79,16 @@ class VisibleMounts {
   void deviceStatusChanged(const void* device);
   void updateDrive(const std::string& bsdName);
   void noteMount(const VisibleDisc& disc, const std::optional<std::string>& folder);
-  void beginToMount(const VisibleDisc& disc);
-  bool isBeingMounted(const std::string& bsdName);
-  void awaitMount(const std::string& bsdName);
-  void mountHasEnded(const std::string& bsdName, uint64_t number);
+  void beginFor(const VisibleDisc& disc, Work work);
+  bool isAtWork(const std::string& bsdName);
+  void awaitWork(const std::string& bsdName);
+  void workHasEnded(const std::string& bsdName, uint64_t number);
 
   std::map<std::string, Mounted> mounted_;  // By the drive's BSD name.
   std::set<std::string> held_;
-  std::set<std::string> drives_;                      // Every drive seen.
-  std::map<std::string, BeingMounted> beingMounted_;  // By the drive's BSD name.
-  uint64_t mountsBegun_ = 0;
+  std::set<std::string> drives_;        // Every drive seen.
+  std::map<std::string, Begun> begun_;  // By the drive's BSD name.
+  uint64_t worksBegun_ = 0;
   // For what is queued on the main thread.
   const std::shared_ptr<VisibleMounts*> self_ = std::make_shared<VisibleMounts*>(this);
 };
