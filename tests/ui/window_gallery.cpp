@@ -231,6 +231,14 @@ class Gallery {
     summary.problem = format(localizedString("ReasonFileTooLarge"), "Film.mkv");
     window_.setBurnSummary(summary);
     shoot(QStringLiteral("confirming-problem"));
+    summary.problem = localizedString("ReasonDiscClosed");
+    summary.problemLiesInTheDisc = true;
+    window_.setBurnSummary(summary);
+    shoot(QStringLiteral("confirming-in-vain"));
+    summary.problem.clear();
+    summary.shownStill = {"Fotos\\alt.jpg"};
+    window_.setBurnSummary(summary);
+    shoot(QStringLiteral("confirming-shown-still"));
     window_.endBurnConfirmationSheet();
     window_.orderOutBurnConfirmationPanel();
   }
