@@ -11,6 +11,7 @@
 #include "app/kv_controller.h"
 #include "app/recording_outlets.h"
 #include "foundation/application_fixture.h"
+#include "foundation/turn_until.h"
 #include "media/fake_volume_services.h"
 #include "media/recorded_log.h"
 #include "platform/foundation/main_thread.h"
@@ -61,11 +62,6 @@ class ControllerFixture : public ApplicationFixture {
       return awake_;
     };
     services_.sleep = [](std::chrono::milliseconds) {};
-  }
-
-  /// Lets the event loop turn until the condition holds.
-  void turnUntil(const std::function<bool()>& condition) {
-    while (!condition()) QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents, 50);
   }
 
   /// Lets everything happen that is queued already.

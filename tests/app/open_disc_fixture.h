@@ -5,7 +5,6 @@
 
 #include <QCoreApplication>
 #include <QProcess>
-#include <QTimer>
 #include <filesystem>
 #include <fstream>
 #include <optional>
@@ -15,6 +14,7 @@
 #include "app/kv_controller.h"
 #include "app/windowless_outlets.h"
 #include "foundation/application_fixture.h"
+#include "foundation/turn_until.h"
 #include "platform/foundation/paths.h"
 #include "platform/recording/dr_device.h"
 #include "platform/userfs/gm_user_file_system.h"
@@ -121,17 +121,7 @@ class OpenDiscTestOf : public ApplicationFixture {
     DriveRegistry::shared().reset();
   }
 
-  bool waitFor(const std::function<bool()>& condition) {
-    constexpr int kFarTooLongMilliseconds = 60000;
-    QTimer look;
-    look.start(5);
-    bool late = false;
-    QTimer::singleShot(kFarTooLongMilliseconds, &look, [&late] { late = true; });
-    while (!condition() && !late) {
-      QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents);
-    }
-    return condition();
-  }
+  bool waitFor(const std::function<bool()>& condition) { return turnUntil(condition); }
 
   void close() {
     controller_->closeVolume();

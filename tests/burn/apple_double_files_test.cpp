@@ -10,8 +10,8 @@
 #include <filesystem>
 #include <fstream>
 
+#include "foundation/temporary_folder.h"
 #include "media/recorded_log.h"
-#include "recording/temporary_folder.h"
 
 namespace kelvane::test {
 namespace {

@@ -8,7 +8,7 @@
 #include <fstream>
 #include <string>
 
-#include "recording/temporary_folder.h"
+#include "foundation/temporary_folder.h"
 
 namespace kelvane::testing {
 

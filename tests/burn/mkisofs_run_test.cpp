@@ -10,7 +10,7 @@
 
 #include "burn/imaging_verdict.h"
 #include "burn/mkisofs_arguments.h"
-#include "recording/temporary_folder.h"
+#include "foundation/temporary_folder.h"
 
 namespace kelvane {
 namespace {

@@ -11,9 +11,9 @@
 #include <filesystem>
 #include <fstream>
 
+#include "foundation/temporary_folder.h"
 #include "platform/foundation/child_task.h"
 #include "platform/foundation/strings_table.h"
-#include "recording/temporary_folder.h"
 
 namespace kelvane {
 namespace {

@@ -10,8 +10,8 @@
 #include <memory>
 
 #include "burn/noted_bar.h"
+#include "foundation/temporary_folder.h"
 #include "recording/event_loop.h"
-#include "recording/temporary_folder.h"
 
 namespace kelvane {
 namespace {

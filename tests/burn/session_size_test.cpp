@@ -13,8 +13,8 @@
 
 #include "burn/fake_bundle.h"
 #include "burn/imaging_verdict.h"
+#include "foundation/temporary_folder.h"
 #include "platform/foundation/child_task.h"
-#include "recording/temporary_folder.h"
 
 namespace kelvane {
 namespace {

@@ -11,7 +11,7 @@
 #include <string>
 #include <vector>
 
-#include "recording/temporary_folder.h"
+#include "foundation/temporary_folder.h"
 
 namespace kelvane {
 namespace {

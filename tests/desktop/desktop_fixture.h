@@ -9,6 +9,7 @@
 #include "desktop/fake_services.h"
 #include "desktop/private_bus.h"
 #include "foundation/application_fixture.h"
+#include "foundation/turn_until.h"
 #include "media/recorded_log.h"
 #include "platform/desktop/message_bus.h"
 
@@ -17,10 +18,7 @@ namespace kelvane::test {
 /// A test with a bus of its own.
 class DesktopFixture : public ApplicationFixture {
  protected:
-  /// Lets the event loop turn until the condition holds.
-  static void turnUntil(const std::function<bool()>& condition) {
-    while (!condition()) QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents, 50);
-  }
+  static void turnUntil(const std::function<bool()>& condition) { test::turnUntil(condition); }
 
   /// Lets every message arrive that has been sent by now: a later one has made its way.
   void turn() {

@@ -7,7 +7,7 @@
 #include <fstream>
 #include <map>
 
-#include "recording/temporary_folder.h"
+#include "foundation/temporary_folder.h"
 
 namespace kelvane {
 namespace {

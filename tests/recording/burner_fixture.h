@@ -7,12 +7,12 @@
 #include <string>
 #include <vector>
 
+#include "foundation/temporary_folder.h"
 #include "platform/recording/dr_burn.h"
 #include "platform/recording/dr_device.h"
 #include "platform/recording/dr_erase.h"
 #include "platform/recording/drive_registry.h"
 #include "recording/event_loop.h"
-#include "recording/temporary_folder.h"
 #include "virtualdrive/virtual_drive.h"
 
 namespace kelvane::testing {

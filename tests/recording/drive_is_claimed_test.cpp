@@ -12,9 +12,9 @@
 #include <optional>
 #include <string>
 
+#include "foundation/temporary_folder.h"
 #include "platform/recording/drive_claim.h"
 #include "platform/recording/file_lock.h"
-#include "recording/temporary_folder.h"
 
 namespace kelvane {
 namespace {

@@ -7,12 +7,12 @@
 #include <filesystem>
 #include <vector>
 
+#include "foundation/temporary_folder.h"
 #include "platform/recording/mmc/command.h"
 #include "platform/recording/mmc/configuration.h"
 #include "platform/recording/mmc/disc_information.h"
 #include "platform/recording/mmc/inquiry.h"
 #include "platform/recording/mmc/unit_ready.h"
-#include "recording/temporary_folder.h"
 
 namespace kelvane::mmc {
 namespace {

@@ -2,9 +2,9 @@
 #pragma once
 
 #include <QCoreApplication>
-#include <QTimer>
-#include <chrono>
 #include <functional>
+
+#include "foundation/turn_until.h"
 
 namespace kelvane::testing {
 
@@ -13,18 +13,7 @@ class EventLoop {
  public:
   /// Turns the loop until `condition` holds. False where it has not come to hold after a time that
   /// is far longer than it can take.
-  bool runUntil(const std::function<bool()>& condition) {
-    constexpr std::chrono::seconds kFarTooLong{100};
-    constexpr std::chrono::milliseconds kLookInterval{5};
-    const auto deadline = std::chrono::steady_clock::now() + kFarTooLong;
-    QTimer look;
-    look.start(kLookInterval);
-    while (!condition()) {
-      if (std::chrono::steady_clock::now() > deadline) return false;
-      QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents);
-    }
-    return true;
-  }
+  bool runUntil(const std::function<bool()>& condition) { return test::turnUntil(condition); }
 
   /// Delivers what is queued already.
   void deliverQueued() { QCoreApplication::processEvents(); }

@@ -8,7 +8,7 @@
 #include <thread>
 #include <utility>
 
-#include "recording/temporary_folder.h"
+#include "foundation/temporary_folder.h"
 
 namespace kelvane {
 namespace {

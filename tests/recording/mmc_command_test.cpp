@@ -6,6 +6,7 @@
 
 #include <cerrno>
 
+#include "foundation/temporary_folder.h"
 #include "platform/recording/mmc/command.h"
 #include "platform/recording/mmc/disc_information.h"
 #include "platform/recording/mmc/sg_io_transport.h"
@@ -13,7 +14,6 @@
 #include "platform/recording/mmc/tray.h"
 #include "platform/recording/mmc/unit_ready.h"
 #include "recording/scripted_transport.h"
-#include "recording/temporary_folder.h"
 
 namespace kelvane::mmc {
 namespace {

@@ -10,11 +10,11 @@
 
 #include <filesystem>
 
+#include "foundation/temporary_folder.h"
 #include "platform/recording/dr_device.h"
 #include "platform/recording/drive.h"
 #include "platform/recording/file_lock.h"
 #include "platform/recording/mmc/sg_io_transport.h"
-#include "recording/temporary_folder.h"
 
 namespace kelvane {
 namespace {

@@ -11,6 +11,7 @@
 #include <thread>
 
 #include "foundation/application_fixture.h"
+#include "foundation/turn_until.h"
 #include "services/update_check.h"
 #include "services/update_source.h"
 #include "services/version_server.h"
@@ -19,6 +20,7 @@ namespace kelvane {
 namespace {
 
 using namespace std::chrono_literals;
+using test::turnUntil;
 using test::VersionServer;
 using ::testing::HasSubstr;
 using ::testing::IsEmpty;
@@ -45,10 +47,6 @@ class UpdateRequest : public ApplicationFixture {
     return reply;
   }
   std::string fetch() { return fetch(server_.endpoint()); }
-
-  void turnUntil(const std::function<bool()>& condition) {
-    while (!condition()) QCoreApplication::processEvents(QEventLoop::AllEvents, 10);
-  }
 
   VersionServer server_;
 };

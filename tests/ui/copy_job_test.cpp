@@ -12,7 +12,7 @@
 #include <fstream>
 #include <functional>
 
-#include "recording/temporary_folder.h"
+#include "foundation/temporary_folder.h"
 #include "ui/copy_survey.h"
 
 namespace kelvane {

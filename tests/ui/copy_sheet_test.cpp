@@ -22,7 +22,7 @@
 #include <filesystem>
 #include <fstream>
 
-#include "recording/temporary_folder.h"
+#include "foundation/temporary_folder.h"
 #include "ui/dropped_files.h"
 #include "ui/mounted_item_view.h"
 #include "ui/window_test.h"

@@ -6,6 +6,7 @@
 
 #include "desktop/fake_services.h"
 #include "desktop/private_bus.h"
+#include "foundation/turn_until.h"
 #include "platform/foundation/strings_table.h"
 #include "ui/opened_urls.h"
 #include "ui/window_test.h"
@@ -18,15 +19,12 @@ using test::FakeFileManager;
 using test::FakeLauncher;
 using test::FakeNotifications;
 using test::Manner;
+using test::turnUntil;
 using ::testing::ElementsAre;
 using ::testing::IsEmpty;
 
 class DesktopWindow : public WindowTest {
  protected:
-  static void turnUntil(const std::function<bool()>& condition) {
-    while (!condition()) QApplication::processEvents(QEventLoop::WaitForMoreEvents, 50);
-  }
-
   /// Another application's window is in front.
   static void putBehind() { QApplication::setActiveWindow(nullptr); }
 

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: GPL-2.0-or-later
 #pragma once
 
+#include <gtest/gtest.h>
+
 #include <cstdlib>
 #include <filesystem>
 #include <string>
@@ -12,8 +14,9 @@ namespace kelvane::testing {
 class TemporaryFolder {
  public:
   TemporaryFolder() {
-    std::string pattern = std::filesystem::temp_directory_path() / "kelvane-recording-XXXXXX";
-    path_ = mkdtemp(pattern.data());
+    std::string pattern = std::filesystem::temp_directory_path() / "kelvane-test-XXXXXX";
+    if (mkdtemp(pattern.data()) == nullptr) ADD_FAILURE() << "no temporary folder";
+    path_ = pattern;
   }
   ~TemporaryFolder() {
     std::error_code failure;
