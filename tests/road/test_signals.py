@@ -19,9 +19,10 @@ class Signals(RoadTest):
         self.disc = self.make_disc(source=source, label="SAMPLE")
         self.started = os.path.join(self.folder, "started")
 
-    def check_interruption(self, signal_number, script):
+    def check_interruption(self, signal_number, last, beforehand="true"):
+        """Interrupts a run when its command has done what is to be done beforehand, and is at the last thing it does."""
         before = sha256_of(os.path.join(self.disc, "sectors"))
-        process = self.start_batch(self.disc, "sh", "-c", f'echo x > new; touch "{self.started}"; {script}')
+        process = self.start_batch(self.disc, "sh", "-c", f'echo x > new; {beforehand}; touch "{self.started}"; {last}')
         wait_until(lambda: os.path.exists(self.started), lambda: "the command has not been run")
         process.send_signal(signal_number)
         output, errors = process.communicate(timeout=120)
@@ -39,7 +40,8 @@ class Signals(RoadTest):
         left = os.path.join(self.folder, "left.pid")
         try:
             # The shell ends; what it has started stays in the volume.
-            self.check_interruption(signal.SIGTERM, f'sleep 1000 <&- >&- 2>&- & echo $! > "{left}"; wait')
+            self.check_interruption(signal.SIGTERM, "wait",
+                                    beforehand=f'{{ sleep 1000 <&- >&- 2>&- & echo $! > "{left}"; }}')
         finally:
             with open(left, encoding="utf-8") as file:
                 os.kill(int(file.read()), signal.SIGKILL)
@@ -83,8 +85,10 @@ class Signals(RoadTest):
         """A run whose command has ended, with a change made, and has left a program on the volume. Gives the run, once it
         waits for that, what it says of it, and the program's process."""
         left = os.path.join(self.folder, "left.pid")
+        # The shell's child bears the shell's name until it has become the other program.
         process = self.start_batch(self.disc, "sh", "-c",
-                                   f'echo x > new; sleep 1000 <&- >&- 2>&- & echo $! > "{left}"')
+                                   f'echo x > new; sleep 1000 <&- >&- 2>&- & echo $! > "{left}"; '
+                                   'until [ "$(cat /proc/$!/comm)" = sleep ]; do :; done')
         line = self.line_with(process, "Waiting for the volume")
         with open(left, encoding="utf-8") as file:
             return process, line, int(file.read())
