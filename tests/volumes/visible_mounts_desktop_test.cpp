@@ -99,20 +99,35 @@ class VisibleMountsBesideARefusingDesktop : public DiscFixture {
   PrivateBus bus_;
   FakeDiscService service_{bus_.services(), "kv0"};
   FakeDevice drive_{"kv0"};
+  VisibleMounts mounts_{[this] { return std::vector<DRDevice*>{&drive_}; }};
 };
 
 // The service answers on the thread that has asked for the mount: if that waited for the answer, it
 // would never come.
 TEST_F(VisibleMountsBesideARefusingDesktop, NobodyWaitsForItsAnswer) {
-  VisibleMounts mounts;
-  mounts.update(drive_);
-  const std::string folder = prefix_.volumes() + "/DISC";
-  while (!isMountPoint(folder) && service_.calls.size() < 2) {
-    QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents, 50);
-    mounts.update(drive_);
-  }
-  EXPECT_TRUE(isMountPoint(folder));
+  mounts_.update(drive_);
+  turnUntil([this] { return isMountPoint(prefix_.volumes() + "/DISC"); });
   EXPECT_THAT(service_.calls, ElementsAre("Mount quietly"));
+}
+
+TEST_F(VisibleMountsBesideARefusingDesktop,
+       ADiscThatGoesWhileItIsBeingMountedIsUnmountedBehindThat) {
+  mounts_.update(drive_);
+  drive_.present = false;
+  mounts_.update(drive_);
+  const size_t questions = drive_.questions.size();
+  turnUntil([this, questions] { return drive_.questions.size() > questions; });
+  EXPECT_THAT(service_.calls, ElementsAre("Mount quietly"));
+  EXPECT_TRUE(std::filesystem::is_empty(prefix_.volumes()));
+}
+
+// A disc that cannot be mounted would otherwise be tried twice, since an insertion leads to a scan.
+TEST_F(VisibleMountsBesideARefusingDesktop, AScanDoesNotLookAtADriveWhoseDiscIsBeingMounted) {
+  mounts_.updateAll();
+  const std::vector<std::string> questions = drive_.questions;
+  mounts_.updateAll();
+  EXPECT_EQ(drive_.questions, questions);
+  turnUntil([this] { return isMountPoint(prefix_.volumes() + "/DISC"); });
 }
 
 }  // namespace

@@ -7,7 +7,6 @@
 
 #include "platform/foundation/main_thread.h"
 #include "platform/foundation/system_log.h"
-#include "platform/recording/dr_device.h"
 #include "platform/recording/dr_notification_center.h"
 #include "platform/volumes/mount_table.h"
 #include "platform/volumes/stale_mounts.h"
@@ -33,9 +32,11 @@ bool isMountedByOthers(const std::string& bsdName) {
 
 }  // namespace
 
+VisibleMounts::VisibleMounts(Drives drives) : drives_(std::move(drives)) {}
+
 VisibleMounts::~VisibleMounts() {
   DRNotificationCenter::currentRunLoopCenter().removeObserver(this);
-  for (const std::string& drive : drives_) unmountAllOf(drive);
+  for (const std::string& drive : seen_) unmountAllOf(drive);
 }
 
 void VisibleMounts::start() {
@@ -46,7 +47,7 @@ void VisibleMounts::start() {
 
 // The sender may be gone by now, so it is looked for among the drives that there are.
 void VisibleMounts::deviceStatusChanged(const void* device) {
-  for (DRDevice* candidate : DRDevice::devices()) {
+  for (DRDevice* candidate : drives_()) {
     if (candidate == device) update(*candidate);
   }
 }
@@ -62,7 +63,7 @@ void VisibleMounts::release(const std::string& bsdName) {
 }
 
 void VisibleMounts::updateDrive(const std::string& bsdName) {
-  for (DRDevice* device : DRDevice::devices()) {
+  for (DRDevice* device : drives_()) {
     if (device->bsdName() == bsdName) update(*device);
   }
 }
@@ -81,8 +82,12 @@ void VisibleMounts::unmountAllOf(const std::string& bsdName) {
 
 void VisibleMounts::update(DRDevice& device) {
   const std::string bsdName = device.bsdName();
-  drives_.insert(bsdName);
-  if (device.mediaIsBusy() || device.mediaIsTransitioning() || isAtWork(bsdName)) return;
+  seen_.insert(bsdName);
+  if (device.mediaIsBusy() || device.mediaIsTransitioning()) return;
+  if (isAtWork(bsdName)) {
+    begun_.at(bsdName).isOutOfDate = true;
+    return;
+  }
   const bool isReal = !device.emulatedDisc();
   const std::optional<int64_t> sessionStart = mountableSessionStart(device);
   if (!sessionStart) {
@@ -130,7 +135,7 @@ void VisibleMounts::beginFor(const VisibleDisc& disc, Work work) {
   begun_.insert_or_assign(disc.drive, std::move(begun));
 }
 
-// Who asks meanwhile has heard of something that may concern the disc.
+// Work that has ended is noted at once, and is none any more.
 bool VisibleMounts::isAtWork(const std::string& bsdName) {
   const auto found = begun_.find(bsdName);
   if (found == begun_.end()) return false;
@@ -138,7 +143,6 @@ bool VisibleMounts::isAtWork(const std::string& bsdName) {
     awaitWork(bsdName);
     return false;
   }
-  found->second.isOutOfDate = true;
   return true;
 }
 
@@ -157,8 +161,11 @@ void VisibleMounts::workHasEnded(const std::string& bsdName, uint64_t number) {
   if (isOutOfDate) updateDrive(bsdName);
 }
 
+// Nothing is known to have changed, so a drive at work has its mount without another look.
 void VisibleMounts::updateAll() {
-  for (DRDevice* device : DRDevice::devices()) update(*device);
+  for (DRDevice* device : drives_()) {
+    if (!isAtWork(device->bsdName())) update(*device);
+  }
 }
 
 std::string mountableBsdName(const DRDevice& device) {

@@ -9,13 +9,12 @@
 #include <optional>
 #include <set>
 #include <string>
+#include <vector>
 
-#include "platform/recording/dr_device_status.h"
+#include "platform/recording/dr_device.h"
 #include "platform/volumes/visible_mount.h"
 
 namespace kelvane {
-
-class DRDevice;
 
 /// Mounts discs that the desktop does not: visibly, each in a folder of its own below the folder of
 /// volumes, from the moment a disc with content is inserted until it is gone. That is every disc in
@@ -31,7 +30,10 @@ class DRDevice;
 /// is not mounted.
 class VisibleMounts {
  public:
-  VisibleMounts() = default;
+  /// Every drive there is; see DRDevice::devices().
+  using Drives = std::function<std::vector<DRDevice*>()>;
+
+  explicit VisibleMounts(Drives drives = &DRDevice::devices);
   /// Unmounts everything that this application has mounted from the drives, whichever instance.
   ~VisibleMounts();
   VisibleMounts(const VisibleMounts&) = delete;
@@ -54,9 +56,11 @@ class VisibleMounts {
   /// for. To be called right before a disc is ejected.
   void unmountAllOf(const std::string& bsdName);
 
-  /// Brings the mount of one drive in line with its disc. `start` arranges that it is called.
+  /// Brings the mount of one drive in line with its disc. `start` arranges that it is called. While
+  /// its disc is being mounted, that is done again when the mount has ended.
   void update(DRDevice& device);
-  /// The same for every drive, for those who cannot wait for the notification.
+  /// The same for every drive whose disc is not being mounted already, for those who cannot wait
+  /// for the notification.
   void updateAll();
 
  private:
@@ -84,9 +88,10 @@ class VisibleMounts {
   void awaitWork(const std::string& bsdName);
   void workHasEnded(const std::string& bsdName, uint64_t number);
 
+  Drives drives_;
   std::map<std::string, Mounted> mounted_;  // By the drive's BSD name.
   std::set<std::string> held_;
-  std::set<std::string> drives_;        // Every drive seen.
+  std::set<std::string> seen_;          // Every drive that has been looked at.
   std::map<std::string, Begun> begun_;  // By the drive's BSD name.
   uint64_t worksBegun_ = 0;
   // For what is queued on the main thread.
