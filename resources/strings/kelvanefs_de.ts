@@ -351,6 +351,14 @@
         <source>A program still has files or folders of the disc open, so the disc cannot be closed yet. Your changes are safe and the disc stays open. Close that program, or leave the disc’s folder in it, then close the disc again.</source>
         <translation>Ein Programm hat noch Dateien oder Ordner der Disc geöffnet, deshalb kann sie noch nicht geschlossen werden. Ihre Änderungen sind sicher, und die Disc bleibt geöffnet. Beenden Sie das Programm oder verlassen Sie darin den Ordner der Disc, und schließen Sie die Disc dann noch einmal.</translation>
     </message>
+    <message id="VolumeNotUnmounted">
+        <source>The disc could not be closed</source>
+        <translation>Die Disc konnte nicht geschlossen werden</translation>
+    </message>
+    <message id="VolumeNotUnmountedLong">
+        <source>The system refused to unmount its volume, although no program uses it. Your changes are safe and the disc stays open. Make sure that the program fusermount3 (package “fuse3”) is installed and may be run, then close the disc again.</source>
+        <translation>Das System hat sich geweigert, das Volume auszuhängen, obwohl kein Programm es benutzt. Ihre Änderungen sind sicher, und die Disc bleibt geöffnet. Stellen Sie sicher, dass das Programm fusermount3 (Paket „fuse3“) installiert ist und ausgeführt werden darf, und schließen Sie die Disc dann noch einmal.</translation>
+    </message>
     <message id="LogoutDiscOpen">
         <source>A disc is open, and its changes are not burned yet.</source>
         <translation>Eine Disc ist geöffnet, und ihre Änderungen sind noch nicht gebrannt.</translation>

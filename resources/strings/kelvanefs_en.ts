@@ -351,6 +351,14 @@
         <source>A program still has files or folders of the disc open, so the disc cannot be closed yet. Your changes are safe and the disc stays open. Close that program, or leave the disc’s folder in it, then close the disc again.</source>
         <translation>A program still has files or folders of the disc open, so the disc cannot be closed yet. Your changes are safe and the disc stays open. Close that program, or leave the disc’s folder in it, then close the disc again.</translation>
     </message>
+    <message id="VolumeNotUnmounted">
+        <source>The disc could not be closed</source>
+        <translation>The disc could not be closed</translation>
+    </message>
+    <message id="VolumeNotUnmountedLong">
+        <source>The system refused to unmount its volume, although no program uses it. Your changes are safe and the disc stays open. Make sure that the program fusermount3 (package “fuse3”) is installed and may be run, then close the disc again.</source>
+        <translation>The system refused to unmount its volume, although no program uses it. Your changes are safe and the disc stays open. Make sure that the program fusermount3 (package “fuse3”) is installed and may be run, then close the disc again.</translation>
+    </message>
     <message id="LogoutDiscOpen">
         <source>A disc is open, and its changes are not burned yet.</source>
         <translation>A disc is open, and its changes are not burned yet.</translation>

@@ -12,6 +12,7 @@
 #include "app/kv_controller.h"
 #include "app/summary_words.h"
 #include "app/terminal_words.h"
+#include "app/volume_stays_alert.h"
 #include "burn/dvd_burn.h"
 #include "platform/foundation/child_task.h"
 #include "platform/foundation/main_thread.h"
@@ -147,10 +148,10 @@ void BatchRun::closeVolume() {
   }
 }
 
-void BatchRun::volumeIsBusy(const std::string& users) {
-  if (users != announcedUsers_) {
-    say("Waiting for the volume to be free: %@", users);
-    announcedUsers_ = users;
+void BatchRun::volumeStays(const std::string& reason) {
+  if (reason != announcedReason_) {
+    say("Waiting for the volume to be free: %@", reason);
+    announcedReason_ = reason;
   }
   performAfterDelay(kBusyRetryInterval, [this] {
     if (stage_ == Stage::Closing && controller_->tarnwickFS()) closeVolume();
@@ -224,11 +225,11 @@ void BatchRun::burnStatusChanged(const Notification& notification) {
 }
 
 void BatchRun::beginAlertSheet(const Alert& alert, std::function<void(int)>) {
-  if (alert.messageKey == "VolumeBusy") {
-    volumeIsBusy(alert.detail);
+  const std::string line = asLine(alert);
+  if (isVolumeStaysAlert(alert)) {
+    volumeStays(alert.detail.empty() ? line : alert.detail);
     return;
   }
-  const std::string line = asLine(alert);
   if (alert.messageKey == "DVDBurnedDoubtfully") {
     outcome_.warning = line;
     say("%@", line);

@@ -55,7 +55,7 @@ class BatchRun final : public WindowlessOutlets {
   void runCommand();
   void commandHasEnded();
   void closeVolume();
-  void volumeIsBusy(const std::string& users);
+  void volumeStays(const std::string& reason);
   void discIsLoading();
   void mountFailed(const std::string& reason);
   void burnStatusChanged(const Notification& notification);
@@ -74,7 +74,7 @@ class BatchRun final : public WindowlessOutlets {
   std::optional<int> interruptedBy_;
   bool discHasGone_ = false;
   std::optional<uint32_t> sessionsBefore_;
-  std::string announcedUsers_;
+  std::string announcedReason_;
   int announcedTenths_ = 0;
   std::optional<double> writingBeginsAt_;  // Of the bar; empty until the disc is written.
 };

@@ -11,6 +11,7 @@
 
 #include "app/file_reasons.h"
 #include "app/kv_controller.h"
+#include "app/volume_stays_alert.h"
 #include "app/volume_users.h"
 #include "app/warning_alert.h"
 #include "burn/volume_identifier.h"
@@ -240,12 +241,7 @@ bool KVController::closeVolume() {
   }
   const UnmountResult result = fileSystem->unmount();
   if (result == UnmountResult::Started || result == UnmountResult::NotMounted) return true;
-  Alert alert;
-  alert.buttonKeys = {"OK"};
-  alert.messageKey = "VolumeBusy";
-  alert.informativeKey = "VolumeBusyLong";
-  alert.detail = describeVolumeUsers(programsUsing(paths::overlayMountPoint()));
-  window_.beginAlertSheet(alert, nullptr);
+  window_.beginAlertSheet(volumeStaysAlert(result, paths::overlayMountPoint()), nullptr);
   return false;
 }
 

@@ -3,9 +3,14 @@
 #include "platform/recording/drive_events.h"
 
 #include <gtest/gtest.h>
+#include <sched.h>
+#include <sys/mount.h>
+#include <unistd.h>
 
+#include <cstdlib>
 #include <filesystem>
 #include <fstream>
+#include <string>
 
 #include "recording/event_loop.h"
 
@@ -61,6 +66,44 @@ TEST_F(DriveEventsTest, OnlyUdevdTellsOfMedia) {
   ASSERT_NE(udev, nullptr);
   EXPECT_FALSE(kernel->tellsOfMedia());
   EXPECT_TRUE(udev->tellsOfMedia());
+}
+
+/// In a process of its own: gives it a /run in which the daemon of udev runs, and has looked at
+/// nothing yet. False where that cannot be had.
+bool enterAMachineWhereUdevRuns() {
+  if (unshare(CLONE_NEWNS) != 0) return false;
+  if (mount(nullptr, "/", nullptr, MS_REC | MS_PRIVATE, nullptr) != 0) return false;
+  if (mount("run", "/run", "tmpfs", 0, nullptr) != 0) return false;
+  std::filesystem::create_directories("/run/udev/data");
+  return std::ofstream("/run/udev/control").good();
+}
+
+/// What the daemon writes of a block device when it has applied its rules.
+void writeWhatUdevKnowsOf(const std::string& name) {
+  std::ifstream numbers("/sys/class/block/" + name + "/dev");
+  std::string majorAndMinor;
+  numbers >> majorAndMinor;
+  std::ofstream("/run/udev/data/b" + majorAndMinor) << "I:1000000\n";
+}
+
+constexpr int kSettledTooEarly = 1;
+constexpr int kNeverSettled = 2;
+constexpr int kNoSuchMachine = 77;
+
+int lookBeforeAndAfterUdev() {
+  if (!enterAMachineWhereUdevRuns()) return kNoSuchMachine;
+  if (DriveEvents::isSettled("loop0")) return kSettledTooEarly;
+  writeWhatUdevKnowsOf("loop0");
+  return DriveEvents::isSettled("loop0") ? EXIT_SUCCESS : kNeverSettled;
+}
+
+TEST_F(DriveEventsTest, ADriveIsSettledOnceUdevHasAppliedItsRules) {
+  if (geteuid() != 0) GTEST_SKIP() << "another /run needs root";
+  EXPECT_EXIT(_exit(lookBeforeAndAfterUdev()), ::testing::ExitedWithCode(EXIT_SUCCESS), "");
+}
+
+TEST_F(DriveEventsTest, WhatIsNotThereIsNotWaitedFor) {
+  EXPECT_TRUE(DriveEvents::isSettled("sr99"));
 }
 
 }  // namespace

@@ -35,6 +35,7 @@ const std::vector<Alert>& everyAlert() {
              "package “fuse3”."),
       ok("Unmountfailed", "Unmountfailedlong", ""),
       ok("VolumeBusy", "VolumeBusyLong", "gimp (4711)"),
+      ok("VolumeNotUnmounted", "VolumeNotUnmountedLong", ""),
       ok("MountFailed", "MountFailedLong", "Permission denied"),
       ok("DriveClosed", "DriveClosedLong", "Add yourself to the group cdrom, then log in again."),
       ok("CreateTrackAbortedWithError", "CreateTrackAbortedWithErrorLong", "No space left"),
