@@ -611,6 +611,14 @@
         <source>A program still has files or folders of the disc open, so it has not been erased. Close that program, or leave the disc’s folder in it, then erase the disc again.</source>
         <translation>Ein Programm hat noch Dateien oder Ordner der Disc geöffnet, deshalb wurde sie nicht gelöscht. Beenden Sie das Programm oder verlassen Sie darin den Ordner der Disc, und löschen Sie die Disc dann noch einmal.</translation>
     </message>
+    <message id="EraseDiscChanged">
+        <source>The disc in the drive is another one by now</source>
+        <translation>In dem Laufwerk liegt inzwischen eine andere Disc</translation>
+    </message>
+    <message id="EraseDiscChangedLong">
+        <source>The drive no longer holds the disc that stood in the list. Nothing has been erased. Look which disc is in the drive, and insert the one that you mean.</source>
+        <translation>Die Disc, die in der Liste stand, liegt nicht mehr in dem Laufwerk. Es wurde nichts gelöscht. Sehen Sie nach, welche Disc im Laufwerk liegt, und legen Sie die ein, die Sie meinen.</translation>
+    </message>
     <message id="BurnDiscChanged">
         <source>Another disc is in the drive</source>
         <translation>Im Laufwerk liegt eine andere Disc</translation>

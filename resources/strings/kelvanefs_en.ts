@@ -611,6 +611,14 @@
         <source>A program still has files or folders of the disc open, so it has not been erased. Close that program, or leave the disc’s folder in it, then erase the disc again.</source>
         <translation>A program still has files or folders of the disc open, so it has not been erased. Close that program, or leave the disc’s folder in it, then erase the disc again.</translation>
     </message>
+    <message id="EraseDiscChanged">
+        <source>The disc in the drive is another one by now</source>
+        <translation>The disc in the drive is another one by now</translation>
+    </message>
+    <message id="EraseDiscChangedLong">
+        <source>The drive no longer holds the disc that stood in the list. Nothing has been erased. Look which disc is in the drive, and insert the one that you mean.</source>
+        <translation>The drive no longer holds the disc that stood in the list. Nothing has been erased. Look which disc is in the drive, and insert the one that you mean.</translation>
+    </message>
     <message id="BurnDiscChanged">
         <source>Another disc is in the drive</source>
         <translation>Another disc is in the drive</translation>

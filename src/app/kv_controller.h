@@ -61,6 +61,7 @@ class KVController : public WindowActions {
   void scanForMedia();
   void performScanForMedia();
   bool tableViewShouldSelectRow(int32_t row) override;
+  bool discIsTaken() const override;
   void tableViewDoubleClicked() override;
 
   // One disc, from its opening to the question whether to burn.

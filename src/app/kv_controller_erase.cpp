@@ -40,6 +40,11 @@ void KVController::performErase() {
     refuseErase("EraseDriveBusy", {});
     return;
   }
+  if (!isOpen && holdsAnotherDisc(selected.back())) {
+    refuseErase("EraseDiscChanged", {});
+    scanForMedia();
+    return;
+  }
   if (!isOpen) {
     eraseDisc(device);
     return;

@@ -75,6 +75,11 @@ bool KVController::tableViewShouldSelectRow(int32_t row) {
   return isUsable(records[static_cast<size_t>(row)]);
 }
 
+// One that could not be mounted only waits for being taken out.
+bool KVController::discIsTaken() const {
+  return currentDevice_ != nullptr && !mountHasFailed_;
+}
+
 void KVController::tableViewDoubleClicked() {
   mountBurnFS();
 }

@@ -30,9 +30,10 @@ class LogoutDecision : public QObject {
   /// The answer to a decision that was deferred; without effect where none is pending.
   void reply(bool shouldTerminate);
 
- private:
   /// Whether ending now would cost the user anything.
   bool somethingIsAtStake() const;
+
+ private:
   TerminateReply decide();
   void sessionManagerAsks(QSessionManager& manager);
   bool waitForReply();

@@ -67,7 +67,13 @@ void WindowSession::wireQuitting() {
   });
 }
 
+// A disc that has been opened in the meantime asks for a decision of its own.
 void WindowSession::replied(bool shouldTerminate) {
+  if (shouldTerminate && logout_.somethingIsAtStake()) {
+    const TerminateReply answer = delegate_.applicationShouldTerminate();
+    if (answer == TerminateReply::Later) return;
+    shouldTerminate = answer == TerminateReply::Now;
+  }
   logout_.reply(shouldTerminate);
   if (std::exchange(quitIsPending_, false) && shouldTerminate) quit();
 }

@@ -123,8 +123,8 @@ int returnCodeOf(const QMessageBox& box, const std::vector<QPushButton*>& button
 
 }  // namespace
 
-void openAlertSheet(QWidget* parent, const Alert& alert,
-                    std::function<void(int returnCode)> didEnd) {
+QMessageBox* openAlertSheet(QWidget* parent, const Alert& alert,
+                            std::function<void(int returnCode)> didEnd) {
   auto* box = new QMessageBox(parent);
   box->setObjectName(QStringLiteral("alertSheet"));
   box->setAttribute(Qt::WA_DeleteOnClose);
@@ -134,6 +134,7 @@ void openAlertSheet(QWidget* parent, const Alert& alert,
     if (didEnd) didEnd(returnCodeOf(*box, buttons));
   });
   box->open();
+  return box;
 }
 
 int runAlertModal(QWidget* parent, const Alert& alert) {

@@ -5,6 +5,7 @@
 
 #include "ui/window_outlets.h"
 
+class QMessageBox;
 class QWidget;
 
 namespace kelvane {
@@ -14,9 +15,9 @@ namespace kelvane {
 ///
 /// Escape and closing the sheet count as the last button, which by convention is the one that
 /// changes nothing. Return counts as the last one too where a warning leaves a choice, else as the
-/// first.
-void openAlertSheet(QWidget* parent, const Alert& alert,
-                    std::function<void(int returnCode)> didEnd);
+/// first. The sheet is given back; it deletes itself when it has ended.
+QMessageBox* openAlertSheet(QWidget* parent, const Alert& alert,
+                            std::function<void(int returnCode)> didEnd);
 
 /// Shows `alert` before all windows of the application, over `parent` where there is one, and gives
 /// the button that ended it, counted in the same way. Where the application quits meanwhile, it is

@@ -19,9 +19,7 @@ DiscListView::DiscListView(QWidget* parent) : QListView(parent) {
   setFrameShape(QFrame::NoFrame);
   // The background is clear: the content area shows through.
   viewport()->setAutoFillBackground(false);
-  connect(this, &QListView::doubleClicked, this, [this] {
-    if (doubleAction_) doubleAction_();
-  });
+  connect(this, &QListView::doubleClicked, this, [this](const QModelIndex& index) { act(index); });
 }
 
 void DiscListView::setRowRule(std::function<bool(int)> mayBeSelected) {
@@ -49,7 +47,12 @@ void DiscListView::keyPressEvent(QKeyEvent* event) {
     QListView::keyPressEvent(event);
     return;
   }
-  if (selectionModel() && selectionModel()->isSelected(currentIndex())) {
+  act(currentIndex());
+}
+
+// The action is one on the selected disc, which another row is not meant by.
+void DiscListView::act(const QModelIndex& index) {
+  if (selectionModel() && selectionModel()->isSelected(index)) {
     if (doubleAction_) doubleAction_();
   } else {
     QApplication::beep();

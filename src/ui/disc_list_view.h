@@ -29,6 +29,8 @@ class DiscListView : public QListView {
   void contextMenuEvent(QContextMenuEvent* event) override;
 
  private:
+  void act(const QModelIndex& index);
+
   std::function<bool(int)> mayBeSelected_;
   std::function<void()> doubleAction_;
   std::function<void(int, QPoint)> menuAction_;

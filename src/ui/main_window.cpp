@@ -18,6 +18,7 @@
 #include "ui/disc_list_model.h"
 #include "ui/disc_list_view.h"
 #include "ui/erase_progress_sheet.h"
+#include "ui/erase_question.h"
 #include "ui/header_view.h"
 #include "ui/insert_disc_button.h"
 #include "ui/license_reader.h"
@@ -56,6 +57,7 @@ MainWindow::MainWindow(QWidget* parent) : QWidget(parent) {
   burnConfirmationPanel_ = new ConfirmationSheet(this);
   copyPanel_ = new CopySheet(this);
   eraseProgressPanel_ = new EraseProgressSheet(this);
+  eraseQuestion_ = new EraseQuestion(mediaController_, this);
   prefsPanel_ = new PreferencesPanel(this);
   licenseReader_ = new LicenseReader(this);
   notifications_ = new desktop::Notifications([this] { makeKeyAndOrderFront(); }, this);

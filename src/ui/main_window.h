@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-2.0-or-later
 #pragma once
 
+#include <QPointer>
 #include <QWidget>
 #include <functional>
 #include <memory>
@@ -14,6 +15,7 @@
 #include "ui/window_status.h"
 
 class QAction;
+class QMessageBox;
 
 namespace kelvane {
 
@@ -26,6 +28,7 @@ class CopySheet;
 class DiscListView;
 class DiscListModel;
 class EraseProgressSheet;
+class EraseQuestion;
 class HeaderView;
 class InsertDiscButton;
 class KVBurnView;
@@ -168,6 +171,8 @@ class MainWindow : public QWidget, public WindowOutlets {
   ConfirmationSheet* burnConfirmationPanel_ = nullptr;
   CopySheet* copyPanel_ = nullptr;
   EraseProgressSheet* eraseProgressPanel_ = nullptr;
+  EraseQuestion* eraseQuestion_ = nullptr;
+  QPointer<QMessageBox> newestAlert_;
   PreferencesPanel* prefsPanel_ = nullptr;
   LicenseReader* licenseReader_ = nullptr;
   desktop::Notifications* notifications_ = nullptr;

@@ -19,6 +19,7 @@
 #include "ui/disc_list_model.h"
 #include "ui/disc_list_view.h"
 #include "ui/erase_progress_sheet.h"
+#include "ui/erase_question.h"
 #include "ui/file_chooser.h"
 #include "ui/insert_disc_button.h"
 #include "ui/license_reader.h"
@@ -41,8 +42,9 @@ void MainWindow::notifyOfEnd(desktop::Notice::Kind kind, const std::string& key)
 }
 
 void MainWindow::connectActions() {
-  diskTable_->setRowRule(
-      [this](int row) { return !actions_ || actions_->tableViewShouldSelectRow(row); });
+  diskTable_->setRowRule([this](int row) {
+    return !actions_ || (!actions_->discIsTaken() && actions_->tableViewShouldSelectRow(row));
+  });
   diskTable_->setDoubleAction([this] {
     if (actions_) actions_->tableViewDoubleClicked();
   });
@@ -58,6 +60,7 @@ void MainWindow::connectActions() {
     if (const auto row = erasableRow(mediaController_)) askToErase(*row);
   });
   diskTable_->setMenuAction([this](int row, QPoint where) {
+    if (actions_ && actions_->discIsTaken()) return;
     showEraseMenu(mediaController_, static_cast<size_t>(row), *diskTable_, where,
                   [this](size_t chosen) { askToErase(chosen); });
   });
@@ -158,10 +161,16 @@ void MainWindow::adaptStatus() {
   if (!burning) status_.setPercent(std::nullopt);
 }
 
-// Selected or not, the disc to be erased is the selected one from now on, and is seen to be.
+// Selected or not, the disc to be erased is the selected one while the question stands, and is seen
+// to be.
 void MainWindow::askToErase(size_t row) {
+  if (!actions_) return;
+  const std::optional<size_t> rowBefore = mediaController_.selectionIndex();
+  if (actions_->discIsTaken() && rowBefore != row) return;
   mediaController_.setSelectionIndex(row);
-  if (actions_) actions_->attemptErase();
+  newestAlert_.clear();
+  actions_->attemptErase();
+  if (newestAlert_) eraseQuestion_->follow(newestAlert_, rowBefore);
 }
 
 void MainWindow::showLicense() {
@@ -203,6 +212,7 @@ void MainWindow::closeEvent(QCloseEvent* event) {
 
 void MainWindow::showMediaController() {
   discList_->setRecords(mediaController_.arrangedObjects());
+  eraseQuestion_->discsHaveChanged();
   adaptButtons();
   const std::optional<size_t> selected = mediaController_.selectionIndex();
   if (!selected || *selected >= mediaController_.arrangedObjects().size()) {

@@ -5,6 +5,7 @@
 #include <QApplication>
 #include <QDesktopServices>
 #include <QFileInfo>
+#include <QMessageBox>
 #include <QProcess>
 #include <QUrl>
 #include <array>
@@ -152,7 +153,7 @@ void MainWindow::endCopySheet() {
 }
 
 void MainWindow::beginAlertSheet(const Alert& alert, std::function<void(int returnCode)> didEnd) {
-  openAlertSheet(this, alert, std::move(didEnd));
+  newestAlert_ = openAlertSheet(this, alert, std::move(didEnd));
 }
 
 // Until start-up is through, another window may be the one that is shown.

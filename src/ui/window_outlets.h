@@ -146,6 +146,9 @@ class WindowActions {
   virtual void mountBurnFS() = 0;
   virtual void tableViewDoubleClicked() = 0;
   virtual bool tableViewShouldSelectRow(int32_t row) = 0;
+  /// Whether a disc is being opened, is open or is being burned: it stays the selected one, and no
+  /// other can be chosen beside it.
+  virtual bool discIsTaken() const { return false; }
   /// Reveals the open volume in the file manager.
   virtual void showDisk() = 0;
   /// Whether files can be copied onto the open volume now.

@@ -123,6 +123,23 @@ TEST_F(KVControllerErase, ADiscThatIsBeingOpenedIsNotErased) {
   expectRefusal("EraseDriveBusy");
 }
 
+TEST_F(KVControllerErase, ADiscInWhosePlaceAnotherHasComeIsNotErasedAndTheListIsMadeAnew) {
+  DeviceRecord record = recordOf(device_);
+  record.mediaIdentity = "the disc";
+  window_.mediaController().removeArrangedObjects();
+  window_.mediaController().addObjects({record});
+  window_.mediaController().setSelectionIndex(0);
+  device_.identity = "another disc";
+  expectRefusal("EraseDiscChanged");
+  turn();
+  EXPECT_TRUE(window_.has("text insertdisk")) << "the list is not brought up to date";
+  device_.identity = "the disc";
+  window_.mediaController().addObjects({record});
+  window_.mediaController().setSelectionIndex(0);
+  controller_.performErase();
+  EXPECT_TRUE(window_.has("erase sheet for kv0"));
+}
+
 TEST_F(KVControllerErase, AnotherDiscCanBeErasedWhileOneIsOpen) {
   controller_.setCurrentDevice(&device_);
   controller_.setMediaIsMounted(true);

@@ -196,6 +196,17 @@ TEST_F(KVControllerMountMissingAScan, DoesNotTryADiscAgainAndAgainThatFailsToOpe
   EXPECT_EQ(scans_, 0);
 }
 
+TEST_F(KVControllerMount, ADiscIsTakenFromItsOpeningUntilItHasGoneUnlessItsMountHasFailed) {
+  EXPECT_FALSE(controller_.discIsTaken());
+  controller_.setCurrentDevice(&device_);
+  EXPECT_TRUE(controller_.discIsTaken());
+  controller_.setMediaIsMounted(true);
+  EXPECT_TRUE(controller_.discIsTaken());
+  controller_.setMediaIsMounted(false);
+  controller_.mountFailed();
+  EXPECT_FALSE(controller_.discIsTaken());
+}
+
 TEST_F(KVControllerMount, AfterAMountThatFailedRequestsAreIgnoredUntilTheDiscHasGone) {
   listSample();
   controller_.setCurrentDevice(&device_);

@@ -3,6 +3,7 @@
 #include <signal.h>
 #include <unistd.h>
 
+#include <QListView>
 #include <QMessageBox>
 #include <filesystem>
 #include <fstream>
@@ -11,6 +12,7 @@
 
 #include "app/window_session_fixture.h"
 #include "platform/foundation/paths.h"
+#include "platform/recording/dr_device.h"
 #include "platform/volumes/mount_table.h"
 #include "ui/view_parts.h"
 
@@ -39,6 +41,10 @@ class Quit : public WindowSessionWithDisc {
       }
     }
     return std::nullopt;
+  }
+
+  static int listedDiscs() {
+    return shown("mainWindow")->findChild<QListView*>("diskTableView")->model()->rowCount();
   }
 
   static QString alertText() { return qobject_cast<QMessageBox*>(alert())->text(); }
@@ -107,6 +113,32 @@ TEST_F(Quit, GoesOnOnlyOnceAFailedBurnHasBeenRead) {
   });
   runWithDisc();
   EXPECT_THAT(log_.lines(), ::testing::Contains(::testing::StartsWith("CD burning failed")));
+  expectNothingIsLeft();
+}
+
+// The alert about the failed burn may stand for hours, and the next disc opens by itself.
+TEST_F(Quit, IsDecidedAnewWhereADiscHasBeenOpenedSince) {
+  std::ofstream(disc_ + "/faults") << "on write: sense 3/73/03\n";
+  const std::string nextDisc = prefix_.path() + "/next.kvdisc";
+  discTool({"create", nextDisc, "--media", "cd-r"});
+  when([] { return isReady() && listedDiscs() == 2; },
+       [] { DRDevice::devices().back()->ejectMedia(); });
+  when(isOpen(), [] {
+    change();
+    quitByKey();
+  });
+  when(isShown("burnConfirmationPanel"),
+       [] { click("burnConfirmationPanel", "burnConfirmButton"); });
+  when([] { return alert() != nullptr && !DRDevice::devices().front()->mediaIsPresent(); },
+       [] { DRDevice::devices().back()->loadMedia(); });
+  when([] { return isMountPoint(paths::overlayMountPoint()); },
+       [] {
+         change();
+         click("alertSheet", "alertButton0");
+       });
+  when(isShown("burnConfirmationPanel"),
+       [] { click("burnConfirmationPanel", "burnCancelButton"); });
+  run({disc_, nextDisc});
   expectNothingIsLeft();
 }
 

@@ -97,6 +97,12 @@ TEST_F(DiscList, DoubleClickOpensTheDisc) {
   EXPECT_THAT(actions_.calls, ElementsAre("tableViewDoubleClicked"));
 }
 
+TEST_F(DiscList, DoubleClickOnARefusedDiscDoesNotOpenTheSelectedOne) {
+  clickRow(1);
+  doubleClickRow(0);
+  EXPECT_THAT(actions_.calls, IsEmpty());
+}
+
 TEST_F(DiscList, ReturnOpensTheSelectedDisc) {
   clickRow(1);
   list()->setFocus();

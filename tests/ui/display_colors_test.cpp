@@ -23,8 +23,9 @@ double luminance(const QColor& color) {
 }
 
 double contrast(const QColor& text, const QColor& ground) {
-  const auto [dark, light] = std::minmax(luminance(text), luminance(ground));
-  return (light + 0.05) / (dark + 0.05);
+  const double one = luminance(text);
+  const double other = luminance(ground);
+  return (std::max(one, other) + 0.05) / (std::min(one, other) + 0.05);
 }
 
 TEST(DisplayColors, TextsStandOutFromTheDisplayAndFromTheSelection) {

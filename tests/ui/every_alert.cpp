@@ -52,6 +52,7 @@ const std::vector<Alert>& everyAlert() {
       ok("EraseError", "EraseErrorLong", sense),
       ok("EraseDriveBusy", "EraseDriveBusyLong", ""),
       ok("EraseVolumeBusy", "EraseVolumeBusyLong", "gimp (4711)"),
+      ok("EraseDiscChanged", "EraseDiscChangedLong", ""),
       ok("CopyRunning", "CopyRunningLong", ""),
       ok("CopyNoRoom", "CopyNoRoomLong", "812 MB are needed, 412 MB are free."),
       ok("CopyFailures", "CopyFailuresLong", "“Film.mkv”: it has 4 GB or more"),
