@@ -4,6 +4,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cstring>
 #include <numeric>
 
@@ -51,8 +52,7 @@ class KernelSide {
     entry.header.lengthAndKind = length | static_cast<std::uint32_t>(EntryKind::Command);
     entry.dataPieces = static_cast<std::uint32_t>(pieces.size());
     entry.commandBlockOffset = offset + needed - 16;
-    std::memcpy(&at<DataPiece>(offset + sizeof(RequestEntry)), pieces.data(),
-                pieces.size() * sizeof(DataPiece));
+    std::copy(pieces.begin(), pieces.end(), &at<DataPiece>(offset + sizeof(RequestEntry)));
     std::memcpy(&at<std::uint8_t>(entry.commandBlockOffset), block.data(), block.size());
     advance(length);
     return offset;
