@@ -123,8 +123,8 @@ int returnCodeOf(const QMessageBox& box, const std::vector<QPushButton*>& button
 
 }  // namespace
 
-QMessageBox* openAlertSheet(QWidget* parent, const Alert& alert,
-                            std::function<void(int returnCode)> didEnd) {
+QDialog* openAlertSheet(QWidget* parent, const Alert& alert,
+                        std::function<void(int returnCode)> didEnd) {
   auto* box = new QMessageBox(parent);
   box->setObjectName(QStringLiteral("alertSheet"));
   box->setAttribute(Qt::WA_DeleteOnClose);

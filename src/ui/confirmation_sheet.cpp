@@ -191,14 +191,26 @@ void ConfirmationSheet::begin() {
 }
 
 void ConfirmationSheet::reject() {
+  if (question_ != nullptr) return;
   const Alert question{.style = Alert::Style::Warning,
                        .buttonKeys = {"BurnConfirmationDiscard", "DiscardChangesKeep"},
                        .messageKey = "DiscardChanges",
                        .informativeKey = "DiscardChangesLong",
                        .detail = {}};
-  openAlertSheet(this, question, [this](int returnCode) {
-    if (returnCode == kAlertFirstButtonReturn && isVisible() && cancelled_) cancelled_();
+  question_ = openAlertSheet(this, question, [this](int returnCode) {
+    question_ = nullptr;
+    if (returnCode == kAlertFirstButtonReturn && cancelled_) cancelled_();
   });
+}
+
+// The changes in question have gone with the sheet, and the next one is about those of another
+// disc.
+void ConfirmationSheet::done(int result) {
+  if (QDialog* question = std::exchange(question_, nullptr)) {
+    question->disconnect(this);
+    delete question;
+  }
+  QDialog::done(result);
 }
 
 }  // namespace kelvane

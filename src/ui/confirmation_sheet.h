@@ -51,6 +51,8 @@ class ConfirmationSheet : public QDialog {
 
  public Q_SLOTS:
   void reject() override;
+  /// Takes the question along that `reject` asks.
+  void done(int result) override;
 
  private:
   QLayout* makeFields();
@@ -71,6 +73,7 @@ class ConfirmationSheet : public QDialog {
   WarningBox* tooLarge_;
   WarningBox* hiddenToo_;
   WarningBox* shownStill_;
+  QDialog* question_ = nullptr;
 };
 
 }  // namespace kelvane

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: GPL-2.0-or-later
 #include "ui/erase_question.h"
 
-#include <QMessageBox>
+#include <QDialog>
 
 #include "ui/media_controller.h"
 
@@ -10,13 +10,13 @@ namespace kelvane {
 EraseQuestion::EraseQuestion(MediaController& discs, QObject* parent)
     : QObject(parent), discs_(discs) {}
 
-void EraseQuestion::follow(QMessageBox* question, std::optional<size_t> rowBefore) {
+void EraseQuestion::follow(QDialog* question, std::optional<size_t> rowBefore) {
   question_ = question;
   asked_ = discInRow(discs_.selectionIndex());
   rowBefore_ = rowBefore;
   discBefore_ = discInRow(rowBefore);
   // Behind the one who acts on the answer, and who needs the selection for that.
-  connect(question, &QMessageBox::finished, this, [this] { giveSelectionBack(); });
+  connect(question, &QDialog::finished, this, [this] { giveSelectionBack(); });
 }
 
 void EraseQuestion::discsHaveChanged() {

@@ -6,7 +6,7 @@
 #include <optional>
 #include <string>
 
-class QMessageBox;
+class QDialog;
 
 namespace kelvane {
 
@@ -23,7 +23,7 @@ class EraseQuestion : public QObject {
 
   /// Follows `question`, which has just been put about the selected disc. `rowBefore` was selected
   /// before.
-  void follow(QMessageBox* question, std::optional<size_t> rowBefore);
+  void follow(QDialog* question, std::optional<size_t> rowBefore);
 
   /// To be called after each change of the list or of the selection. A list that is being made anew
   /// may be empty for a moment, so the question goes once the event loop is reached.
@@ -42,7 +42,7 @@ class EraseQuestion : public QObject {
   void giveSelectionBack();
 
   MediaController& discs_;
-  QPointer<QMessageBox> question_;
+  QPointer<QDialog> question_;
   std::optional<Disc> asked_;
   std::optional<size_t> rowBefore_;
   std::optional<Disc> discBefore_;

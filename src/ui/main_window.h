@@ -15,7 +15,7 @@
 #include "ui/window_status.h"
 
 class QAction;
-class QMessageBox;
+class QDialog;
 
 namespace kelvane {
 
@@ -172,7 +172,7 @@ class MainWindow : public QWidget, public WindowOutlets {
   CopySheet* copyPanel_ = nullptr;
   EraseProgressSheet* eraseProgressPanel_ = nullptr;
   EraseQuestion* eraseQuestion_ = nullptr;
-  QPointer<QMessageBox> newestAlert_;
+  QPointer<QDialog> newestAlert_;
   PreferencesPanel* prefsPanel_ = nullptr;
   LicenseReader* licenseReader_ = nullptr;
   desktop::Notifications* notifications_ = nullptr;

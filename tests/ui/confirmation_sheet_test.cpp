@@ -136,6 +136,29 @@ TEST_F(ConfirmationSheet, ClosingItAsksToo) {
   EXPECT_NE(sheet(), nullptr);
 }
 
+TEST_F(ConfirmationSheet, QuestionIsTakenAwayWithTheSheet) {
+  QTest::keyClick(title(), Qt::Key_Escape);
+  ASSERT_NE(question(), nullptr);
+  window_.endBurnConfirmationSheet();
+  window_.orderOutBurnConfirmationPanel();
+  EXPECT_EQ(window_.findChild<QDialog*>("alertSheet"), nullptr);
+  EXPECT_EQ(QApplication::activeModalWidget(), nullptr);
+  EXPECT_THAT(actions_.calls, IsEmpty());
+}
+
+TEST_F(ConfirmationSheet, QuestionIsAskedAgainOverTheSheetOfTheNextDisc) {
+  QTest::keyClick(title(), Qt::Key_Escape);
+  window_.endBurnConfirmationSheet();
+  window_.beginBurnConfirmationSheet();
+  EXPECT_EQ(question(), nullptr);
+  QTest::keyClick(title(), Qt::Key_Escape);
+  ASSERT_NE(question(), nullptr);
+  click(question()->findChild<QPushButton*>("alertButton0"));
+  EXPECT_THAT(actions_.calls, ElementsAre("burnConfirmationDidCancel"));
+  EXPECT_EQ(question(), nullptr);
+  EXPECT_EQ(sheet(), nullptr);
+}
+
 TEST_F(ConfirmationSheet, NameFieldTakesOnlyWhatADiscNameMayHold) {
   title()->clear();
   QTest::keyClicks(title(), "a/b:c*d_e -.+9");
