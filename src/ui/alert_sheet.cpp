@@ -13,6 +13,7 @@
 #include "platform/foundation/placeholders.h"
 #include "platform/foundation/strings_table.h"
 #include "ui/roomy_button.h"
+#include "ui/shortened_text.h"
 #include "ui/view_parts.h"
 #include "ui/window_metrics.h"
 
@@ -60,8 +61,7 @@ void adaptLabels(QMessageBox& box) {
 QString informativeText(const Alert& alert) {
   QStringList paragraphs;
   if (!alert.informativeKey.empty()) paragraphs << localizedText(alert.informativeKey);
-  QString detail = QString::fromStdString(alert.detail).trimmed();
-  if (detail.size() > kLongestDetail) detail = detail.first(kLongestDetail) + QChar(0x2026);
+  const QString detail = shortened(QString::fromStdString(alert.detail).trimmed(), kLongestDetail);
   if (!detail.isEmpty()) {
     paragraphs << QString::fromStdString(
         format(localizedString("AlertDetail"), detail.toStdString()));

@@ -6,13 +6,13 @@
 
 #include "platform/foundation/placeholders.h"
 #include "platform/foundation/strings_table.h"
+#include "ui/shortened_text.h"
 #include "ui/view_parts.h"
 
 namespace kelvane {
 namespace {
 
 constexpr qsizetype kNamesAtMost = 4;
-constexpr qsizetype kLongestName = 60;
 
 /// The text of `key` with its placeholder filled.
 QString filled(const std::string& key, const QString& value) {
@@ -30,8 +30,7 @@ QString countText(uint64_t count, const char* keyOfOne, const char* keyOfMany) {
 }
 
 QString quoted(const QString& name) {
-  const bool isLong = name.size() > kLongestName;
-  return filled("QuotedName", isLong ? name.first(kLongestName) + QChar(0x2026) : name);
+  return filled("QuotedName", shortenedName(name));
 }
 
 }  // namespace

@@ -9,16 +9,14 @@
 #include "platform/foundation/placeholders.h"
 #include "platform/foundation/strings_table.h"
 #include "ui/roomy_button.h"
+#include "ui/shortened_text.h"
 #include "ui/view_parts.h"
 
 namespace kelvane {
 namespace {
 
-constexpr size_t kLongestName = 60;
-
 void setTexts(QMessageBox& box, const CopyConflict& conflict) {
-  std::string name = conflict.name;
-  if (name.size() > kLongestName) name = QString::fromStdString(name).first(40).toStdString() + "…";
+  const std::string name = shortenedName(QString::fromStdString(conflict.name)).toStdString();
   box.setWindowTitle(QGuiApplication::applicationDisplayName());
   box.setIcon(QMessageBox::Question);
   box.setTextFormat(Qt::PlainText);

@@ -319,6 +319,18 @@ TEST_F(TakenNames, AreBothKeptByReturnAndTheCopyIsCancelledByEscape) {
   EXPECT_EQ(alert(), nullptr) << "who has cancelled it knows";
 }
 
+TEST_F(TakenNames, AreToldAsTheyAreWhereTheirCharactersHaveSeveralBytes) {
+  std::string name;
+  for (int count = 0; count < 25; ++count) name += "漢";
+  write(from(name), "new");
+  write(to(name), "old");
+  drop(*filesOf({from(name)}));
+  awaitQuestion();
+  EXPECT_THAT(question()->text().toStdString(), ::testing::HasSubstr("“" + name + "”"));
+  answer("copySkip");
+  waitUntilCopied();
+}
+
 TEST_F(TakenNames, OfAFolderCannotBeReplacedByAFile) {
   fs::remove(to("a"));
   fs::create_directory(to("a"));
