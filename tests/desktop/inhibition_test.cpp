@@ -130,6 +130,38 @@ TEST_F(Inhibiting, LogoutThatIsGrantedTooLateIsLetGoAtOnce) {
   turnUntil([&portal] { return portal.held == 0; });
 }
 
+TEST_F(Inhibiting, LogoutThatIsGrantedAfterThePatienceEndsWithTheObject) {
+  FakePortal portal(bus_.services());
+  portal.manner = Manner::Waits;
+  {
+    int answers = 0;
+    const LogoutInhibition inhibition(
+        "Writing to the disc", [&answers] { ++answers; }, kShortPatience);
+    turnUntil([&] { return answers == 1 && !portal.calls.empty(); });
+    EXPECT_FALSE(inhibition.isHeld());
+    portal.answerNow();
+    turnUntil([&inhibition] { return inhibition.isHeld(); });
+    EXPECT_EQ(answers, 1);
+    EXPECT_EQ(portal.held, 1);
+  }
+  turnUntil([&portal] { return portal.held == 0; });
+  EXPECT_THAT(portal.calls, ElementsAre("1 | Writing to the disc", "Close /request/1"));
+  EXPECT_THAT(log_.lines(), ElementsAre("Logging out is not held off: no answer in time"));
+}
+
+TEST_F(Inhibiting, LogoutThatIsGrantedAfterThePatienceAndTheObjectIsLetGoAtOnce) {
+  FakePortal portal(bus_.services());
+  portal.manner = Manner::Waits;
+  {
+    bool answered = false;
+    const LogoutInhibition inhibition(
+        "Writing to the disc", [&answered] { answered = true; }, kShortPatience);
+    turnUntil([&] { return answered && !portal.calls.empty(); });
+  }
+  portal.answerNow();
+  turnUntil([&portal] { return portal.held == 0; });
+}
+
 TEST_F(Inhibiting, WithoutAPortalNothingIsSaid) {
   const LogoutInhibition inhibition("Writing to the disc");
   turn();
