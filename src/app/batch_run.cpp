@@ -235,6 +235,12 @@ void BatchRun::beginAlertSheet(const Alert& alert, std::function<void(int)>) {
     say("%@", line);
     return;
   }
+  if (stage_ == Stage::Closing && discards()) {
+    // It tells what has become of changes that nobody wants.
+    outcome_.state = "discarded";
+    say("%@", line);
+    return;  // The controller's own clean-up follows.
+  }
   if (stage_ == Stage::Burning || stage_ == Stage::Closing || stage_ == Stage::Confirming) {
     outcome_.state = "burn-failed";
     outcome_.error = line;

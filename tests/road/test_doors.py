@@ -57,6 +57,32 @@ class Doors(RoadTest):
         # The list could not be written; the deleted item's empty stand-in is all that tells of it.
         self.assertEqual(self.check_refusal(".$n.hide", ["a.txt", "new.txt"]), "")
 
+    def run_that_loses_its_deletions(self, command_status=0, options=(), status=0):
+        """Runs a command that deletes a file, and that puts things where deletions are noted, so that this one cannot be."""
+        outcome = self.batch(self.disc, "sh", "-ec",
+                             f'rm a.txt; cd "{self.temporary}"; n=$(ls | grep "^[0-9]*$"); rmdir "$n"; '
+                             f'ln -s "{self.victim}" "$n"; ln -s "{self.victim}" ".$n.hide"; exit {command_status}',
+                             options=options, status=status)
+        told = [line for line in outcome["lines"] if "prepared: The list of deleted files" in line]
+        self.assertEqual(len(told), 1, outcome["lines"])
+        self.assertEqual(sha256_of(os.path.join(self.disc, "sectors")), self.before)
+        with open(self.victim, encoding="utf-8") as file:
+            self.assertEqual(file.read(), "precious")
+        return outcome
+
+    def test_deletions_that_cannot_be_noted_make_a_run_fail(self):
+        outcome = self.run_that_loses_its_deletions(status=BURN_FAILED)
+        self.assertEqual(outcome["state"], "burn-failed")
+
+    def test_deletions_that_cannot_be_noted_do_not_make_a_run_fail_that_discards_them(self):
+        outcome = self.run_that_loses_its_deletions(options=("--discard",))
+        self.assertEqual((outcome["state"], outcome["error"]), ("discarded", None))
+
+    def test_deletions_that_cannot_be_noted_leave_a_failed_command_its_own_status(self):
+        outcome = self.run_that_loses_its_deletions(command_status=42, status=42)
+        self.assertEqual(outcome["state"], "command-failed")
+        self.assertIn("ended with status 42", outcome["error"])
+
     def test_what_is_new_can_be_read_by_its_owner_alone(self):
         outcome = self.batch(self.disc, "sh", "-ec",
                              f'umask 0; echo new > new.txt; rm a.txt; stat -c "%a %F" "{self.temporary}"/[0-9]*',
