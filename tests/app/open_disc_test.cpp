@@ -13,6 +13,7 @@
 #include "overlayfs/burn_fs_delegate.h"
 #include "platform/foundation/main_thread.h"
 #include "platform/foundation/user_defaults.h"
+#include "platform/recording/dr_notification_center.h"
 #include "platform/volumes/mount_table.h"
 
 namespace kelvane::test {
@@ -220,6 +221,31 @@ TEST_F(OpenDisc, ThatIsTakenOutLosesItsChangesAndStillHearsOfItsSize) {
   window_.sizes.clear();
   NotificationCenter::defaultCenter().post(kKelvaneFSSizeChanged, nullptr);
   EXPECT_TRUE(waitFor([this] { return !window_.sizes.empty(); }));
+}
+
+TEST_F(OpenDisc, KeepsItsChangesWhileTheDriveSpinsUpAgain) {
+  std::ofstream(volume_ + "/new.txt") << "new";
+  bool isLookedAt = false;
+  DRNotificationCenter& center = DRNotificationCenter::currentRunLoopCenter();
+  center.addObserver(
+      this, [&isLookedAt](const Notification&) { isLookedAt = true; },
+      DRDeviceStatusChangedNotification, device_);
+  std::ofstream(disc_ + "/faults") << "on ready and later: sense 2/04/01\n";
+  EXPECT_TRUE(waitFor([&isLookedAt] { return isLookedAt; }));
+  EXPECT_TRUE(device_->mediaIsTransitioning());
+  controller_->performScanForMedia();
+  EXPECT_TRUE(controller_->mediaIsMounted());
+  isLookedAt = false;
+  fs::remove(disc_ + "/faults");
+  EXPECT_TRUE(waitFor([&isLookedAt] { return isLookedAt; }));
+  center.removeObserver(this);
+  EXPECT_FALSE(device_->mediaIsTransitioning());
+  EXPECT_TRUE(fs::exists(volume_ + "/new.txt"));
+  EXPECT_TRUE(fs::exists(paths::hiddenMountPoint() + "/a.txt"));
+  controller_->closeVolume();
+  ASSERT_TRUE(waitFor([this] { return window_.asksToBurn; }));
+  controller_->burnConfirmationDidCancel();
+  EXPECT_TRUE(waitFor([this] { return controller_->currentDevice() == nullptr; }));
 }
 
 class OpenLargeDisc : public OpenDiscTest {

@@ -92,11 +92,18 @@ bool Drive::writesCD() const {
 }
 
 // Who cannot ask knows nothing of the disc, least of all that it has gone: with a disc go the
-// changes of its volume.
+// changes of its volume. A drive that becomes ready does not know yet what is in it, and it does so
+// with the same disc when it spins up again after a read error or a reset. One that was opened has
+// said so before.
 void Drive::askForState() const {
   NotingTransport transport(*transport_);
   const MediaState state = readMediaState(transport);
-  if (transport.everyQuestionWasPut()) lastState_ = state;
+  if (!transport.everyQuestionWasPut()) return;
+  if (state.transitioning && lastState_.present) {
+    lastState_.transitioning = true;
+  } else {
+    lastState_ = state;
+  }
 }
 
 MediaState Drive::mediaState() const {
@@ -173,6 +180,7 @@ bool Drive::openTray() {
   }
   if (!answer.isGood()) return false;
   ++trayOpenings_;
+  forgetDisc();
   return true;
 }
 
@@ -184,7 +192,14 @@ bool Drive::closeTray() {
 std::optional<mmc::MediaEventStatus> Drive::mediaEvent() const {
   const std::lock_guard guard(mutex_);
   if (leftAlone_) return std::nullopt;
-  return mmc::readMediaEvent(*transport_);
+  const auto event = mmc::readMediaEvent(*transport_);
+  if (event && event->trayOpen) forgetDisc();
+  return event;
+}
+
+// The tray is open: whatever is in the drive next may be another disc.
+void Drive::forgetDisc() const {
+  lastState_ = {};
 }
 
 void Drive::leaveAlone() {

@@ -50,7 +50,9 @@ class Drive {
   bool writesCD() const;
 
   /// Asks the drive, or repeats what it last said where it is being recorded on or cannot be asked
-  /// now. A drive that is gone has no disc.
+  /// now. A drive that is gone has no disc. One that becomes ready has the disc that it had, until
+  /// it is found with its tray open or without a disc; what it has then is read anew when it is
+  /// ready.
   MediaState mediaState() const;
   DRDeviceStatus status() const;
   /// The blocks that a medium which is written over at will has in all; empty where the drive does
@@ -91,6 +93,7 @@ class Drive {
  private:
   void learnNames() const;
   void askForState() const;
+  void forgetDisc() const;
 
   DriveIdentity identity_;
   std::unique_ptr<mmc::Transport> transport_;

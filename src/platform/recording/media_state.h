@@ -13,7 +13,7 @@ namespace kelvane {
 /// What is in a drive at one moment, as far as it tells one state from another.
 struct MediaState {
   bool present = false;
-  bool transitioning = false;
+  bool transitioning = false;  ///< The drive becomes ready; `present` or not.
   bool blank = false;
   bool appendable = false;
   mmc::Profile profile = mmc::Profile::None;
@@ -25,7 +25,8 @@ struct MediaState {
   friend bool operator==(const MediaState&, const MediaState&) = default;
 };
 
-/// Asks a drive for its state. A drive that does not answer has no disc.
+/// Asks a drive for its state. A drive that does not answer has no disc, nor has one that does not
+/// know its disc yet; that is `transitioning`.
 MediaState readMediaState(mmc::Transport& transport);
 
 /// Asks a drive for the tracks on its disc. Left out are those of last sessions that hold no
