@@ -31,6 +31,7 @@ namespace {
 
 constexpr std::chrono::milliseconds kSettlingPoll{100};
 constexpr char kImageBuilder[] = "mkisofs";
+constexpr char kNoNextSession[] = "The drive does not say where the next session may begin.";
 
 }  // namespace
 
@@ -42,7 +43,9 @@ void KVController::burnCD() {
   burnImagePath_ = paths::burnImage(tmpDirPath_);
   quellbrook::unmount(device, *services_.volumes);
   if (!sessionString) {
-    imagingFailed("The drive does not say where the next session may begin.");
+    // The changes are as good as ever: the drive may say so another time.
+    systemLog("CD imaging refused. %@", kNoNextSession);
+    refuseBurn("CreateTrackAbortedWithError", withPlainReason(kNoNextSession, tmpDirPath_));
     return;
   }
 

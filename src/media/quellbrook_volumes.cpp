@@ -70,10 +70,11 @@ std::optional<std::string> remounthidden(const DRDevice& device, VolumeServices&
   const std::string hiddenMountPoint = paths::hiddenMountPoint();
   services.createDirectory(hiddenMountPoint);
   const std::string bsdName = mountableBsdName(device);
-  const int64_t sessionStart = lastSessionStart(device.status()).value_or(0);
-  const std::unique_ptr<MountRequest> request =
-      services.requestMount({bsdName, sessionStart, hiddenMountPoint});
-  if (awaitHiddenMount(hiddenMountPoint, services)) return hiddenMountPoint;
+  // Of a disc whose last session is not known, an earlier one would be shown and continued instead.
+  const std::optional<int64_t> sessionStart = lastSessionStart(device.status());
+  std::unique_ptr<MountRequest> request;
+  if (sessionStart) request = services.requestMount({bsdName, *sessionStart, hiddenMountPoint});
+  if (sessionStart && awaitHiddenMount(hiddenMountPoint, services)) return hiddenMountPoint;
   systemLog("giving up on mounting bsd device %@", bsdName);
   return std::nullopt;
 }

@@ -348,6 +348,23 @@ class KVControllerCDRefusal : public KVControllerCD {
   }
 };
 
+TEST_F(KVControllerCDRefusal, ADriveThatDoesNotSayWhereTheNextSessionBeginsIsNotWrittenOn) {
+  burner_.deviceStatus = {};
+  EXPECT_THAT(burn(), Contains("unmount"));
+  ASSERT_EQ(window_.alerts.size(), 1u);
+  EXPECT_EQ(window_.alerts[0].messageKey, "CreateTrackAbortedWithError");
+  EXPECT_EQ(window_.alerts[0].informativeKey, "SessionNotPreparedLong");
+  EXPECT_THAT(window_.alerts[0].detail,
+              AllOf(HasSubstr("ReasonNoNextSession"), HasSubstr(overlay_ + ".kept.")));
+  EXPECT_THAT(log_.lines(),
+              Contains("CD imaging refused. The drive does not say where the next session may "
+                       "begin."));
+  EXPECT_TRUE(fs::exists(overlay_ + ".kept/a.txt"));
+  EXPECT_THAT(bundle_.notes(), Not(HasSubstr("mkisofs")));
+  EXPECT_EQ(controller_.currentDevice(), nullptr);
+  EXPECT_FALSE(controller_.burnInProgress());
+}
+
 TEST_F(KVControllerCDRefusal, AnotherDiscThanTheOneThatWasOpenedIsNotWrittenTo) {
   openDiscWithIdentity("the disc");
   burner_.identity = "another disc";

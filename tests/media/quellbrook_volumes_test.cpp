@@ -210,6 +210,14 @@ TEST_F(VolumeControlTest, WhatThe151stReadSeesIsNeverLookedAt) {
   EXPECT_EQ(log_.lines(), (Lines{"unmount attempt 0", "giving up on mounting bsd device disk2s0"}));
 }
 
+TEST_F(VolumeControlTest, ADiscWhoseLastSessionTheDriveDoesNotTellIsNotMounted) {
+  services_.addVisible("/Volumes/DISC", "/dev/disk2");
+  device_.deviceStatus = {};
+  EXPECT_EQ(remounthidden(device_, services_), std::nullopt);
+  EXPECT_TRUE(services_.requests.empty()) << "the first session would be taken for the last";
+  EXPECT_EQ(log_.lines(), (Lines{"unmount attempt 0", "giving up on mounting bsd device disk2s0"}));
+}
+
 TEST_F(VolumeControlTest, ADiscThatDoesNotComeIsGivenUpAfterFifteenSeconds) {
   services_.addVisible("/Volumes/DISC", "/dev/disk2");
   EXPECT_EQ(remounthidden(device_, services_), std::nullopt);

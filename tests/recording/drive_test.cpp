@@ -1,16 +1,22 @@
 // SPDX-License-Identifier: GPL-2.0-or-later
 #include "platform/recording/drive.h"
 
-#include <gtest/gtest.h>
+#include <gmock/gmock.h>
 
+#include <algorithm>
 #include <cerrno>
 #include <memory>
+#include <optional>
+#include <string_view>
+#include <vector>
 
 #include "recording/scripted_transport.h"
 
 namespace kelvane {
 namespace {
 
+using ::testing::ElementsAre;
+using ::testing::IsEmpty;
 using testing::ScriptedTransport;
 
 constexpr mmc::Sense kBecomingReady{0x02, 0x04, 0x01};
@@ -125,6 +131,144 @@ TEST_F(DriveThatBecomesReady, AfterItHasToldOfItsOpenTrayHasNoDiscYet) {
   ASSERT_TRUE(event && event->trayOpen);
   transport_->answerCheckCondition(kBecomingReady);
   EXPECT_FALSE(drive_.mediaState().present);
+}
+
+constexpr int32_t kStarts[] = {0, 11702, 25000, 40000};
+
+// A CD-R with three sessions of a track each, and the open track behind them.
+class DriveWithSessions : public ::testing::Test {
+ protected:
+  DriveWithSessions() {
+    transport_->silence = ETIMEDOUT;
+    answerForState();
+  }
+
+  void answerForState(uint8_t sessions = 4) {
+    std::vector<uint8_t> configuration(8);
+    configuration[3] = 4;
+    configuration[7] = 0x09;
+    transport_->answerGood();               // TEST UNIT READY
+    transport_->answerGood(configuration);  // GET CONFIGURATION
+    answerForDisc(sessions);
+    answerForTrack(sessions);
+  }
+
+  void answerForDisc(uint8_t sessions = 4) {
+    std::vector<uint8_t> reply(34);
+    reply[2] = 1;  // Open, the last session empty.
+    reply[3] = 1;
+    reply[4] = sessions;
+    reply[5] = sessions;
+    reply[6] = sessions;
+    transport_->answerGood(reply);
+  }
+
+  void answerForTrack(uint8_t number) {
+    std::vector<uint8_t> reply(36);
+    reply[2] = number;
+    reply[3] = number;
+    reply[7] = 1;  // The next writable address is valid.
+    for (const size_t field : {size_t{8}, size_t{12}}) {
+      for (size_t byte = 0; byte < 4; ++byte) {
+        reply[field + byte] = static_cast<uint8_t>(kStarts[number - 1] >> (24 - 8 * byte));
+      }
+    }
+    transport_->answerGood(reply);
+  }
+
+  void answerForTracks() {
+    answerForDisc();
+    for (uint8_t number = 1; number <= 4; ++number) answerForTrack(number);
+  }
+
+  void answerForSector(std::string_view content) {
+    std::vector<uint8_t> sector(2048);
+    std::copy(content.begin(), content.end(), sector.begin() + 1);
+    transport_->answerGood(sector);
+  }
+
+  /// Of the first tracks on the disc, as the drive tells now; empty where it does not say.
+  std::vector<std::optional<int64_t>> starts() {
+    const DRDeviceStatus status = drive_.status();
+    std::vector<std::optional<int64_t>> found;
+    if (!status.DRDeviceMediaInfoKey) return found;
+    for (const DRTrackReference track : status.DRDeviceMediaInfoKey->DRDeviceTrackRefsKey) {
+      found.push_back(
+          status.DRDeviceMediaInfoKey->DRDeviceTrackInfoKey.at(track).DRTrackStartAddressKey);
+    }
+    return found;
+  }
+
+  void readOnce() {
+    ASSERT_TRUE(drive_.mediaState().present);
+    answerForTracks();
+    answerForSector("CD001");
+    ASSERT_THAT(starts(), ElementsAre(0, 11702, 25000, 40000));
+  }
+
+  ScriptedTransport* transport_ = new ScriptedTransport;
+  Drive drive_{{}, std::unique_ptr<mmc::Transport>(transport_)};
+};
+
+TEST_F(DriveWithSessions, HasThoseThatItHadWhereItsLastOneIsNotReadInTime) {
+  readOnce();
+  answerForTracks();
+  transport_->answerUnreachable(ETIMEDOUT);
+  answerForSector("CD001");
+  EXPECT_THAT(starts(), ElementsAre(0, 11702, 25000, 40000)) << "the next one would lack its files";
+}
+
+TEST_F(DriveWithSessions, HasThoseThatItHadWhereNothingCanBeAsked) {
+  readOnce();
+  EXPECT_THAT(starts(), ElementsAre(0, 11702, 25000, 40000));
+  drive_.leaveAlone();
+  EXPECT_THAT(starts(), ElementsAre(0, 11702, 25000, 40000));
+}
+
+TEST_F(DriveWithSessions, LeavesOutALastOneThatHoldsNothing) {
+  readOnce();
+  answerForTracks();
+  answerForSector("");
+  answerForSector("CD001");
+  EXPECT_THAT(starts(), ElementsAre(0, 11702, 40000));
+}
+
+TEST_F(DriveWithSessions, DoesNotSayWhichWhereItIsNotReadInTimeTheFirstTime) {
+  ASSERT_TRUE(drive_.mediaState().present);
+  answerForTracks();
+  transport_->answerUnreachable(ETIMEDOUT);
+  answerForSector("CD001");
+  EXPECT_THAT(starts(), IsEmpty());
+}
+
+TEST_F(DriveWithSessions, DoesNotSayWhichWhileItBecomesReady) {
+  readOnce();
+  answerForTracks();
+  transport_->answerCheckCondition(kBecomingReady);
+  answerForSector("CD001");
+  EXPECT_THAT(starts(), IsEmpty());
+}
+
+TEST_F(DriveWithSessions, DoesNotGiveThoseOfAnotherDisc) {
+  readOnce();
+  answerForState(2);
+  EXPECT_TRUE(drive_.mediaState().present);
+  EXPECT_THAT(starts(), IsEmpty());
+}
+
+TEST_F(DriveWithSessions, DoesNotGiveThoseFromBeforeARecording) {
+  readOnce();
+  drive_.leaveAlone();
+  drive_.askAgain();
+  EXPECT_THAT(starts(), IsEmpty());
+}
+
+TEST_F(DriveWithSessions, DoesNotGiveThoseFromBeforeItsTrayWasOpened) {
+  readOnce();
+  transport_->answerGood();  // PREVENT ALLOW MEDIUM REMOVAL
+  transport_->answerGood();  // START STOP UNIT
+  ASSERT_TRUE(drive_.openTray());
+  EXPECT_THAT(starts(), IsEmpty());
 }
 
 }  // namespace

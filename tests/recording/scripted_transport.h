@@ -20,6 +20,10 @@ class ScriptedTransport : public mmc::Transport {
   void answerCheckCondition(mmc::Sense sense) {
     answers_.push_back({mmc::Status::CheckCondition, sense, {}});
   }
+  /// One question that the drive cannot be reached with, for that reason.
+  void answerUnreachable(int errorNumber) {
+    answers_.push_back({mmc::Status::Unreachable, {}, {}, errorNumber});
+  }
 
   mmc::Answer read(std::span<const uint8_t> commandBlock, std::span<uint8_t> data,
                    std::chrono::milliseconds) override {
@@ -36,7 +40,7 @@ class ScriptedTransport : public mmc::Transport {
 
   std::vector<std::vector<uint8_t>> commands;
   std::vector<std::vector<uint8_t>> written;  ///< Those of them that set something in the drive.
-  int silence = 0;  ///< An errno value.
+  int silence = 0;                            ///< An errno value.
 
  private:
   mmc::Answer next(std::span<uint8_t> data) {
@@ -49,6 +53,7 @@ class ScriptedTransport : public mmc::Transport {
     answers_.pop_front();
     answer.status = scripted.status;
     answer.sense = scripted.sense;
+    answer.errorNumber = scripted.errorNumber;
     answer.transferred = std::min(scripted.data.size(), data.size());
     std::copy_n(scripted.data.begin(), answer.transferred, data.begin());
     return answer;
@@ -58,6 +63,7 @@ class ScriptedTransport : public mmc::Transport {
     mmc::Status status;
     mmc::Sense sense;
     std::vector<uint8_t> data;
+    int errorNumber = 0;
   };
 
   std::deque<Scripted> answers_;

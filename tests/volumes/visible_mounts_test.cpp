@@ -3,6 +3,7 @@
 
 #include <filesystem>
 #include <fstream>
+#include <utility>
 
 #include "platform/foundation/paths.h"
 #include "platform/volumes/mount_table.h"
@@ -197,6 +198,22 @@ TEST_F(VisibleMountsTest, AHeldDiscThatLeavesTakesItsHiddenMountAlong) {
   drive_.present = false;
   mounts.update(drive_);
   EXPECT_FALSE(isMountPoint(paths::hiddenMountPoint()));
+}
+
+TEST_F(VisibleMountsTest, ADriveThatDoesNotSayWhatIsOnTheDiscKeepsItsMountsUntilItDoes) {
+  VisibleMounts mounts;
+  mounts.update(drive_);
+  const DRDeviceStatus status = std::exchange(drive_.deviceStatus, {});
+  mounts.update(drive_);
+  EXPECT_TRUE(isMountedFrom(visible("DISC"), "/dev/kv0s0"));
+  mounts.hold("kv0");
+  mountAt("kv0", paths::hiddenMountPoint());
+  mounts.update(drive_);
+  EXPECT_TRUE(isMountPoint(paths::hiddenMountPoint()));
+  drive_.deviceStatus = status;
+  drive_.deviceStatus.DRDeviceMediaInfoKey->DRDeviceTrackInfoKey.clear();
+  mounts.update(drive_);
+  EXPECT_TRUE(volumesAreEmpty());
 }
 
 TEST_F(VisibleMountsTest, ASessionThatWasAddedMeanwhileIsTheOneMountedNext) {

@@ -34,7 +34,8 @@ struct DRDeviceMediaInfo {
   std::optional<int64_t> DRDeviceMediaBlocksFreeKey;
 };
 
-/// The state of a drive. The media information is absent while no readable disc is in the drive.
+/// The state of a drive. The media information is absent while no readable disc is in the drive,
+/// and while the drive does not say what is on it.
 struct DRDeviceStatus {
   std::optional<DRDeviceMediaInfo> DRDeviceMediaInfoKey;
 };

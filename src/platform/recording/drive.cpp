@@ -11,6 +11,7 @@
 #include "platform/recording/mmc/format_capacities.h"
 #include "platform/recording/mmc/inquiry.h"
 #include "platform/recording/mmc/tray.h"
+#include "platform/recording/mmc/unit_ready.h"
 
 namespace kelvane {
 namespace {
@@ -23,13 +24,15 @@ bool meansThatDriveIsGone(int errorNumber) {
          errorNumber == ENOMEDIUM;
 }
 
-/// A drive's transport that notes whether a question could not be put to a drive that may be there:
-/// no descriptor is left, the right to the node was taken away, no answer came in time.
+/// A drive's transport that notes whether a question could not be put to a drive that may be there
+/// (no descriptor is left, the right to the node was taken away, no answer came in time), and
+/// whether the drive asked for patience.
 class NotingTransport : public mmc::Transport {
  public:
   explicit NotingTransport(mmc::Transport& drive) : drive_(drive) {}
 
   bool everyQuestionWasPut() const { return everyQuestionWasPut_; }
+  bool driveBecomesReady() const { return driveBecomesReady_; }
 
   mmc::Answer read(std::span<const uint8_t> commandBlock, std::span<uint8_t> data,
                    std::chrono::milliseconds timeLimit) override {
@@ -45,11 +48,13 @@ class NotingTransport : public mmc::Transport {
     if (answer.status == mmc::Status::Unreachable && !meansThatDriveIsGone(answer.errorNumber)) {
       everyQuestionWasPut_ = false;
     }
+    if (mmc::readinessFrom(answer) == mmc::Readiness::BecomingReady) driveBecomesReady_ = true;
     return answer;
   }
 
   mmc::Transport& drive_;
   bool everyQuestionWasPut_ = true;
+  bool driveBecomesReady_ = false;
 };
 
 }  // namespace
@@ -99,10 +104,24 @@ void Drive::askForState() const {
   NotingTransport transport(*transport_);
   const MediaState state = readMediaState(transport);
   if (!transport.everyQuestionWasPut()) return;
+  if (state != lastState_) lastStatus_ = {};
   if (state.transitioning && lastState_.present) {
     lastState_.transitioning = true;
   } else {
     lastState_ = state;
+  }
+}
+
+// A session that was not found since a question was not answered would be missing from all that is
+// recorded from then on. Who cannot ask goes by what was read of the same disc before; while the
+// drive becomes ready, the disc may be another one.
+void Drive::askForStatus() const {
+  NotingTransport transport(*transport_);
+  DRDeviceStatus status = readDeviceStatus(transport);
+  if (transport.driveBecomesReady()) {
+    lastStatus_ = {};
+  } else if (transport.everyQuestionWasPut()) {
+    lastStatus_ = std::move(status);
   }
 }
 
@@ -114,7 +133,7 @@ MediaState Drive::mediaState() const {
 
 DRDeviceStatus Drive::status() const {
   const std::lock_guard guard(mutex_);
-  if (!leftAlone_) lastStatus_ = readDeviceStatus(*transport_);
+  if (!leftAlone_) askForStatus();
   return lastStatus_;
 }
 
@@ -129,7 +148,8 @@ std::string Drive::mediaIdentity() const {
   if (leftAlone_) return {};
   NotingTransport transport(*transport_);
   const std::string identity = readMediaIdentity(transport);
-  return transport.everyQuestionWasPut() ? identity : std::string();
+  const bool isAnswered = transport.everyQuestionWasPut() && !transport.driveBecomesReady();
+  return isAnswered ? identity : std::string();
 }
 
 bool Drive::acquireExclusiveAccess() {
@@ -200,6 +220,7 @@ std::optional<mmc::MediaEventStatus> Drive::mediaEvent() const {
 // The tray is open: whatever is in the drive next may be another disc.
 void Drive::forgetDisc() const {
   lastState_ = {};
+  lastStatus_ = {};
 }
 
 void Drive::leaveAlone() {
@@ -207,12 +228,13 @@ void Drive::leaveAlone() {
   if (leftAlone_) return;
   learnNames();
   askForState();
-  lastStatus_ = readDeviceStatus(*transport_);
+  askForStatus();
   leftAlone_ = true;
 }
 
 void Drive::askAgain() {
   const std::lock_guard guard(mutex_);
+  if (leftAlone_) lastStatus_ = {};  // The disc was recorded on.
   leftAlone_ = false;
 }
 

@@ -54,13 +54,15 @@ class Drive {
   /// it is found with its tray open or without a disc; what it has then is read anew when it is
   /// ready.
   MediaState mediaState() const;
+  /// Where the drive cannot be asked now, what was read of the same disc before. Without media
+  /// information where nothing was, and while the drive becomes ready.
   DRDeviceStatus status() const;
   /// The blocks that a medium which is written over at will has in all; empty where the drive does
   /// not say, or is left alone.
   std::optional<uint32_t> formatCapacity() const;
 
-  /// Tells the disc from others, as readMediaIdentity does; empty where the drive is left alone or
-  /// cannot be asked now.
+  /// Tells the disc from others, as readMediaIdentity does; empty where the drive is left alone,
+  /// cannot be asked now or becomes ready.
   std::string mediaIdentity() const;
 
   bool acquireExclusiveAccess();
@@ -93,6 +95,7 @@ class Drive {
  private:
   void learnNames() const;
   void askForState() const;
+  void askForStatus() const;
   void forgetDisc() const;
 
   DriveIdentity identity_;

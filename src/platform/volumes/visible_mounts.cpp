@@ -15,10 +15,8 @@
 namespace kelvane {
 namespace {
 
-// Where the session to be mounted begins; empty where there is nothing to mount.
-std::optional<int64_t> mountableSessionStart(const DRDevice& device) {
-  if (!device.isValid() || !device.mediaIsPresent() || device.mediaIsBlank()) return std::nullopt;
-  return lastSessionStart(device.status());
+bool hasWrittenDisc(const DRDevice& device) {
+  return device.isValid() && device.mediaIsPresent() && !device.mediaIsBlank();
 }
 
 bool isMountedByOthers(const std::string& bsdName) {
@@ -89,7 +87,11 @@ void VisibleMounts::update(DRDevice& device) {
     return;
   }
   const bool isReal = !device.emulatedDisc();
-  const std::optional<int64_t> sessionStart = mountableSessionStart(device);
+  const bool isWritten = hasWrittenDisc(device);
+  const DRDeviceStatus status = isWritten ? device.status() : DRDeviceStatus();
+  // Who does not say what is on the disc has not said that it is another one.
+  if (isWritten && !status.DRDeviceMediaInfoKey) return;
+  const std::optional<int64_t> sessionStart = lastSessionStart(status);
   if (!sessionStart) {
     unmountAllOf(bsdName);
     if (isReal && !device.mediaIsPresent() && isMountedByOthers(bsdName)) {
