@@ -8,6 +8,7 @@
 #include <QSpacerItem>
 #include <QStringList>
 #include <algorithm>
+#include <utility>
 #include <vector>
 
 #include "platform/foundation/placeholders.h"
@@ -130,7 +131,7 @@ QDialog* openAlertSheet(QWidget* parent, const Alert& alert,
   box->setAttribute(Qt::WA_DeleteOnClose);
   box->setWindowModality(Qt::WindowModal);
   const std::vector<QPushButton*> buttons = fill(*box, alert);
-  QObject::connect(box, &QMessageBox::finished, parent, [box, buttons, didEnd] {
+  QObject::connect(box, &QMessageBox::finished, parent, [box, buttons, didEnd = std::move(didEnd)] {
     if (didEnd) didEnd(returnCodeOf(*box, buttons));
   });
   box->open();

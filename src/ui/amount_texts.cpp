@@ -65,7 +65,7 @@ QString itemsText(uint64_t files, uint64_t folders) {
 QString namesText(const QStringList& names) {
   QStringList shown;
   for (const QString& name : names.first(qMin(names.size(), kNamesAtMost))) shown << quoted(name);
-  const QString list = shown.join(QStringLiteral(", "));
+  QString list = shown.join(QStringLiteral(", "));
   const qsizetype more = names.size() - shown.size();
   if (more == 0) return list;
   return QString::fromStdString(format(localizedString("AndMore"), list.toStdString(), more));

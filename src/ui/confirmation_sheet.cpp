@@ -191,7 +191,7 @@ void ConfirmationSheet::begin() {
 }
 
 void ConfirmationSheet::reject() {
-  if (question_ != nullptr) return;
+  if (question_) return;
   const Alert question{.style = Alert::Style::Warning,
                        .buttonKeys = {"BurnConfirmationDiscard", "DiscardChangesKeep"},
                        .messageKey = "DiscardChanges",
@@ -206,9 +206,9 @@ void ConfirmationSheet::reject() {
 // The changes in question have gone with the sheet, and the next one is about those of another
 // disc.
 void ConfirmationSheet::done(int result) {
-  if (QDialog* question = std::exchange(question_, nullptr)) {
-    question->disconnect(this);
-    delete question;
+  if (question_) {
+    question_->disconnect(this);
+    delete question_;
   }
   QDialog::done(result);
 }

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <QDialog>
+#include <QPointer>
 #include <cstdint>
 #include <functional>
 #include <span>
@@ -73,7 +74,7 @@ class ConfirmationSheet : public QDialog {
   WarningBox* tooLarge_;
   WarningBox* hiddenToo_;
   WarningBox* shownStill_;
-  QDialog* question_ = nullptr;
+  QPointer<QDialog> question_;
 };
 
 }  // namespace kelvane

@@ -5,6 +5,7 @@
 #include <QGuiApplication>
 #include <QMessageBox>
 #include <map>
+#include <utility>
 
 #include "platform/foundation/placeholders.h"
 #include "platform/foundation/strings_table.h"
@@ -58,11 +59,12 @@ QDialog* openCopyQuestion(
   add("copySkip", "CopySkip", ConflictAnswer::Skip, QMessageBox::AcceptRole);
   box->setEscapeButton(add("copyCancelAll", "Cancel", std::nullopt, QMessageBox::RejectRole));
 
-  QObject::connect(box, &QMessageBox::finished, parent, [box, forAll, answers, answered] {
-    const auto clicked = answers.find(box->clickedButton());
-    const auto scope = forAll->isChecked() ? CopyQuestionScope::All : CopyQuestionScope::This;
-    answered(clicked == answers.end() ? std::nullopt : clicked->second, scope);
-  });
+  QObject::connect(
+      box, &QMessageBox::finished, parent, [box, forAll, answers, answered = std::move(answered)] {
+        const auto clicked = answers.find(box->clickedButton());
+        const auto scope = forAll->isChecked() ? CopyQuestionScope::All : CopyQuestionScope::This;
+        answered(clicked == answers.end() ? std::nullopt : clicked->second, scope);
+      });
   box->open();
   return box;
 }
