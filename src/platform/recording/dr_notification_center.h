@@ -12,8 +12,8 @@ namespace kelvane {
 /// A drive was added or has gone, its tray was opened or closed, its disc has changed. The object
 /// is the DRDevice; there is no user information.
 inline constexpr char DRDeviceStatusChangedNotification[] = "DRDeviceStatusChangedNotification";
-/// The button of a drive was pressed, and the tray stays shut, since a program has claimed the disc.
-/// The object is the DRDevice; there is no user information.
+/// The button of a drive was pressed, and the tray stays shut, since a program has claimed the
+/// disc. The object is the DRDevice; there is no user information.
 inline constexpr char DRDeviceTrayKeptShutNotification[] = "DRDeviceTrayKeptShutNotification";
 /// A burn has come further. The object is the DRBurn, the user information its DRBurnStatus.
 inline constexpr char DRBurnStatusChangedNotification[] = "DRBurnStatusChangedNotification";
