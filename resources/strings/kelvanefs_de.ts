@@ -613,7 +613,7 @@
     </message>
     <message id="EraseDiscChanged">
         <source>The disc in the drive is another one by now</source>
-        <translation>In dem Laufwerk liegt inzwischen eine andere Disc</translation>
+        <translation>Im Laufwerk liegt jetzt eine andere Disc</translation>
     </message>
     <message id="EraseDiscChangedLong">
         <source>The drive no longer holds the disc that stood in the list. Nothing has been erased. Look which disc is in the drive, and insert the one that you mean.</source>
