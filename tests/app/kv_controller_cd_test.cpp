@@ -62,6 +62,9 @@ class KVControllerCD : public ControllerFixture {
     openDisc();
   }
 
+  // The drive goes before the controller.
+  void TearDown() override { controller_.setCurrentDevice(nullptr); }
+
   /// As it is when the burn is confirmed. Each burn ends with the disc given up.
   void openDisc() {
     fs::create_directories(overlay_);
