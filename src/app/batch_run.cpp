@@ -21,6 +21,7 @@
 #include "platform/foundation/strings_table.h"
 #include "platform/recording/dr_burn_status.h"
 #include "platform/recording/dr_device.h"
+#include "platform/recording/dr_media_types.h"
 #include "platform/recording/dr_notification_center.h"
 #include "platform/userfs/gm_user_file_system.h"
 
@@ -138,6 +139,14 @@ void BatchRun::commandHasEnded() {
 
 void BatchRun::closeVolume() {
   if (stage_ == Stage::Ended) return;
+  if (questionWaits_) {
+    answerBurnQuestion();
+    return;
+  }
+  if (endWaits_) {
+    end();
+    return;
+  }
   if (stage_ != Stage::Closing) say("Closing the volume.");
   stage_ = Stage::Closing;
   if (interruptedBy_) {
@@ -162,12 +171,24 @@ bool BatchRun::discards() const {
   return options_.discard || commandFailed_ || interruptedBy_;
 }
 
+// A command may unmount the volume itself. Whether its changes are wanted shows when it ends.
 void BatchRun::beginBurnConfirmationSheet() {
+  if (options_.name) setBurnConfirmationDiskTitle(*options_.name);
+  if (stage_ == Stage::Running) {
+    questionWaits_ = true;
+  } else {
+    answerBurnQuestion();
+  }
+}
+
+void BatchRun::answerBurnQuestion() {
+  questionWaits_ = false;
   stage_ = Stage::Confirming;
   if (discards()) {
+    outcome_.summary.reset();
     discardChanges();
-  } else if (options_.name) {
-    setBurnConfirmationDiskTitle(*options_.name);
+  } else if (outcome_.summary) {
+    confirmBurn();
   }
 }
 
@@ -179,17 +200,26 @@ void BatchRun::discardChanges() {
 
 // Nobody is asked, so nothing that speaks against it keeps the burn from being tried.
 void BatchRun::setBurnSummary(const BurnSummary& summary) {
-  if (stage_ != Stage::Confirming || discards() || !summary.isComplete) return;
-  for (const std::string& line : linesOf(summary)) say("%@", line);
+  if (discards() || !summary.isComplete) return;
+  if (stage_ != Stage::Confirming && !questionWaits_) return;
   outcome_.summary = summary;
+  if (!questionWaits_) confirmBurn();
+}
+
+void BatchRun::confirmBurn() {
+  for (const std::string& line : linesOf(*outcome_.summary)) say("%@", line);
   stage_ = Stage::Burning;
   performOnMainThread([this] { controller_->burnConfirmationDidConfirm(); });
 }
 
 void BatchRun::setBurnMessage(const std::string& text) {
   say("%@", text);
-  if (text == localizedString("burningchangesdvd")) writingBeginsAt_ = 0.0;
-  if (text == localizedString("burningchangescd")) writingBeginsAt_ = 1.0;
+  const DRDevice* device = controller_->currentDevice();
+  const bool isWriting =
+      text == localizedString("burningchangesdvd") || text == localizedString("burningchangescd");
+  // Of a CD the second half of the bar is the burn itself, of a DVD all of it.
+  if (isWriting && device != nullptr)
+    writingBeginsAt_ = isWritableCd(device->mediaType()) ? 1.0 : 0.0;
   std::error_code failure;
   const std::string image = paths::burnImage(controller_->tmpDirPath());
   const uintmax_t size = std::filesystem::file_size(image, failure);
@@ -197,8 +227,7 @@ void BatchRun::setBurnMessage(const std::string& text) {
 }
 
 void BatchRun::setDoubleValue(double value) {
-  // Of a CD the second half of the bar is the burn itself, of a DVD all of it; a line every tenth
-  // of that is enough.
+  // A line every tenth is enough.
   constexpr double kBarEnd = 2.0;
   // While the image of a CD is built, the bar follows a guess of its size, which may be far off.
   if (!writingBeginsAt_ || !std::isfinite(value)) return;
@@ -235,13 +264,14 @@ void BatchRun::beginAlertSheet(const Alert& alert, std::function<void(int)>) {
     say("%@", line);
     return;
   }
-  if (stage_ == Stage::Closing && discards()) {
+  const bool isClosing = stage_ == Stage::Closing || stage_ == Stage::Running;
+  if (isClosing && discards()) {
     // It tells what has become of changes that nobody wants.
     outcome_.state = "discarded";
     say("%@", line);
     return;  // The controller's own clean-up follows.
   }
-  if (stage_ == Stage::Burning || stage_ == Stage::Closing || stage_ == Stage::Confirming) {
+  if (isClosing || stage_ == Stage::Burning || stage_ == Stage::Confirming) {
     outcome_.state = "burn-failed";
     outcome_.error = line;
     outcome_.exitStatus = static_cast<int>(BatchExit::BurnFailed);
@@ -308,7 +338,10 @@ void BatchRun::terminate() {
 }
 
 void BatchRun::replyToApplicationShouldTerminate(bool shouldTerminate) {
-  if (shouldTerminate) end();
+  if (!shouldTerminate) return;
+  // The command has unmounted the volume itself, and is still at work.
+  endWaits_ = stage_ == Stage::Running && !discHasGone_;
+  if (!endWaits_) end();
 }
 
 void BatchRun::end() {

@@ -60,6 +60,8 @@ class BatchRun final : public WindowlessOutlets {
   void mountFailed(const std::string& reason);
   void burnStatusChanged(const Notification& notification);
   void notOpened(const std::string& reason);
+  void answerBurnQuestion();
+  void confirmBurn();
   void discardChanges();
   void end();
   bool discards() const;
@@ -71,6 +73,8 @@ class BatchRun final : public WindowlessOutlets {
   std::unique_ptr<ChildTask> command_;
   bool commandFailed_ = false;
   bool announcedLoading_ = false;
+  bool questionWaits_ = false;  // Whether to burn, for the command's end.
+  bool endWaits_ = false;       // All else has ended; the command has not.
   std::optional<int> interruptedBy_;
   bool discHasGone_ = false;
   std::optional<uint32_t> sessionsBefore_;

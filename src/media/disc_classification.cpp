@@ -9,10 +9,6 @@ namespace {
 constexpr NominalCapacity kCdCapacity = {"680.0", 680.0};
 constexpr NominalCapacity kDvdCapacity = {"4300.0", 4300.0};
 
-bool isCd(const std::optional<std::string>& mediaType) {
-  return mediaType == DRDeviceMediaTypeCDR || mediaType == DRDeviceMediaTypeCDRW;
-}
-
 bool isDvd(const std::optional<std::string>& mediaType) {
   return mediaType == DRDeviceMediaTypeDVDR || mediaType == DRDeviceMediaTypeDVDPlusRW ||
          mediaType == DRDeviceMediaTypeDVDRW;
@@ -31,14 +27,14 @@ bool isRewritable(const std::optional<std::string>& mediaType) {
 }
 
 std::optional<NominalCapacity> nominalCapacity(const std::optional<std::string>& mediaType) {
-  if (isCd(mediaType)) return kCdCapacity;
+  if (isWritableCd(mediaType)) return kCdCapacity;
   if (isDvd(mediaType)) return kDvdCapacity;
   return std::nullopt;
 }
 
 bool isRefusedType(const std::optional<std::string>& mediaType) {
   if (!mediaType) return false;
-  return !isCd(mediaType) && mediaType != DRDeviceMediaTypeDVDPlusRW &&
+  return !isWritableCd(mediaType) && mediaType != DRDeviceMediaTypeDVDPlusRW &&
          mediaType != DRDeviceMediaTypeDVDRW;
 }
 

@@ -71,6 +71,16 @@ class FaultsOfDvds(Faults):
         for number in (1, 20):
             self.check_all(Fault(f"on command {number}: attention", state="burned", disc="new", log=DVD_BURNED))
 
+    def test_the_progress_until_then_is_told_in_every_language(self):
+        for language in ("C.UTF-8", "de_DE.UTF-8"):
+            with self.subTest(language=language):
+                disc = self.disc_with_session("dvd+rw")
+                # In the middle of the file.
+                self.put_script(disc, "on write 500: sense 3/0C/00")
+                self.environment["LC_ALL"] = language
+                outcome = self.batch(disc, "sh", "-c", "head -c 30000000 /dev/urandom > new.bin", status=4)
+                self.assertIn("30% written.", "\n".join(outcome["lines"]))
+
     def test_the_drive_takes_its_time_with_the_disc(self):
         for media in ("dvd-rw", "dvd+rw"):
             with self.subTest(media=media):

@@ -1,6 +1,9 @@
 // SPDX-License-Identifier: GPL-2.0-or-later
 #pragma once
 
+#include <optional>
+#include <string>
+
 namespace kelvane {
 
 /// The kinds of media, as `DRDevice::mediaType` reports them. All share a prefix of 17 characters;
@@ -23,5 +26,10 @@ inline constexpr char DRDeviceMediaTypeBDRE[] = "DRDeviceMediaTypeBDRE";
 
 /// The length of the prefix that the values above share.
 inline constexpr int kMediaTypePrefixLength = 17;
+
+/// Whether the medium is a CD that can be written to; false where its kind is not known.
+inline bool isWritableCd(const std::optional<std::string>& mediaType) {
+  return mediaType == DRDeviceMediaTypeCDR || mediaType == DRDeviceMediaTypeCDRW;
+}
 
 }  // namespace kelvane
