@@ -18,7 +18,9 @@ namespace kelvane::test {
 /// A test with a bus of its own.
 class DesktopFixture : public ApplicationFixture {
  protected:
-  static void turnUntil(const std::function<bool()>& condition) { test::turnUntil(condition); }
+  static bool turnUntil(const std::function<bool()>& condition) {
+    return test::turnUntil(condition);
+  }
 
   /// Lets every message arrive that has been sent by now: a later one has made its way.
   void turn() {

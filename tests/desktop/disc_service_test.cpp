@@ -11,6 +11,7 @@ namespace kelvane::test {
 namespace {
 
 using desktop::DiscServiceAnswer;
+using ::testing::AnyOf;
 using ::testing::ElementsAre;
 
 class DiscServiceTest : public DesktopFixture {
@@ -62,6 +63,7 @@ TEST_F(DiscServiceTest, ADriveThatItDoesNotKnowIsAsIfThereWereNoService) {
 TEST_F(DiscServiceTest, WithoutTheServiceOrTheBusItIsAbsentAtOnce) {
   EXPECT_EQ(desktop::mountThroughDiscService("sr0"), DiscServiceAnswer::Absent);
   bus_.stop();
+  turnUntil([] { return !desktop::systemBus().isConnected(); });  // That it has gone is known then.
   EXPECT_EQ(desktop::mountThroughDiscService("sr0"), DiscServiceAnswer::Absent);
 }
 
@@ -70,6 +72,22 @@ TEST_F(DiscServiceTest, OneThatDoesNotAnswerInTimeIsGivenUp) {
   service.manner = Manner::Waits;
   EXPECT_EQ(answerTo([] { return desktop::mountThroughDiscService("sr0", kShortPatience); }),
             DiscServiceAnswer::Unanswered);
+}
+
+TEST_F(DiscServiceTest, OneWhoseBusGoesAwayMeanwhileIsGivenUp) {
+  FakeDiscService service(bus_.services(), "sr0");
+  service.manner = Manner::Waits;
+  std::atomic<bool> answered = false;
+  DiscServiceAnswer answer = DiscServiceAnswer::Done;
+  std::thread asking([&] {
+    answer = desktop::mountThroughDiscService("sr0", std::chrono::seconds(2));
+    answered = true;
+  });
+  EXPECT_TRUE(turnUntil([&service] { return !service.calls.empty(); }));
+  bus_.stop();
+  EXPECT_TRUE(turnUntil([&answered] { return answered.load(); }));
+  asking.join();
+  EXPECT_THAT(answer, AnyOf(DiscServiceAnswer::Unanswered, DiscServiceAnswer::Absent));
 }
 
 }  // namespace

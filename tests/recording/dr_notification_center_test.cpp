@@ -2,9 +2,12 @@
 #include "platform/recording/dr_notification_center.h"
 
 #include <gmock/gmock.h>
+#include <sys/resource.h>
 
 #include <filesystem>
+#include <fstream>
 #include <map>
+#include <nlohmann/json.hpp>
 #include <thread>
 
 #include "platform/foundation/main_thread.h"
@@ -88,6 +91,30 @@ TEST_F(DRNotificationCenterTest, AskingADriveChangesNothingSoNothingIsTold) {
   EXPECT_EQ(changes[device], 0);
 }
 
+TEST_F(DRNotificationCenterTest, NewsOfADriveLeaveTheOthersAtRest) {
+  const std::string disc = makeDisc("other");
+  // Nothing ever comes of it, but the drive counts its commands in the file beside it.
+  std::ofstream(disc + "/faults") << "on command 1000000: attention\n";
+  const DRDevice* other = insert(disc);
+  const DRDevice* device = addDrive();
+  // What a drive tells once only it has told then.
+  ASSERT_TRUE(other->mediaIsPresent());
+  ASSERT_TRUE(device->mediaIsPresent());
+  observeDevices();
+  ASSERT_TRUE(loop.runUntil([&] { return changes[device] > 0 && changes[other] > 0; }));
+  changes.clear();
+  const auto commandsOfOther = [&disc] {
+    std::ifstream file(disc + "/faults.state");
+    return nlohmann::json::parse(file).at("counts").at(0).get<int>();
+  };
+  const int before = commandsOfOther();
+  EXPECT_GT(before, 0);
+  std::string error;
+  ASSERT_TRUE(open(*device->emulatedDisc()).ejectDisc(EjectManner::Button, &error));
+  ASSERT_TRUE(hearsOf(device));
+  EXPECT_EQ(commandsOfOther(), before);
+}
+
 TEST_F(DRNotificationCenterTest, ADriveThatIsAddedLaterIsToldOf) {
   observeDevices();
   loop.deliverQueued();
@@ -152,6 +179,26 @@ TEST_F(DRNotificationCenterTest, TheEndOfAnotherProgramsRecordingIsWaitedForByPo
   ASSERT_TRUE(hearsOf(device));
   EXPECT_FALSE(device->mediaIsBusy());
   EXPECT_FALSE(DriveWatcher::shared().isPolling());
+}
+
+TEST_F(DRNotificationCenterTest, ADriveThatCouldNotBeAskedIsToldOfWhenItCan) {
+  const DRDevice* device = addDrive();
+  rlimit usual{};
+  ASSERT_EQ(getrlimit(RLIMIT_NOFILE, &usual), 0);
+  const rlimit none{0, usual.rlim_max};
+  int questions = 0;
+  const auto askInVain = [&](const Notification&) {
+    if (++questions > 1) return;
+    ASSERT_EQ(setrlimit(RLIMIT_NOFILE, &none), 0);
+    EXPECT_FALSE(device->status().DRDeviceMediaInfoKey);
+    ASSERT_EQ(setrlimit(RLIMIT_NOFILE, &usual), 0);
+  };
+  center().addObserver(&questions, askInVain, DRDeviceStatusChangedNotification, device);
+  EXPECT_TRUE(loop.runUntil([&questions] { return questions >= 2; }));
+  loop.deliverQueued();
+  EXPECT_TRUE(device->status().DRDeviceMediaInfoKey);
+  EXPECT_FALSE(DriveWatcher::shared().isPolling());
+  center().removeObserver(&questions);
 }
 
 TEST_F(DRNotificationCenterTest, ObserversHearOnlyOfTheirObjectAndName) {

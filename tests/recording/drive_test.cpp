@@ -241,6 +241,31 @@ TEST_F(DriveWithSessions, DoesNotSayWhichWhereItIsNotReadInTimeTheFirstTime) {
   EXPECT_THAT(starts(), IsEmpty());
 }
 
+TEST_F(DriveWithSessions, IsWorthAnotherQuestionUntilItHasAnswered) {
+  ASSERT_TRUE(drive_.mediaState().present);
+  EXPECT_FALSE(drive_.statusIsMissing()) << "nobody has asked";
+  EXPECT_THAT(starts(), IsEmpty());
+  EXPECT_TRUE(drive_.statusIsMissing());
+  answerForTracks();
+  answerForSector("CD001");
+  EXPECT_THAT(starts(), ElementsAre(0, 11702, 25000, 40000));
+  EXPECT_FALSE(drive_.statusIsMissing());
+}
+
+TEST_F(DriveWithSessions, IsNotWorthAnotherQuestionWhereItHasAnsweredBefore) {
+  readOnce();
+  EXPECT_THAT(starts(), ElementsAre(0, 11702, 25000, 40000));
+  EXPECT_FALSE(drive_.statusIsMissing());
+}
+
+TEST_F(DriveWithSessions, IsNotWorthAnotherQuestionWithoutItsDisc) {
+  ASSERT_TRUE(drive_.mediaState().present);
+  EXPECT_THAT(starts(), IsEmpty());
+  transport_->answerCheckCondition(kNoDisc);
+  EXPECT_FALSE(drive_.mediaState().present);
+  EXPECT_FALSE(drive_.statusIsMissing());
+}
+
 TEST_F(DriveWithSessions, DoesNotSayWhichWhileItBecomesReady) {
   readOnce();
   answerForTracks();

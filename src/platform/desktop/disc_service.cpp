@@ -1,9 +1,9 @@
 // SPDX-License-Identifier: GPL-2.0-or-later
 #include "platform/desktop/disc_service.h"
 
-#include <QDBusConnection>
 #include <QDBusError>
 #include <QDBusMessage>
+#include <QEventLoop>
 #include <QVariantMap>
 
 #include "platform/desktop/message_bus.h"
@@ -33,11 +33,18 @@ DiscServiceAnswer mountThroughDiscService(const std::string& drive,
                                           std::chrono::milliseconds patience) {
   const QDBusConnection bus = systemBus();
   if (!bus.isConnected()) return DiscServiceAnswer::Absent;
-  QDBusMessage call = QDBusMessage::createMethodCall(
+  QDBusMessage mount = QDBusMessage::createMethodCall(
       QLatin1String(kService), QLatin1String(kFolderOfDrives) + QString::fromStdString(drive),
       QLatin1String(kFilesystem), QStringLiteral("Mount"));
-  call.setArguments({QVariantMap{{QStringLiteral("auth.no_user_interaction"), true}}});
-  return meaningOf(bus.call(call, QDBus::Block, static_cast<int>(patience.count())));
+  mount.setArguments({QVariantMap{{QStringLiteral("auth.no_user_interaction"), true}}});
+  DiscServiceAnswer meaning = DiscServiceAnswer::Unanswered;
+  QEventLoop waiting;
+  call(bus, mount, patience, &waiting, [&](const QDBusMessage& answer) {
+    meaning = meaningOf(answer);
+    waiting.quit();
+  });
+  waiting.exec();
+  return meaning;
 }
 
 }  // namespace kelvane::desktop

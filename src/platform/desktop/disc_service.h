@@ -7,7 +7,8 @@
 #include "platform/desktop/patience.h"
 
 /// The desktop's disc service (org.freedesktop.UDisks2), which mounts discs for those who may not
-/// do it themselves. (What it has mounted, umount(8) asks it to unmount.) Any thread.
+/// do it themselves. (What it has mounted, umount(8) asks it to unmount.) Any thread whose event
+/// loop is not turning.
 namespace kelvane::desktop {
 
 enum class DiscServiceAnswer {

@@ -12,7 +12,7 @@
 /// The services of the desktop that are reached over D-Bus.
 ///
 /// Nothing here ever waits for a service: calls are sent, and their answers arrive with the event
-/// loop. Main thread only.
+/// loop of the thread that has sent them.
 namespace kelvane::desktop {
 
 /// The bus of the user's session, where DBUS_SESSION_BUS_ADDRESS or $XDG_RUNTIME_DIR/bus says it

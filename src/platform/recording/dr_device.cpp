@@ -113,7 +113,7 @@ DriveClaimHandover DRDevice::handClaimOver(ChildTask& task) {
 void DRDevice::endRecording() {
   if (--recordings_ > 0) return;
   if (drive_) drive_->askAgain();
-  DriveWatcher::shared().checkSoon();
+  DriveWatcher::shared().checkSoon(bsdName());
 }
 
 }  // namespace kelvane

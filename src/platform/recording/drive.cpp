@@ -104,7 +104,7 @@ void Drive::askForState() const {
   NotingTransport transport(*transport_);
   const MediaState state = readMediaState(transport);
   if (!transport.everyQuestionWasPut()) return;
-  if (state != lastState_) lastStatus_ = {};
+  if (state != lastState_) forgetStatus();
   if (state.transitioning && lastState_.present) {
     lastState_.transitioning = true;
   } else {
@@ -118,6 +118,7 @@ void Drive::askForState() const {
 void Drive::askForStatus() const {
   NotingTransport transport(*transport_);
   DRDeviceStatus status = readDeviceStatus(transport);
+  statusWasAnswered_ = transport.driveBecomesReady() || transport.everyQuestionWasPut();
   if (transport.driveBecomesReady()) {
     lastStatus_ = {};
   } else if (transport.everyQuestionWasPut()) {
@@ -135,6 +136,12 @@ DRDeviceStatus Drive::status() const {
   const std::lock_guard guard(mutex_);
   if (!leftAlone_) askForStatus();
   return lastStatus_;
+}
+
+bool Drive::statusIsMissing() const {
+  const std::lock_guard guard(mutex_);
+  return !leftAlone_ && lastState_.present && !statusWasAnswered_ &&
+         !lastStatus_.DRDeviceMediaInfoKey;
 }
 
 std::optional<uint32_t> Drive::formatCapacity() const {
@@ -220,7 +227,12 @@ std::optional<mmc::MediaEventStatus> Drive::mediaEvent() const {
 // The tray is open: whatever is in the drive next may be another disc.
 void Drive::forgetDisc() const {
   lastState_ = {};
+  forgetStatus();
+}
+
+void Drive::forgetStatus() const {
   lastStatus_ = {};
+  statusWasAnswered_ = true;
 }
 
 void Drive::leaveAlone() {

@@ -57,6 +57,9 @@ class Drive {
   /// Where the drive cannot be asked now, what was read of the same disc before. Without media
   /// information where nothing was, and while the drive becomes ready.
   DRDeviceStatus status() const;
+  /// Whether the last one who asked for the status was told nothing since the drive could not be
+  /// asked, so that it is worth another question.
+  bool statusIsMissing() const;
   /// The blocks that a medium which is written over at will has in all; empty where the drive does
   /// not say, or is left alone.
   std::optional<uint32_t> formatCapacity() const;
@@ -68,10 +71,10 @@ class Drive {
   bool acquireExclusiveAccess();
   void releaseExclusiveAccess();
   /// Keeps everybody else from mounting the disc, until `letOthersMount` or `giveUpClaim`: a mount
-  /// and a holder of an exclusive descriptor (O_EXCL) of the node shut each
-  /// other out. udev asks for one too before it opens the tray at the press of the button, so that
-  /// has no effect meanwhile. False where the disc is mounted, or claimed by another program. Of an
-  /// emulated drive, whose disc nobody else can mount, always true.
+  /// and a holder of an exclusive descriptor (O_EXCL) of the node shut each other out. By it our
+  /// rule for udev knows that the button must not open the tray meanwhile. False where the disc is
+  /// mounted, or claimed by another program. Of an emulated drive, whose disc nobody else can
+  /// mount, always true.
   bool keepOthersFromMounting();
   void letOthersMount();
   /// The claim by which others are kept from mounting, for the program that will record on the
@@ -97,6 +100,7 @@ class Drive {
   void askForState() const;
   void askForStatus() const;
   void forgetDisc() const;
+  void forgetStatus() const;
 
   DriveIdentity identity_;
   std::unique_ptr<mmc::Transport> transport_;
@@ -106,6 +110,7 @@ class Drive {
   mutable std::optional<bool> writesCD_;
   mutable MediaState lastState_;
   mutable DRDeviceStatus lastStatus_;
+  mutable bool statusWasAnswered_ = true;  // Or not asked for yet.
   std::optional<FileLock> exclusiveAccess_;
   std::unique_ptr<DriveClaim> claim_;
   bool leftAlone_ = false;

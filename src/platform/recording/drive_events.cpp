@@ -5,6 +5,7 @@
 #include <unistd.h>
 
 #include <QSocketNotifier>
+#include <set>
 #include <string_view>
 #include <utility>
 
@@ -41,8 +42,8 @@ UdevMonitor openMonitor(udev* context, DriveEvents::Channel channel) {
 
 class DriveEvents::Connection {
  public:
-  Connection(UdevContext context, UdevMonitor monitor, std::string prefix,
-             std::function<void()> handler, NameHandler trayKeptShut)
+  Connection(UdevContext context, UdevMonitor monitor, std::string prefix, NameHandler handler,
+             NameHandler trayKeptShut)
       : context_(std::move(context)),
         monitor_(std::move(monitor)),
         prefix_(std::move(prefix)),
@@ -55,22 +56,22 @@ class DriveEvents::Connection {
  private:
   // The monitor's socket does not block, so that all that has come can be taken.
   void receive() {
-    bool concernsDrives = false;
+    std::set<std::string> drives;
     while (const UdevDevice device{udev_monitor_receive_device(monitor_.get())}) {
       const char* name = udev_device_get_sysname(device.get());
       if (name == nullptr || !std::string_view(name).starts_with(prefix_)) continue;
-      concernsDrives = true;
+      drives.insert(name);
       if (trayKeptShut_ && udev_device_get_property_value(device.get(), kTrayKeptShut) != nullptr) {
         trayKeptShut_(name);
       }
     }
-    if (concernsDrives) handler_();
+    for (const std::string& drive : drives) handler_(drive);
   }
 
   UdevContext context_;
   UdevMonitor monitor_;
   std::string prefix_;
-  std::function<void()> handler_;
+  NameHandler handler_;
   NameHandler trayKeptShut_;
   QSocketNotifier readable_;
 };
@@ -89,8 +90,7 @@ bool DriveEvents::isSettled(const std::string& name) {
 }
 
 std::unique_ptr<DriveEvents> DriveEvents::listen(Channel channel, const std::string& prefix,
-                                                 std::function<void()> handler,
-                                                 NameHandler trayKeptShut) {
+                                                 NameHandler handler, NameHandler trayKeptShut) {
   UdevContext context(udev_new());
   if (!context) return nullptr;
   UdevMonitor monitor = openMonitor(context.get(), channel);

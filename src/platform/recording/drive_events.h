@@ -30,11 +30,11 @@ class DriveEvents {
   /// owner and rights. True where no udevd runs, and for a device that is not there.
   static bool isSettled(const std::string& name);
 
-  /// Calls `handler`, from the event loop, after each event of a block device whose kernel name
-  /// begins with `prefix`. Null where the channel cannot be listened to. Where a rule of ours has
+  /// Calls `handler`, from the event loop, with the kernel name of each block device that an event
+  /// came of and whose name begins with `prefix`. Null where the channel cannot be listened to. Where a rule of ours has
   /// kept a tray shut whose button was pressed, `trayKeptShut` is called with the drive's name.
   static std::unique_ptr<DriveEvents> listen(Channel channel, const std::string& prefix,
-                                             std::function<void()> handler,
+                                             NameHandler handler,
                                              NameHandler trayKeptShut = {});
   ~DriveEvents();
   DriveEvents(const DriveEvents&) = delete;

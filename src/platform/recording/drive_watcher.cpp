@@ -6,7 +6,9 @@
 #include <QTimer>
 #include <algorithm>
 #include <chrono>
+#include <utility>
 
+#include "platform/foundation/main_thread.h"
 #include "platform/recording/dr_device.h"
 #include "platform/recording/dr_notification_center.h"
 #include "platform/recording/drive.h"
@@ -48,12 +50,14 @@ void DriveWatcher::start() {
   folders_ = std::make_unique<QFileSystemWatcher>();
   soon_ = std::make_unique<QTimer>();
   poll_ = std::make_unique<QTimer>();
-  QObject::connect(folders_.get(), &QFileSystemWatcher::directoryChanged, [this] { checkSoon(); });
+  QObject::connect(folders_.get(), &QFileSystemWatcher::directoryChanged,
+                   [this](const QString& folder) { folderHasChanged(folder.toStdString()); });
   soon_->setSingleShot(true);
   QObject::connect(soon_.get(), &QTimer::timeout, [this] { check(); });
   QObject::connect(poll_.get(), &QTimer::timeout, [this] { poll(); });
   events_ = DriveEvents::listen(
-      DriveEvents::systemChannel(), kRealDrives, [this] { checkSoon(); }, tellOfShutTray);
+      DriveEvents::systemChannel(), kRealDrives,
+      [this](const std::string& name) { checkSoon(name); }, tellOfShutTray);
   check();
 }
 
@@ -63,6 +67,7 @@ void DriveWatcher::stop() {
   poll_.reset();
   events_.reset();
   watched_.clear();
+  drivesWithNews_.clear();
 }
 
 bool DriveWatcher::isPolling() const {
@@ -70,7 +75,19 @@ bool DriveWatcher::isPolling() const {
 }
 
 void DriveWatcher::checkSoon() {
-  if (soon_ && !soon_->isActive()) soon_->start(kSettlingTime);
+  for (const DRDevice* device : DRDevice::devices()) checkSoon(device->bsdName());
+}
+
+void DriveWatcher::checkSoon(const std::string& bsdName) {
+  if (!soon_) return;
+  drivesWithNews_.insert(bsdName);
+  if (!soon_->isActive()) soon_->start(kSettlingTime);
+}
+
+void DriveWatcher::folderHasChanged(const std::string& folder) {
+  for (const DRDevice* device : DRDevice::devices()) {
+    if (device->emulatedDisc() == folder) checkSoon(device->bsdName());
+  }
 }
 
 DriveWatcher::Observation DriveWatcher::observe(const DRDevice& device) {
@@ -81,19 +98,37 @@ DriveWatcher::Observation DriveWatcher::observe(const DRDevice& device) {
   if (const Drive* drive = device.drive()) {
     observation.trayOpenings = drive->trayOpenings();
     // Whoever writes to the disc is not to be disturbed by questions.
-    if (observation.valid && !observation.busy) observation.media = drive->mediaState();
+    if (observation.valid && !observation.busy) {
+      observation.media = drive->mediaState();
+      if (drive->statusIsMissing()) static_cast<void>(drive->status());
+    }
+    observation.statusIsMissing = drive->statusIsMissing();
   }
   return observation;
 }
 
 void DriveWatcher::check() {
+  const std::set<std::string> named = std::exchange(drivesWithNews_, {});
   watchFolders();
   for (const DRDevice* device : DRDevice::devices()) {
-    const Observation now = observe(*device);
     const auto known = watched_.find(device);
-    if (known != watched_.end() && known->second.observation == now) continue;
+    const bool isKnown = known != watched_.end();
+    if (isKnown && !named.contains(device->bsdName())) continue;
+    const Observation now = observe(*device);
+    if (isKnown && known->second.observation == now) continue;
     watched_[device].observation = now;
     DRNotificationCenter::currentRunLoopCenter().post(DRDeviceStatusChangedNotification, device);
+  }
+  // Behind the notifications: who hears of a drive asks it what is on the disc.
+  performOnMainThread([this] { noteMissingStatus(); });
+  pollWhileNeeded();
+}
+
+void DriveWatcher::noteMissingStatus() {
+  if (!folders_) return;
+  for (auto& [device, known] : watched_) {
+    const Drive* drive = device->drive();
+    known.observation.statusIsMissing = drive != nullptr && drive->statusIsMissing();
   }
   pollWhileNeeded();
 }
@@ -107,13 +142,14 @@ void DriveWatcher::watchFolders() {
   }
 }
 
-// The end of a recording by another program and of a disc's loading, the return of a folder: nobody
-// tells of these.
+// The end of a recording by another program and of a disc's loading, the return of a folder, a
+// drive that can be asked again: nobody tells of these.
 bool DriveWatcher::needsPoll(const DRDevice& device) const {
   const bool mediaAreToldOf = isEmulated(device) || (events_ && events_->tellsOfMedia());
   const auto known = watched_.find(&device);
   return !mediaAreToldOf || known == watched_.end() || known->second.observation.busy ||
-         known->second.observation.media.transitioning || !known->second.observation.valid;
+         known->second.observation.media.transitioning ||
+         known->second.observation.statusIsMissing || !known->second.observation.valid;
 }
 
 void DriveWatcher::pollWhileNeeded() {
@@ -130,19 +166,19 @@ void DriveWatcher::pollWhileNeeded() {
 
 // Looks closer only where something may have happened that no folder tells of.
 void DriveWatcher::poll() {
-  bool worthALook = false;
   for (const DRDevice* device : DRDevice::devices()) {
     const auto known = watched_.find(device);
     const bool changing = known == watched_.end() || known->second.observation.busy ||
                           known->second.observation.media.transitioning ||
+                          known->second.observation.statusIsMissing ||
                           known->second.observation.valid != device->isValid();
     // What the drive has told once it does not tell again; where the kernel asks it, it is the
     // kernel that has to hear of it.
     const bool moved =
         !isEmulated(*device) && !(events_ && events_->tellsOfMedia()) && trayHasMoved(*device);
-    worthALook = worthALook || changing || moved;
+    if (changing || moved) drivesWithNews_.insert(device->bsdName());
   }
-  if (worthALook) check();
+  if (!drivesWithNews_.empty()) check();
 }
 
 bool DriveWatcher::trayHasMoved(const DRDevice& device) {

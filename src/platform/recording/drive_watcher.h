@@ -4,6 +4,8 @@
 #include <map>
 #include <memory>
 #include <optional>
+#include <set>
+#include <string>
 
 #include "platform/recording/media_state.h"
 #include "platform/recording/mmc/event_status.h"
@@ -41,6 +43,9 @@ class DriveWatcher {
 
   /// Looks at every drive soon, from the event loop. Without effect before `start`.
   void checkSoon();
+  /// Looks at the drive of this name alone, and at those that are new: a drive at rest may have to
+  /// spin up its disc to answer.
+  void checkSoon(const std::string& bsdName);
 
  private:
   // All by which one state of a drive differs from another.
@@ -51,6 +56,8 @@ class DriveWatcher {
     bool settled = true;
     int trayOpenings = 0;
     MediaState media;
+    /// Whether somebody could not be told what is on the disc. The end of it is a change.
+    bool statusIsMissing = false;
 
     friend bool operator==(const Observation&, const Observation&) = default;
   };
@@ -60,18 +67,21 @@ class DriveWatcher {
   };
 
   static Observation observe(const DRDevice& device);
+  void noteMissingStatus();
   void check();
   void poll();
   void pollWhileNeeded();
   bool needsPoll(const DRDevice& device) const;
   void watchFolders();
   bool trayHasMoved(const DRDevice& device);
+  void folderHasChanged(const std::string& folder);
 
   std::unique_ptr<QFileSystemWatcher> folders_;
   std::unique_ptr<QTimer> soon_;
   std::unique_ptr<QTimer> poll_;
   std::unique_ptr<DriveEvents> events_;  // Null where nothing can be heard.
   std::map<const DRDevice*, Watched> watched_;
+  std::set<std::string> drivesWithNews_;
 };
 
 }  // namespace kelvane
