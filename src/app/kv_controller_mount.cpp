@@ -104,7 +104,11 @@ void KVController::mountBurnFSinBackground(std::latch& discIsNoted) {
   std::string volumeName = kBlankVolumeName;
   std::optional<std::string> discMountPath;
   double usedMB = 0;
-  if (!record.consideredBlank.value_or(false)) {
+  if (record.consideredBlank.value_or(false)) {
+    // One with content has been mounted out of sight before nobody else may; of this one there is
+    // nothing to mount, and nothing else that would keep the drive's button from taking it out.
+    services_.volumes->keepOthersFromMounting(*record.DRDevice);
+  } else {
     std::string inUse;
     discMountPath = takeOverDiscWithContent(volumeName, inUse);
     if (!discMountPath) {

@@ -20,12 +20,12 @@ namespace fs = std::filesystem;
 
 class KVControllerMount : public ControllerFixture {
  protected:
-  void listSample(const std::string& identity = "the disc") {
+  void listSample(const std::string& identity = "the disc", bool isBlank = false) {
     DeviceRecord record;
     record.DRDevice = &device_;
     record.mediaIdentity = identity;
     record.description = {"SAMPLE", "KELVANE BURNER", "CDR"};
-    record.consideredBlank = false;
+    record.consideredBlank = isBlank;
     record.totalMB = "680.0";
     window_.mediaController().addObjects({record});
     window_.mediaController().setSelectionIndex(0);
@@ -96,11 +96,12 @@ TEST_F(KVControllerMount, DuringABurnTheRequestIsRefusedAlsoWhereItWouldCloseOrC
   EXPECT_THAT(newCalls(), ElementsAre("beep"));
 }
 
-TEST_F(KVControllerMount, WithAnOpenDiscAndNothingSelectedTheRequestCloses) {
+// That it closes the disc is shown where there is a volume.
+TEST_F(KVControllerMount, WithAnOpenDiscAndNothingSelectedTheRequestIsNotRefused) {
   controller_.setMediaIsMounted(true);
   turn();
   newCalls();
-  controller_.mountBurnFS();  // There is no file system here that would have to be unmounted.
+  controller_.mountBurnFS();
   EXPECT_THAT(newCalls(), IsEmpty());
 }
 
@@ -158,6 +159,19 @@ TEST_F(KVControllerMount, WhoKeepsTheDiscFromBeingOpenedIsNamed) {
   turnUntil([this] { return controller_.currentDevice() == nullptr; });
   ASSERT_EQ(window_.alerts.size(), 1u);
   EXPECT_THAT(window_.alerts[0].detail, testing::HasSubstr(volume + "/used"));
+}
+
+TEST_F(KVControllerMount, OfABlankDiscTooTheDriveIsKeptFromOthers) {
+  listSample("the disc", true);
+  volumes_.onKeptFromOthers = [this] {
+    // So that the volume of the disc is not mounted.
+    fs::create_symlink(prefix_.path(), controller_.tmpDirPath());
+  };
+  controller_.mountBurnFS();
+  turnUntil([this] { return controller_.currentDevice() == nullptr; });
+  ASSERT_EQ(volumes_.keptFromOthers.size(), 1u) << "the drive's button would take the disc out";
+  EXPECT_EQ(volumes_.keptFromOthers[0].first, &device_);
+  EXPECT_THAT(volumes_.unmounted, IsEmpty());
 }
 
 class KVControllerMountMissingAScan : public KVControllerMount {
@@ -278,11 +292,12 @@ TEST_F(KVControllerMount, ShowDiskRevealsTheVolume) {
                                       paths::volumesDirectory() + "/"));
 }
 
-TEST_F(KVControllerMount, AScanWithOneUsableDiscOpensIt) {
+TEST_F(KVControllerMount, AScanWithOneUsableDiscOpensItBehindItself) {
   devices_ = {&device_};
   volumes_.addVisible(paths::volumesDirectory() + "/SAMPLE", "/dev/kv0s0");
   volumes_.lastStatus = 5;  // It shall not get further than to the attempt.
-  controller_.scanForMedia();
+  controller_.performScanForMedia();
+  EXPECT_EQ(controller_.currentDevice(), nullptr) << "opened within the scan";
   turnUntil([this] { return !window_.alerts.empty(); });
   EXPECT_EQ(window_.mediaController().arrangedObjects().size(), 1u);
   EXPECT_TRUE(window_.has("hide diskScroll"));

@@ -61,6 +61,11 @@ class SystemTest(GuestTest):
             with open(os.path.join(disc, "faults"), "w", encoding="ascii") as file:
                 file.write(text)
 
+    def without_udisks2(self):
+        """The guest is to come up without that service."""
+        with open(self.path("no-udisks"), "w", encoding="ascii"):
+            pass
+
     def plugged(self, media, faults=""):
         """A disc with one session, whose files are `first`, and the steps that plug in its drive."""
         self.first = make_tree(self.path("first"), 1)

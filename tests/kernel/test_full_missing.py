@@ -16,8 +16,7 @@ status=$?
 """
 
     def test_without_udisks2_a_disc_is_opened_and_burned_all_the_same(self):
-        with open(self.path("no-udisks"), "w", encoding="ascii"):
-            pass
+        self.without_udisks2()
         self.guest(self.plugged("cd-r") + """
 pidof udisksd && fail "UDisks2 is there"
 as_user """ + self.BATCH.lstrip() + """

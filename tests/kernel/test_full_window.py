@@ -83,6 +83,10 @@ keep burned
     def test_a_dvd_plus_rw_in_a_drive_that_tells_of_the_new_session(self):
         self.road("dvd+rw", NEWS)
 
+    def test_a_cd_r_without_udisks2(self):
+        self.without_udisks2()
+        self.road("cd-r", NEWS)
+
     def refused_dvd_r(self, faults, then):
         """A DVD-R is listed with the reason why it is not opened, also once another program has added a session to it."""
         first, second = make_tree(self.path("first"), 1), make_tree(self.path("second"), 2)
@@ -139,8 +143,9 @@ kill "$(pidof tail)"
         self.assertIn("/Volumes/tarnwick/new.txt", self.text_of("busy"))
         self.assertEqual(tree_of(self.path("after")), tree_of(self.path("shown")))
 
-    def test_the_drives_own_button_has_no_effect_while_a_disc_is_open(self):
-        self.guest(self.BEGIN + self.plugged("cd-rw") + """
+    def own_button_while_open(self, plug):
+        """The button is pressed between two changes of an open disc, which the steps `plug` bring."""
+        self.guest(self.BEGIN + plug + """
 await_open
 edit "echo before > before.txt"
 udevadm monitor --property --subsystem-match=block > /tmp/events 2>&1 &
@@ -155,6 +160,15 @@ eventually "the report is closed" windows_are 1
 edit "echo after > after.txt"
 logged "unexpected disk ejection" && fail "the disc was taken for gone"
 """ + self.BURN_AND_QUIT)
+        self.assertIn("before.txt", tree_of(self.path("shown")))
+        self.assertEqual(tree_of(self.path("after")), tree_of(self.path("shown")))
+
+    def test_the_drives_own_button_has_no_effect_while_a_disc_is_open(self):
+        self.own_button_while_open(self.plugged("cd-rw"))
+
+    def test_the_drives_own_button_has_no_effect_while_a_blank_disc_is_open(self):
+        self.make_disc("disc", "cd-r")
+        self.own_button_while_open("plug disc.kvdisc\n")
 
     def test_the_licence_is_shown_at_the_first_start_and_agreed_to_by_keyboard(self):
         self.guest("""

@@ -41,6 +41,7 @@ class FakeVolumeServices : public VolumeServices {
 
   void keepOthersFromMounting(const DRDevice& device) override {
     keptFromOthers.emplace_back(&device, unmounted.size());
+    if (onKeptFromOthers) onKeptFromOthers();
   }
 
   void createDirectory(const std::string& path) override { created.push_back(path); }
@@ -79,6 +80,7 @@ class FakeVolumeServices : public VolumeServices {
   std::function<void()> onListing;
   std::function<void(const std::string& path)> onRead;
   std::function<void()> onSleep;
+  std::function<void()> onKeptFromOthers;
 
   int listings = 0;
   std::map<std::string, int> reads;
