@@ -747,6 +747,10 @@
         <source>Error</source>
         <translation>Fehler</translation>
     </message>
+    <message id="AccessibleQuestion">
+        <source>Question</source>
+        <translation>Frage</translation>
+    </message>
     <message id="AccessibleInformation">
         <source>Information</source>
         <translation>Hinweis</translation>
@@ -910,8 +914,8 @@ Wenn Sie trotzdem brennen, wird nichts geschrieben, und Ihre Änderungen gehen v
         <translation>Eines von beiden ist ein Ordner, das andere nicht; keines kann den Platz des anderen einnehmen. Wenn Sie beide behalten, bekommt das, was Sie kopieren, eine Nummer hinter seinen Namen.</translation>
     </message>
     <message id="CopyForAll">
-        <source>Do the same for all names that are taken</source>
-        <translation>Bei allen vorhandenen Namen so verfahren</translation>
+        <source>&amp;Do the same for all names that are taken</source>
+        <translation>Bei allen &amp;vorhandenen Namen so verfahren</translation>
     </message>
     <message id="CopyReplace">
         <source>&amp;Replace</source>
@@ -923,7 +927,7 @@ Wenn Sie trotzdem brennen, wird nichts geschrieben, und Ihre Änderungen gehen v
     </message>
     <message id="CopySkip">
         <source>&amp;Skip</source>
-        <translation>Ü&amp;berspringen</translation>
+        <translation>Über&amp;springen</translation>
     </message>
     <message id="CopyNoRoom">
         <source>There is not enough room for these files</source>

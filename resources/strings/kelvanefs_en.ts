@@ -747,6 +747,10 @@
         <source>Error</source>
         <translation>Error</translation>
     </message>
+    <message id="AccessibleQuestion">
+        <source>Question</source>
+        <translation>Question</translation>
+    </message>
     <message id="AccessibleInformation">
         <source>Information</source>
         <translation>Information</translation>
@@ -910,8 +914,8 @@ If you burn all the same, nothing is written and your changes are lost. Keep the
         <translation>One of the two is a folder and the other is not, so neither can take the other’s place. If you keep both, the one that you are copying gets a number after its name.</translation>
     </message>
     <message id="CopyForAll">
-        <source>Do the same for all names that are taken</source>
-        <translation>Do the same for all names that are taken</translation>
+        <source>&amp;Do the same for all names that are taken</source>
+        <translation>&amp;Do the same for all names that are taken</translation>
     </message>
     <message id="CopyReplace">
         <source>&amp;Replace</source>

@@ -3,7 +3,6 @@
 
 #include <QGridLayout>
 #include <QGuiApplication>
-#include <QLabel>
 #include <QMessageBox>
 #include <QSpacerItem>
 #include <QStringList>
@@ -13,6 +12,7 @@
 
 #include "platform/foundation/placeholders.h"
 #include "platform/foundation/strings_table.h"
+#include "ui/message_box_labels.h"
 #include "ui/roomy_button.h"
 #include "ui/shortened_text.h"
 #include "ui/view_parts.h"
@@ -36,27 +36,6 @@ QMessageBox::Icon iconOf(Alert::Style style) {
       break;
   }
   return QMessageBox::Warning;
-}
-
-std::string iconNameKey(QMessageBox::Icon icon) {
-  if (icon == QMessageBox::Information) return "AccessibleInformation";
-  return icon == QMessageBox::Critical ? "AccessibleError" : "AccessibleWarning";
-}
-
-/// What a drive or program said may look like markup and is none. The labels bear these names in
-/// every version of the toolkit so far; a box without them merely looks and sounds plainer.
-void adaptLabels(QMessageBox& box) {
-  if (auto* icon = box.findChild<QLabel*>(QStringLiteral("qt_msgboxex_icon_label"))) {
-    icon->setAccessibleName(localizedText(iconNameKey(box.icon())));
-  }
-  if (auto* message = box.findChild<QLabel*>(QStringLiteral("qt_msgbox_label"))) {
-    QFont bold = message->font();
-    bold.setBold(true);
-    message->setFont(bold);
-  }
-  if (auto* informative = box.findChild<QLabel*>(QStringLiteral("qt_msgbox_informativelabel"))) {
-    informative->setTextFormat(Qt::PlainText);
-  }
 }
 
 QString informativeText(const Alert& alert) {

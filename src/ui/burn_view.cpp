@@ -4,7 +4,6 @@
 #include <QHBoxLayout>
 #include <QLabel>
 #include <QVBoxLayout>
-#include <utility>
 
 #include "platform/foundation/placeholders.h"
 #include "platform/foundation/strings_table.h"
@@ -47,24 +46,22 @@ void KVBurnView::setMessage(const QString& text) {
   setFieldText(*messageTextField_, text);
   isWriting_ =
       text == localizedText("burningchangescd") || text == localizedText("burningchangesdvd");
-  isJudged_ = false;
-  remainingField_->clear();
+  remainingTime_.beginWithNext();
+  setFieldText(*remainingField_, {});
 }
 
 QString KVBurnView::remainingTimeText() {
   if (!isWriting_) return {};
-  const double fraction = progressIndicator_->doubleValue() / BurnProgressBar::kMaximum;
-  if (!std::exchange(isJudged_, true)) remainingTime_.begin(fraction);
-  return remainingTime_.textAt(fraction);
+  return remainingTime_.textAt(progressIndicator_->doubleValue() / BurnProgressBar::kMaximum);
 }
 
 void KVBurnView::showPercent(int percent) {
   if (percent < 0) {
     percentField_->clear();
-    remainingField_->clear();
+    setFieldText(*remainingField_, {});
     return;
   }
-  remainingField_->setText(remainingTimeText());
+  setFieldText(*remainingField_, remainingTimeText());
   percentField_->setText(QString::fromStdString(format(localizedString("BurnPercent"), percent)));
 }
 

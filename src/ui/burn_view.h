@@ -34,7 +34,6 @@ class KVBurnView : public QWidget {
 
   RemainingTime remainingTime_;
   bool isWriting_ = false;
-  bool isJudged_ = false;  // Something has been written since then.
 };
 
 }  // namespace kelvane

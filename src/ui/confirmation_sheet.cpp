@@ -8,7 +8,6 @@
 #include <QLabel>
 #include <QLineEdit>
 #include <QVBoxLayout>
-#include <QValidator>
 #include <algorithm>
 #include <utility>
 #include <vector>
@@ -19,6 +18,7 @@
 #include "ui/burn_summary.h"
 #include "ui/cd_name_formatter.h"
 #include "ui/change_summary_view.h"
+#include "ui/disc_name_field.h"
 #include "ui/paragraph.h"
 #include "ui/roomy_button.h"
 #include "ui/summary_warnings.h"
@@ -29,19 +29,6 @@ namespace kelvane {
 namespace {
 
 constexpr double kTextWidth = 330;
-// The volume identifier of an ISO-9660 disc has this many characters (ECMA-119, 8.4.7).
-constexpr int kLongestVolumeIdentifier = 32;
-
-class NameValidator : public QValidator {
- public:
-  using QValidator::QValidator;
-  State validate(QString& input, int& position) const override {
-    return formatter_.isPartialStringValid(input, position) ? Acceptable : Invalid;
-  }
-
- private:
-  CDNameFormatter formatter_;
-};
 
 }  // namespace
 
@@ -87,11 +74,8 @@ ConfirmationSheet::ConfirmationSheet(QWidget* parent) : QDialog(parent) {
 }
 
 QLayout* ConfirmationSheet::makeFields() {
-  diskTitle_ = new QLineEdit(this);
+  diskTitle_ = makeDiscNameField(this);
   diskTitle_->setObjectName(QStringLiteral("burnConfirmationPanelDiskTitle"));
-  diskTitle_->setMaxLength(kLongestVolumeIdentifier);
-  diskTitle_->setValidator(new NameValidator(diskTitle_));
-  diskTitle_->setPlaceholderText(CDNameFormatter().stringForObjectValue({}));
   speedPopup_ = new QComboBox(this);
   speedPopup_->setObjectName(QStringLiteral("burnSpeedPopupButton"));
   speedPopup_->setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Fixed);

@@ -9,6 +9,7 @@
 
 #include "platform/foundation/placeholders.h"
 #include "platform/foundation/strings_table.h"
+#include "ui/message_box_labels.h"
 #include "ui/roomy_button.h"
 #include "ui/shortened_text.h"
 #include "ui/view_parts.h"
@@ -26,6 +27,7 @@ void setTexts(QMessageBox& box, const CopyConflict& conflict) {
       localizedText(conflict.canReplace ? "CopyTakenLong" : "CopyTakenByFolder"));
   box.setAccessibleName(box.text());
   box.setAccessibleDescription(box.informativeText());
+  adaptLabels(box);
 }
 
 }  // namespace
@@ -40,6 +42,7 @@ QDialog* openCopyQuestion(
   setTexts(*box, conflict);
   auto* forAll = new QCheckBox(localizedText("CopyForAll"), box);
   forAll->setObjectName(QStringLiteral("copyForAll"));
+  forAll->setAccessibleName(withoutMnemonicMark(forAll->text()));
   box->setCheckBox(forAll);
 
   std::map<QAbstractButton*, std::optional<ConflictAnswer>> answers;

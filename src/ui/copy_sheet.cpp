@@ -28,7 +28,6 @@ namespace {
 constexpr double kWidth = 320;
 constexpr int kSteps = 1000;
 constexpr std::chrono::milliseconds kRefreshInterval{100};
-// Earlier, what is left is anybody's guess.
 
 double fractionOf(const CopyProgress& progress) {
   const bool hasBytes = progress.bytesInAll > 0;
@@ -75,7 +74,9 @@ CopySheet::CopySheet(QWidget* parent) : QDialog(parent) {
   column->setSizeConstraint(QLayout::SetFixedSize);
 }
 
+// The window that hears of the copy may be half gone by now.
 CopySheet::~CopySheet() {
+  blockSignals(true);
   cancelAndWait();
 }
 
@@ -85,6 +86,7 @@ void CopySheet::begin(const CopyRequest& request) {
   progress_ = {};
   cancelButton_->setEnabled(true);
   remainingTime_.begin();
+  setFieldText(*remainingField_, {});
   showProgress();
   open();
   refresh_->start(kRefreshInterval);
@@ -106,12 +108,13 @@ void CopySheet::cancelAndWait() {
   refresh_->stop();
   closeQuestion();
   done(QDialog::Rejected);
+  Q_EMIT percentChanged(-1);
 }
 
 void CopySheet::reject() {
   stop_.request_stop();
   cancelButton_->setEnabled(false);
-  remainingField_->setText(localizedText("CopyCancelling"));
+  setFieldText(*remainingField_, localizedText("CopyCancelling"));
 }
 
 void CopySheet::closeEvent(QCloseEvent* event) {
@@ -175,18 +178,21 @@ void CopySheet::showProgress() {
   progressBar_->setRange(0, isKnown ? kSteps : 0);
   if (!isKnown) {
     nameField_->setText(localizedText("CopyLooking"));
-    amountField_->setText(QStringLiteral(" "));
+    setFieldText(*amountField_, QStringLiteral(" "));
+    Q_EMIT percentChanged(-1);
     return;
   }
   const double fraction = fractionOf(progress);
   progressBar_->setValue(static_cast<int>(std::lround(fraction * kSteps)));
   nameField_->setText(QString::fromStdString(format(localizedString("CopyName"), progress.name)));
-  amountField_->setText(QString::fromStdString(
+  const std::string amount =
       format(localizedString("CopyAmount"), std::to_string(progress.files),
              filesText(progress.filesInAll).toStdString(),
              bytesText(static_cast<int64_t>(progress.bytes)).toStdString(),
-             bytesText(static_cast<int64_t>(progress.bytesInAll)).toStdString())));
-  if (!stop_.stop_requested()) remainingField_->setText(remainingTime_.textAt(fraction));
+             bytesText(static_cast<int64_t>(progress.bytesInAll)).toStdString());
+  setFieldText(*amountField_, QString::fromStdString(amount));
+  if (!stop_.stop_requested()) setFieldText(*remainingField_, remainingTime_.textAt(fraction));
+  Q_EMIT percentChanged(static_cast<int>(100 * fraction));
 }
 
 void CopySheet::end(const CopyOutcome& outcome) {
@@ -194,6 +200,7 @@ void CopySheet::end(const CopyOutcome& outcome) {
   refresh_->stop();
   closeQuestion();
   done(QDialog::Accepted);
+  Q_EMIT percentChanged(-1);
   reportCopy(parentWidget(), outcome);
 }
 

@@ -44,6 +44,10 @@ class CopySheet : public QDialog, private CopyObserver {
   /// Escape and closing it cancel.
   void reject() override;
 
+ Q_SIGNALS:
+  /// How much is copied, in whole percent; -1 while nobody knows, and when the copy has ended.
+  void percentChanged(int percent);
+
  protected:
   void closeEvent(QCloseEvent* event) override;
 

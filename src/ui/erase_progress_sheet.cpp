@@ -38,12 +38,16 @@ EraseProgressSheet::EraseProgressSheet(QWidget* parent) : QDialog(parent) {
   progressBar_->setAccessibleName(localizedText("AccessibleEraseProgress"));
   progressBar_->setTextVisible(false);
   progressBar_->setFixedWidth(toPixels(kBarWidth, font()));
+  remainingField_ = makeTextField("eraseRemainingField", "AccessibleRemainingTime", this);
+  // Its line stays free, or the sheet would grow when there is something to tell.
+  remainingField_->setMinimumHeight(remainingField_->fontMetrics().height());
 
   auto* column = new QVBoxLayout;
   column->setSpacing(10);
   column->addStretch();
   column->addWidget(descriptionField_);
   column->addWidget(progressBar_);
+  column->addWidget(remainingField_);
   column->addStretch();
   auto* body = new QHBoxLayout(this);
   body->setContentsMargins(20, 20, 20, 20);
@@ -65,6 +69,7 @@ void EraseProgressSheet::showBeginning(const std::string& description) {
   const QString text = QString::fromStdString(description);
   setFieldText(*descriptionField_, text);
   setAccessibleName(text);
+  remainingTime_.beginWithNext();
   showFraction(std::nullopt);
   open();
 }
@@ -73,6 +78,7 @@ void EraseProgressSheet::showBeginning(const std::string& description) {
 void EraseProgressSheet::showFraction(std::optional<double> fraction) {
   progressBar_->setRange(0, fraction ? kSteps : 0);
   if (fraction) progressBar_->setValue(static_cast<int>(std::lround(*fraction * kSteps)));
+  setFieldText(*remainingField_, fraction ? remainingTime_.textAt(*fraction) : QString());
   Q_EMIT percentChanged(fraction ? static_cast<int>(100 * *fraction) : -1);
 }
 

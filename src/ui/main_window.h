@@ -62,6 +62,11 @@ class MainWindow : public QWidget, public WindowOutlets {
   void setTerminateReplyHandler(std::function<void(bool shouldTerminate)> replied);
   /// From now on the window closes when it is told to, without asking.
   void allowClosing() { closingAllowed_ = true; }
+  /// It asks again: the application has not quit after all.
+  void askBeforeClosing() { closingAllowed_ = false; }
+
+  /// Called whenever an erase has ended. An alert that tells why it failed is begun right behind.
+  void setEraseEndHandler(std::function<void()> eraseEnded);
 
   /// Calls `next` once no alert stands over the window: at once where there is none.
   void afterAlerts(std::function<void()> next);
@@ -108,6 +113,7 @@ class MainWindow : public QWidget, public WindowOutlets {
   void beginAlertSheet(const Alert& alert, std::function<void(int returnCode)> didEnd) override;
   int runAlertModal(const Alert& alert) override;
   DREraseProgressPanel& eraseProgressPanel() override;
+  bool isErasing() const override;
   void burnDidEnd(BurnEnd end) override;
   void beep() override;
   void selectFile(const std::string& path, const std::string& root) override;
@@ -146,6 +152,7 @@ class MainWindow : public QWidget, public WindowOutlets {
   WindowStatus status_{*this};
   std::function<void()> quitRequested_;
   std::function<void(bool)> terminateReplied_;
+  std::function<void()> eraseEnded_;
   std::function<std::string()> licenseSource_;
   bool closingAllowed_ = false;
   std::unique_ptr<desktop::MotionSetting> motionSetting_;

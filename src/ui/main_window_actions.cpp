@@ -15,6 +15,7 @@
 #include "ui/burn_progress_bar.h"
 #include "ui/burn_view.h"
 #include "ui/confirmation_sheet.h"
+#include "ui/copy_sheet.h"
 #include "ui/disc_erasing.h"
 #include "ui/disc_list_model.h"
 #include "ui/disc_list_view.h"
@@ -66,6 +67,8 @@ void MainWindow::connectActions() {
   });
   connect(&burnView_->progressIndicator(), &BurnProgressBar::percentChanged, this,
           [this](int percent) { showPercent(percent); });
+  connect(copyPanel_, &CopySheet::percentChanged, this,
+          [this](int percent) { showPercent(percent); });
   connect(eraseProgressPanel_, &EraseProgressSheet::percentChanged, this,
           [this](int percent) { showPercent(percent); });
   connect(eraseProgressPanel_, &QDialog::finished, this, [this](int result) {
@@ -74,6 +77,7 @@ void MainWindow::connectActions() {
     } else {
       notifyOfEnd(desktop::Notice::Kind::Failure, "NoticeEraseFailed");
     }
+    if (eraseEnded_) eraseEnded_();
   });
   prefsPanel_->setLicenseHandler([this] { showLicense(); });
   burnConfirmationPanel_->setConfirmHandler([this] {
@@ -153,12 +157,14 @@ void MainWindow::showPercent(int percent) {
   status_.setPercent(percent < 0 ? std::nullopt : std::optional(percent));
 }
 
-// A disc is open while its view or that of its burn is in sight.
+// A disc is open while its view or that of its burn is in sight. What tells how far it is goes on
+// telling it.
 void MainWindow::adaptStatus() {
   const bool burning = contentArea_->isArriving(ContentView::Burn);
   const bool open = burning || contentArea_->isArriving(ContentView::MountedItem);
   status_.setOpenDisc(open ? mountedItemView_->volumeNameField()->text() : QString());
-  if (!burning) status_.setPercent(std::nullopt);
+  const bool isToldHowFar = burning || copyPanel_->isCopying() || eraseProgressPanel_->isErasing();
+  if (!isToldHowFar) status_.setPercent(std::nullopt);
 }
 
 // Selected or not, the disc to be erased is the selected one while the question stands, and is seen
@@ -194,6 +200,10 @@ void MainWindow::setQuitHandler(std::function<void()> quitRequested) {
 
 void MainWindow::setTerminateReplyHandler(std::function<void(bool shouldTerminate)> replied) {
   terminateReplied_ = std::move(replied);
+}
+
+void MainWindow::setEraseEndHandler(std::function<void()> eraseEnded) {
+  eraseEnded_ = std::move(eraseEnded);
 }
 
 void MainWindow::terminate() {

@@ -165,6 +165,10 @@ DREraseProgressPanel& MainWindow::eraseProgressPanel() {
   return *eraseProgressPanel_;
 }
 
+bool MainWindow::isErasing() const {
+  return eraseProgressPanel_->isErasing();
+}
+
 void MainWindow::burnDidEnd(BurnEnd end) {
   if (end == BurnEnd::Failed) {
     notifyOfEnd(desktop::Notice::Kind::Failure, "NoticeBurnFailed");

@@ -33,11 +33,13 @@ RemainingTime::RemainingTime(Clock clock) : clock_(std::move(clock)) {
 void RemainingTime::begin(double fraction) {
   beginning_ = clock_();
   fractionAtBeginning_ = fraction;
+  beginsWithNext_ = false;
 }
 
-QString RemainingTime::textAt(double fraction) const {
+QString RemainingTime::textAt(double fraction) {
   constexpr double kMillisecondsPerMinute = 60'000;
   constexpr double kRounding = 0.01;
+  if (beginsWithNext_) begin(fraction);
   const milliseconds elapsed = clock_() - beginning_;
   const double done = fraction - fractionAtBeginning_;
   if (elapsed < kLeastTime || done < kLeastFraction || fraction >= 1) return {};

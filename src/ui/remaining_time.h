@@ -19,15 +19,18 @@ class RemainingTime {
 
   /// From here on it is judged; `fraction`, from 0 to 1, was done before.
   void begin(double fraction = 0);
+  /// It is judged from the next `textAt` on: what is done by then tells nothing of the rest.
+  void beginWithNext() { beginsWithNext_ = true; }
 
   /// In words of the user's language; empty while too little has been seen to judge by, and when
   /// all is done.
-  QString textAt(double fraction) const;
+  QString textAt(double fraction);
 
  private:
   Clock clock_;
   std::chrono::milliseconds beginning_{0};
   double fractionAtBeginning_ = 0;
+  bool beginsWithNext_ = false;
 };
 
 }  // namespace kelvane

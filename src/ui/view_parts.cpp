@@ -35,6 +35,8 @@ QLabel* makeTextField(const char* name, const std::string& accessibleKey, QWidge
 void setFieldText(QLabel& field, const QString& text) {
   if (field.accessibleDescription().isEmpty()) {
     field.setAccessibleDescription(field.accessibleName());
+  } else if (field.text() == text) {
+    return;  // Screen readers would hear of a change.
   }
   field.setText(text);
   field.setAccessibleName(text.isEmpty() ? field.accessibleDescription() : text);

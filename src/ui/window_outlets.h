@@ -108,6 +108,8 @@ class WindowOutlets {
 
   /// The shared progress panel of erases.
   virtual DREraseProgressPanel& eraseProgressPanel() = 0;
+  /// Whether it follows an erase, which nobody can stop.
+  virtual bool isErasing() const { return false; }
 
   /// A burn is over. Where it failed, an alert has been begun that tells why.
   virtual void burnDidEnd(BurnEnd end) = 0;

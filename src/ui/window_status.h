@@ -20,8 +20,8 @@ class WindowStatus {
 
   /// The name of the open disc; empty while none is open.
   void setOpenDisc(const QString& volumeName);
-  /// How much of a burn or an erase is done, in whole percent from 0 to 100; none while nothing is
-  /// going on, or nobody knows how far it is.
+  /// How much of a burn, an erase or a copy is done, in whole percent from 0 to 100; none while
+  /// nothing is going on, or nobody knows how far it is.
   void setPercent(std::optional<int> percent);
 
  private:

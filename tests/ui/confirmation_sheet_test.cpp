@@ -191,6 +191,93 @@ TEST_F(ConfirmationSheet, LongNameOfADiscIsKeptAsItIs) {
   EXPECT_EQ(window_.burnConfirmationDiskTitle(), "A volume name of 32 characters..");
 }
 
+/// A disc that was made elsewhere may bear a name that could not be typed here.
+class NameFromElsewhere : public ConfirmationSheet {
+ protected:
+  void preset(const QString& name) {
+    window_.endBurnConfirmationSheet();
+    window_.setBurnConfirmationDiskTitle(name.toStdString());
+    window_.beginBurnConfirmationSheet();
+    ASSERT_EQ(title()->selectedText(), name);
+  }
+  void press(Qt::Key key, int times = 1, Qt::KeyboardModifiers modifiers = {}) {
+    for (int press = 0; press < times; ++press) QTest::keyClick(title(), key, modifiers);
+  }
+
+  const QString longName_ = QStringLiteral("Twenty characters ..");
+};
+
+TEST_F(NameFromElsewhere, IsNotTypedOverByWhatNoNameMayHold) {
+  for (const char* name : {"Twenty characters ..", "Backup (2)", "Menü"}) {
+    preset(QString::fromUtf8(name));
+    press(Qt::Key_Slash);
+    EXPECT_EQ(window_.burnConfirmationDiskTitle(), name);
+    QTest::keyClicks(title(), "S/u*m");
+    EXPECT_EQ(window_.burnConfirmationDiskTitle(), "Sum");
+  }
+}
+
+TEST_F(NameFromElsewhere, DoesNotBecomeLongerThanItMay) {
+  preset(longName_);
+  press(Qt::Key_End);
+  press(Qt::Key_X);
+  EXPECT_EQ(title()->text(), longName_);
+  press(Qt::Key_Home);
+  press(Qt::Key_X);
+  EXPECT_EQ(title()->text(), longName_);
+}
+
+TEST_F(NameFromElsewhere, CanBeShortenedUntilThereIsRoomAgain) {
+  preset(longName_);
+  press(Qt::Key_End);
+  press(Qt::Key_Backspace, 3);
+  EXPECT_EQ(title()->text(), "Twenty characters");
+  press(Qt::Key_X);
+  EXPECT_EQ(title()->text(), "Twenty characters") << "that would be 18 characters";
+  press(Qt::Key_Home);
+  press(Qt::Key_Delete, 7);
+  EXPECT_EQ(title()->text(), "characters");
+  press(Qt::Key_X, 7);
+  EXPECT_EQ(title()->text(), "xxxxxxcharacters") << "16 characters";
+}
+
+TEST_F(NameFromElsewhere, CanBeShortenedPastCharactersThatCouldNotBeTyped) {
+  preset(QString::fromUtf8("Grüße (2)"));
+  press(Qt::Key_End);
+  press(Qt::Key_Backspace, 5);
+  EXPECT_EQ(title()->text(), QString::fromUtf8("Grüß"));
+  press(Qt::Key_Slash);
+  EXPECT_EQ(title()->text(), QString::fromUtf8("Grüß"));
+  press(Qt::Key_Left, 2, Qt::ShiftModifier);
+  press(Qt::Key_Slash);
+  EXPECT_EQ(title()->text(), QString::fromUtf8("Grüß"));
+  press(Qt::Key_U);
+  EXPECT_EQ(title()->text(), "Gru");
+}
+
+TEST_F(NameFromElsewhere, ComesBackWhenTheTypingIsUndoneAndIsStillNotTypedOver) {
+  preset(longName_);
+  press(Qt::Key_S);
+  ASSERT_EQ(title()->text(), "s");
+  QTest::keySequence(title(), QKeySequence::Undo);
+  EXPECT_EQ(title()->text(), longName_);
+  press(Qt::Key_End);
+  press(Qt::Key_X);
+  EXPECT_EQ(title()->text(), longName_);
+  press(Qt::Key_A, 1, Qt::ControlModifier);
+  press(Qt::Key_Slash);
+  EXPECT_EQ(title()->text(), longName_);
+}
+
+TEST_F(NameFromElsewhere, IsBurnedByReturnAsItIs) {
+  preset(QString::fromUtf8("Grüße"));
+  press(Qt::Key_Home);
+  press(Qt::Key_Right, 3);
+  press(Qt::Key_Return);
+  EXPECT_THAT(actions_.calls, ElementsAre("burnConfirmationDidConfirm"));
+  EXPECT_EQ(window_.burnConfirmationDiskTitle(), "Grüße");
+}
+
 TEST_F(ConfirmationSheet, OpensAgainAfterAnAnswer) {
   click(child<QPushButton>("burnCancelButton"));
   window_.setBurnConfirmationDiskTitle("Other");

@@ -18,10 +18,13 @@
 #include <QProgressBar>
 #include <QPushButton>
 #include <QTest>
+#include <QTimer>
 #include <QUrl>
 #include <filesystem>
 #include <fstream>
 
+#include "desktop/fake_services.h"
+#include "desktop/private_bus.h"
 #include "foundation/temporary_folder.h"
 #include "ui/dropped_files.h"
 #include "ui/mounted_item_view.h"
@@ -363,6 +366,54 @@ TEST_F(RunningCopy, TellsWhatIsCopiedHowFarItIsAndTakesNoOther) {
   EXPECT_THAT(sheet()->findChild<QLabel*>("copyAmountField")->text().toStdString(),
               ::testing::StartsWith("1 of 3 files"));
   EXPECT_FALSE(enter(*filesOf({from("a")})));
+}
+
+TEST_F(RunningCopy, IsSeenInTheTitleAndTheTaskBarUntilItEnds) {
+  const test::PrivateBus bus;
+  const test::FakeLauncher launcher(bus.services());
+  answer("copySkip");
+  awaitQuestion();
+  const QString title = QStringLiteral("33% – HOLIDAY – KelvaneFS");
+  window_.setVolumeNameField("HOLIDAY");
+  EXPECT_TRUE(QTest::qWaitFor([&] { return window_.windowTitle() == title; }, 60000))
+      << window_.windowTitle().toStdString();
+  // The volume's room changes with all that is copied, and the view of the disc is filled again.
+  sheet()->findChild<QTimer*>()->stop();
+  window_.setVolumeNameField("HOLIDAY");
+  EXPECT_EQ(window_.windowTitle(), title);
+  answer("copySkip");
+  awaitQuestion();
+  answer("copySkip");
+  waitUntilCopied();
+  EXPECT_EQ(window_.windowTitle(), "HOLIDAY – KelvaneFS");
+  EXPECT_TRUE(QTest::qWaitFor(
+      [&launcher] { return !launcher.shown.empty() && launcher.shown.back().ends_with(" none"); },
+      60000));
+  EXPECT_THAT(launcher.shown, ::testing::Contains("application://kelvanefs.desktop 33%"));
+}
+
+TEST_F(RunningCopy, IsSeenNoMoreInTheTitleWhenItIsCancelledFromElsewhere) {
+  answer("copySkip");
+  awaitQuestion();
+  ASSERT_TRUE(QTest::qWaitFor([this] { return window_.windowTitle().startsWith("33%"); }, 60000));
+  window_.endCopySheet();
+  EXPECT_EQ(window_.windowTitle(), "KelvaneFS");
+}
+
+TEST_F(RunningCopy, HowMuchIsCopiedIsSpoken) {
+  answer("copySkip");
+  awaitQuestion();
+  const auto* amount = sheet()->findChild<QLabel*>("copyAmountField");
+  ASSERT_TRUE(QTest::qWaitFor([amount] { return amount->text().startsWith("1 of 3"); }, 60000));
+  EXPECT_EQ(amount->accessibleName(), amount->text());
+  EXPECT_EQ(amount->accessibleDescription(), "How much is copied");
+}
+
+TEST_F(RunningCopy, ThatWasCancelledLeavesNoWordForTheNextOne) {
+  click(sheet()->findChild<QPushButton*>("copyCancelButton"));
+  waitUntilCopied();
+  drop(*filesOf({from("a")}));
+  EXPECT_EQ(sheet()->findChild<QLabel*>("copyRemainingField")->text(), "");
 }
 
 TEST_F(RunningCopy, IsCancelledByTheButtonOfItsSheet) {

@@ -142,6 +142,43 @@ TEST_F(EraseProgressSheet, BarMovesWithoutAnEndUntilTheDriveTellsHowFarItIs) {
   EXPECT_EQ(bar->accessibleName(), "Progress of the erasing");
 }
 
+TEST_F(EraseProgressSheet, RemainingTimeIsToldAndSpokenWhereTheDriveTellsHowFarItIs) {
+  beginAndPause();
+  const auto* remaining = sheet()->findChild<QLabel*>("eraseRemainingField");
+  ASSERT_NE(remaining, nullptr);
+  const QSize before = sheet()->size();
+  report(0.4);
+  EXPECT_EQ(remaining->text(), "") << "it is judged by what passes from here on";
+  EXPECT_TRUE(QTest::qWaitFor(
+      [&] {
+        report(0.9);
+        return !remaining->text().isEmpty();
+      },
+      kFarTooLong));
+  EXPECT_EQ(remaining->text(), "Less than a minute left");
+  EXPECT_EQ(remaining->accessibleName(), "Less than a minute left");
+  EXPECT_EQ(remaining->accessibleDescription(), "Remaining time");
+  EXPECT_EQ(sheet()->size(), before);
+  goOn();
+  ASSERT_TRUE(sheetHasGone());
+  std::filesystem::remove(folder_ + "/go");
+  begin(DriveRegistry::shared().devices().front());
+  report(0.5);
+  EXPECT_EQ(remaining->text(), "") << "the next erase is judged by itself";
+}
+
+TEST_F(EraseProgressSheet, ItsProgressIsSeenInTheTitleUntilItEnds) {
+  beginAndPause();
+  report(0.37);
+  EXPECT_EQ(window_.windowTitle(), "37% – KelvaneFS");
+  // Another disc is opened or closed meanwhile.
+  window_.setFrame(ContentView::MountedItem, kRightOfWindow, Movement::Direct);
+  EXPECT_EQ(window_.windowTitle(), "37% – KelvaneFS");
+  goOn();
+  ASSERT_TRUE(sheetHasGone());
+  EXPECT_EQ(window_.windowTitle(), "KelvaneFS");
+}
+
 TEST_F(EraseProgressSheet, EveryEraseBeginsAnew) {
   beginAndPause();
   report(0.9);

@@ -43,5 +43,13 @@ TEST_F(RemainingTimeTest, LeavesOutWhatWasDoneBefore) {
   EXPECT_EQ(remaining_.textAt(0.75), "Less than a minute left") << "one minute is not spoken of";
 }
 
+TEST_F(RemainingTimeTest, IsJudgedFromTheNextFractionOn) {
+  now_ += minutes(50);
+  remaining_.beginWithNext();
+  EXPECT_EQ(remaining_.textAt(0.5), "") << "nothing has been seen of it yet";
+  now_ += minutes(1);
+  EXPECT_EQ(remaining_.textAt(0.6), "About 4 minutes left");
+}
+
 }  // namespace
 }  // namespace kelvane

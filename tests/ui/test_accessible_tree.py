@@ -1,7 +1,12 @@
 # SPDX-License-Identifier: GPL-2.0-or-later
 """What a screen reader finds in each state of the real application, over AT-SPI."""
 
+import os
+import pathlib
+
 from real_window import RealWindowTest, pyatspi, tree
+
+LIBEXEC = pathlib.Path(os.environ["KELVANE_LIBEXEC_DIR"])
 
 # Nobody asks for these by name: they hold others, or divide them.
 CONTAINERS = {"filler", "panel", "scroll pane", "separator", "layered pane", "viewport",
@@ -27,6 +32,22 @@ class AccessibleTree(RealWindowTest):
 
     def press(self, name):
         self.wait_for(name, "push button").queryAction().doAction(0)
+
+    def let_recorder_wait(self):
+        """What starts as the recorder waits for a file, which is given, before it becomes the real one."""
+        sign = self.folder / "go on"
+        programs = self.folder / "installation/libexec/kelvanefs"
+        programs.mkdir(parents=True)
+        for program in LIBEXEC.iterdir():
+            if program.name != "recorder":
+                (programs / program.name).symlink_to(program)
+        recorder = programs / "recorder"
+        recorder.write_text("#!/bin/sh\n"
+                            f"while [ -d '{self.folder}' ] && ! [ -e '{sign}' ]; do sleep 0.01; done\n"
+                            f"exec '{LIBEXEC}/recorder' \"$@\"\n")
+        recorder.chmod(0o755)
+        self.environment["KELVANEFS_EXECUTABLE"] = str(self.folder / "installation/bin/kelvanefs")
+        return sign
 
     def test_states_of_a_session(self):
         music = self.make_disc("MUSIC", "cd-r")
@@ -83,3 +104,37 @@ class AccessibleTree(RealWindowTest):
         self.press("Erase Disc…")
         self.wait_for("Erase this disc?")
         self.check("erase")
+
+    def test_erasing(self):
+        discs = [self.make_disc(name, "cd-rw") for name in ("ONE", "TWO")]
+        self.agree_to_license()
+        sign = self.let_recorder_wait()
+        self.start(*discs)
+        self.wait_for("ONE, CDRW in KELVANE SOFTWARE BURNER")
+        self.press("Erase Disc…")
+        self.wait_for("Erase this disc?")
+        self.press("Erase")
+        self.wait_for("Progress of the erasing", "progress bar")
+        self.wait_for("Erasing the disc…", "label")
+        self.check("erasing")
+        sign.touch()
+        self.wait_until("the sheet's end", lambda: len(self.windows()) == 1)
+
+    def test_copying_and_the_question_about_a_name_that_is_taken(self):
+        disc = self.make_disc("LETTERS", "cd-rw")
+        self.agree_to_license()
+        self.start(disc)
+        self.wait_until("the volume", lambda: (self.volume / "first.txt").exists())
+        new = self.folder / "first.txt"
+        new.write_text("new")
+        self.wait_for("Close Disc", "push button")
+        self.keys("ctrl+shift+a")
+        self.wait_for("Choose files for the disc")
+        self.type(str(new))
+        self.press("Add")
+        self.wait_for("“first.txt” is on the disc already")
+        self.wait_for("Progress of the copying", "progress bar")
+        self.check("copying")
+        self.press("Keep Both")
+        self.wait_until("the end of the copying", lambda: len(self.windows()) == 1)
+        self.assertEqual((self.volume / "first (2).txt").read_text(), "new")

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: GPL-2.0-or-later
 // No text is cut and nothing lies over another thing, in every state, in both languages, with
-// platform fonts of 10 to 18 points, and on screens of more pixels.
+// platform fonts of 10 to 18 points, laid out from either side, and on screens of more pixels.
 #include <QAbstractButton>
 #include <QApplication>
 #include <QCoreApplication>
@@ -69,14 +69,19 @@ std::vector<std::string> misfits(QWidget* top) {
   return found;
 }
 
-class TextsFit : public ::testing::TestWithParam<std::tuple<const char*, int>> {
+class TextsFit
+    : public ::testing::TestWithParam<std::tuple<const char*, int, Qt::LayoutDirection>> {
  protected:
   TextsFit() : language_(std::get<0>(GetParam())), before_(QApplication::font()) {
     QFont font = before_;
     font.setPointSize(std::get<1>(GetParam()));
     QApplication::setFont(font);
+    QApplication::setLayoutDirection(std::get<2>(GetParam()));
   }
-  ~TextsFit() override { QApplication::setFont(before_); }
+  ~TextsFit() override {
+    QApplication::setLayoutDirection(Qt::LeftToRight);
+    QApplication::setFont(before_);
+  }
 
  private:
   Language language_;
@@ -91,6 +96,7 @@ TEST_P(TextsFit, InEveryState) {
   for (const WindowState& state : windowStates()) {
     QWidget* top = state.enter(window);
     ASSERT_NE(top, nullptr) << state.name;
+    ASSERT_EQ(top->layoutDirection(), std::get<2>(GetParam())) << state.name;
     QCoreApplication::processEvents();
     EXPECT_THAT(misfits(top), IsEmpty()) << state.name;
     leaveState(window);
@@ -98,13 +104,21 @@ TEST_P(TextsFit, InEveryState) {
   }
 }
 
+std::string languageAndFont(const ::testing::TestParamInfo<TextsFit::ParamType>& test) {
+  return std::string(std::get<0>(test.param)) + std::to_string(std::get<1>(test.param));
+}
+
 INSTANTIATE_TEST_SUITE_P(LanguagesAndFonts, TextsFit,
                          ::testing::Combine(::testing::Values("en", "de"),
-                                            ::testing::Values(10, 11, 13, 15, 18)),
-                         [](const auto& test) {
-                           return std::string(std::get<0>(test.param)) +
-                                  std::to_string(std::get<1>(test.param));
-                         });
+                                            ::testing::Values(10, 11, 13, 15, 18),
+                                            ::testing::Values(Qt::LeftToRight)),
+                         languageAndFont);
+
+INSTANTIATE_TEST_SUITE_P(FromTheRight, TextsFit,
+                         ::testing::Combine(::testing::Values("en", "de"),
+                                            ::testing::Values(10, 18),
+                                            ::testing::Values(Qt::RightToLeft)),
+                         languageAndFont);
 
 /// A platform with a screen as large as those that are scaled; its own would be too small then.
 QString platformWithLargeScreen(const QTemporaryDir& folder) {

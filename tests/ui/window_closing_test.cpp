@@ -48,6 +48,15 @@ TEST_F(WindowClosing, DeferredQuitClosesTheWindowAfterItsReply) {
   EXPECT_EQ(asked_, 1) << "closing for good does not ask again";
 }
 
+TEST_F(WindowClosing, AsksAgainWhereTheApplicationHasNotQuitAfterAll) {
+  window_.setQuitHandler([this] { ++asked_; });
+  window_.allowClosing();
+  window_.askBeforeClosing();
+  EXPECT_FALSE(window_.close());
+  EXPECT_EQ(asked_, 1);
+  EXPECT_TRUE(window_.isVisible());
+}
+
 TEST_F(WindowClosing, TerminateAsksLikeTheUser) {
   window_.setQuitHandler([this] { ++asked_; });
   window_.terminate();

@@ -2,16 +2,16 @@
 // Shows the main window in each of its states, filled with sample data, and saves a picture of each
 // into the folder given: window_gallery FOLDER [LANGUAGE]
 #include <QApplication>
+#include <QDialog>
 #include <QDir>
 #include <QDragEnterEvent>
-#include <QElapsedTimer>
 #include <QFile>
+#include <QLabel>
 #include <QMenu>
 #include <QMimeData>
 #include <QPainter>
 #include <QPixmap>
 #include <QScrollBar>
-#include <QTemporaryDir>
 #include <QTextBrowser>
 #include <QTimer>
 #include <QUrl>
@@ -23,9 +23,10 @@
 #include "platform/foundation/strings_table.h"
 #include "ui/agreement_window.h"
 #include "ui/burn_summary.h"
-#include "ui/copy_job.h"
+#include "ui/erase_progress_sheet.h"
 #include "ui/every_alert.h"
 #include "ui/main_window.h"
+#include "ui/sample_copy.h"
 #include "ui/sample_records.h"
 #include "ui/sliding_area.h"
 
@@ -107,6 +108,7 @@ class Gallery {
     copying();
     confirming();
     burning();
+    erasing();
     for (const Alert& alert : testing::everyAlert()) shootAlert(alert);
     update();
     license();
@@ -175,29 +177,10 @@ class Gallery {
 
   /// A copy that stands at the question about a name that is taken.
   void copying() {
-    QTemporaryDir from;
-    QTemporaryDir to;
-    const QString name = QStringLiteral("/Holiday report 2019.odt");
-    CopyRequest request;
-    request.folder = to.path().toStdString();
-    for (const QString& file : {QStringLiteral("/A film.mkv"), name}) {
-      QFile made(from.path() + file);
-      if (made.open(QIODevice::WriteOnly)) made.write(QByteArray(7'500'000, 'x'));
-      request.sources.push_back(made.fileName().toStdString());
-    }
-    QFile(from.path() + name).copy(to.path() + name);
-    window_.beginCopySheet(request);
-    const auto question = [] {
-      for (QWidget* widget : QApplication::topLevelWidgets()) {
-        if (widget->objectName() == QStringLiteral("copyQuestion")) return widget;
-      }
-      return static_cast<QWidget*>(nullptr);
-    };
-    QElapsedTimer waiting;
-    waiting.start();
-    while (question() == nullptr || waiting.elapsed() < 300) QCoreApplication::processEvents();
+    testing::SampleCopy copy;
+    QDialog* question = copy.begin(window_);
     shoot(QStringLiteral("copy-question"));
-    question()->setVisible(false);
+    question->hide();
     shoot(QStringLiteral("copying"));
     window_.endCopySheet();
   }
@@ -255,6 +238,17 @@ class Gallery {
     window_.setFrame(ContentView::DiskScroll, kInWindow, Movement::Direct);
     window_.setHeaderLine(localizedString("headerDisksAvail"));
     window_.setOpenButtonCaption(localizedString("buttonopen"));
+  }
+
+  void erasing() {
+    auto* sheet = window_.findChild<EraseProgressSheet*>();
+    sheet->showBeginning(localizedString("erasingdisk"));
+    shoot(QStringLiteral("erase-begins"));
+    sheet->showFraction(0.42);
+    window_.findChild<QLabel*>(QStringLiteral("eraseRemainingField"))
+        ->setText(QString::fromStdString(format(localizedString("MinutesLeft"), 12)));
+    shoot(QStringLiteral("erasing"));
+    sheet->showEnd({});
   }
 
   void shootAlert(const Alert& alert) {

@@ -3,15 +3,20 @@
 
 #include <QApplication>
 #include <QDialog>
+#include <QLabel>
+#include <QTimer>
 #include <QTranslator>
+#include <optional>
 
 #include "platform/foundation/placeholders.h"
 #include "platform/foundation/strings_table.h"
 #include "ui/burn_summary.h"
+#include "ui/erase_progress_sheet.h"
 #include "ui/every_alert.h"
 #include "ui/license_reader.h"
 #include "ui/media_controller.h"
 #include "ui/preferences_panel.h"
+#include "ui/sample_copy.h"
 #include "ui/sample_records.h"
 
 namespace kelvane::testing {
@@ -22,6 +27,7 @@ constexpr Rect kLeft{-402, 33, 402, 86};
 constexpr Rect kRight{402, 33, 402, 86};
 
 constexpr double kHalfBurned = 1.37;
+constexpr double kHalfErased = 0.42;
 
 QWidget* visibleChild(MainWindow& window, const char* name) {
   for (QWidget* sheet : window.findChildren<QWidget*>(QLatin1String(name))) {
@@ -141,6 +147,41 @@ QWidget* burning(MainWindow& window) {
   return &window;
 }
 
+/// Text that passing time would show.
+void setRemainingTime(MainWindow& window, const char* field) {
+  window.findChild<QLabel*>(QLatin1String(field))
+      ->setText(QString::fromStdString(format(localizedString("MinutesLeft"), 120)));
+}
+
+QWidget* erasing(MainWindow& window) {
+  list(window);
+  auto* sheet = window.findChild<EraseProgressSheet*>();
+  sheet->showBeginning(localizedString("erasingdisk"));
+  sheet->showFraction(kHalfErased);
+  setRemainingTime(window, "eraseRemainingField");
+  return sheet;
+}
+
+/// The copy that a window shows; there is one at a time.
+std::optional<SampleCopy>& shownCopy() {
+  static std::optional<SampleCopy> copy;
+  return copy;
+}
+
+QWidget* copyQuestion(MainWindow& window) {
+  opened(window);
+  return shownCopy().emplace().begin(window);
+}
+
+QWidget* copying(MainWindow& window) {
+  copyQuestion(window)->hide();
+  QWidget* sheet = visibleChild(window, "copyPanel");
+  // Or it would tell the time that it knows.
+  sheet->findChild<QTimer*>()->stop();
+  setRemainingTime(window, "copyRemainingField");
+  return sheet;
+}
+
 QWidget* preferences(MainWindow& window) {
   auto* panel = window.findChild<PreferencesPanel*>();
   panel->present();
@@ -166,6 +207,9 @@ std::vector<WindowState> allStates() {
                                   {"discarding", discarding},
                                   {"burnBegins", burnBegins},
                                   {"burning", burning},
+                                  {"erasing", erasing},
+                                  {"copying", copying},
+                                  {"copyQuestion", copyQuestion},
                                   {"preferences", preferences},
                                   {"license", license}};
   for (const Alert& alert : everyAlert()) {
@@ -192,6 +236,8 @@ void leaveState(MainWindow& window) {
   for (QDialog* sheet : window.findChildren<QDialog*>()) {
     if (sheet->objectName() == QLatin1String("alertSheet")) delete sheet;
   }
+  window.endCopySheet();
+  shownCopy().reset();
   window.endBurnConfirmationSheet();
   window.orderOutBurnConfirmationPanel();
   for (QDialog* panel : window.findChildren<QDialog*>()) panel->hide();
