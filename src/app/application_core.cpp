@@ -56,8 +56,6 @@ std::unique_ptr<ApplicationCore> ApplicationCore::create(
   return std::unique_ptr<ApplicationCore>(new ApplicationCore(std::move(*lock)));
 }
 
-ApplicationCore::ApplicationCore(MountPointsLock lock) : lock_(std::move(lock)) {
-  visibleMounts_.start();
-}
+ApplicationCore::ApplicationCore(MountPointsLock lock) : lock_(std::move(lock)) {}
 
 }  // namespace kelvane

@@ -12,8 +12,9 @@
 namespace kelvane {
 
 /// What window and batch mode have in common below the controller: the right to the fixed mount
-/// points, the drives, and the visible mounts of emulated discs. Ends all of it when deleted. Main
-/// thread only; one at a time.
+/// points, the drives, and the visible mounts of discs. The drives are left alone until the
+/// controller sets them up; see ControllerServices::drivesWillBeObserved. Ends all of it when
+/// deleted. Main thread only; one at a time.
 class ApplicationCore {
  public:
   /// Null, with one sentence for the user in `error`, where another instance runs, the folder of

@@ -15,6 +15,7 @@ namespace kelvane {
 ControllerServices systemControllerServices(VisibleMounts& visibleMounts) {
   ControllerServices services;
   services.devices = [] { return DRDevice::devices(); };
+  services.drivesWillBeObserved = [&visibleMounts] { visibleMounts.start(); };
   services.discsWillBeScanned = [&visibleMounts] { visibleMounts.updateAll(); };
   services.volumes = &VolumeServices::system();
   services.userFileSystemIsAvailable = [](std::string* reason) {

@@ -18,6 +18,10 @@ class DRDevice;
 struct ControllerServices {
   /// Every drive, in the order in which they are listed. Main thread.
   std::function<std::vector<DRDevice*>()> devices;
+  /// The controller is about to observe the drives: whoever is to hear of them before it does so
+  /// from now on. Until then nobody asks a drive or mounts a disc, since the user has not agreed to
+  /// the licence yet, or what is needed for opening discs is missing. Main thread.
+  std::function<void()> drivesWillBeObserved = [] {};
   /// The discs are about to be looked at: those that nobody mounts but this application are mounted
   /// now. The scan waits for a volume on the main thread, where it could not be mounted meanwhile.
   std::function<void()> discsWillBeScanned = [] {};

@@ -53,6 +53,9 @@ class KVController : public WindowActions {
   /// Reserves every drive and registers for the notifications of drives and burns. The first scan
   /// runs with the first notification of a drive.
   void initialiseDR();
+  /// Whether start-up has come as far as the drives: not without the user's agreement, nor where
+  /// the file system is missing.
+  bool observesDrives() const { return observesDrives_; }
   void installationAlertDidEnd(int returnCode);
 
   // The list of discs.
@@ -212,6 +215,7 @@ class KVController : public WindowActions {
 
   KVLicenseController* licenseController_ = nullptr;
   bool allowMainWindowUnhide_ = false;
+  bool observesDrives_ = false;
   SingleDisc singleDisc_ = SingleDisc::Opened;
   std::atomic<DRDevice*> currentDevice_ = nullptr;
   mutable std::mutex currentDeviceDictionaryMutex_;

@@ -75,6 +75,7 @@ void KVController::initialiseController() {
 
 void KVController::initialiseDR() {
   for (DRDevice* device : services_.devices()) device->acquireMediaReservation();
+  services_.drivesWillBeObserved();
   DRNotificationCenter& center = DRNotificationCenter::currentRunLoopCenter();
   center.addObserver(
       this, [this](const Notification&) { scanForMedia(); }, DRDeviceStatusChangedNotification,
@@ -82,6 +83,7 @@ void KVController::initialiseDR() {
   center.addObserver(
       this, [this](const Notification& notification) { cdburnstatuschanged(notification); },
       DRBurnStatusChangedNotification, nullptr);
+  observesDrives_ = true;
 }
 
 void KVController::installationAlertDidEnd(int returnCode) {

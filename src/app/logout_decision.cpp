@@ -27,11 +27,13 @@ LogoutDecision::LogoutDecision(KVController& controller, KVAppDelegate& delegate
 }
 
 bool LogoutDecision::somethingIsAtStake() const {
-  return controller_.burnInProgress() || controller_.mediaIsMounted();
+  return controller_.burnInProgress() || controller_.mediaIsMounted() || window_.isErasing();
 }
 
 TerminateReply LogoutDecision::decide() {
   if (somethingIsAtStake()) window_.makeKeyAndOrderFront();
+  // When it has ended the decision is made anew.
+  if (window_.isErasing()) return TerminateReply::Later;
   const bool burns = controller_.burnInProgress();
   const TerminateReply answer = delegate_.applicationShouldTerminate();
   // Who logs out may not look at the window, and a beep says little about a log-out that fails.
@@ -81,10 +83,14 @@ void LogoutDecision::portalTells(SessionState state) {
   }
   // The session manager waits a second for the acknowledgement, and closing a volume may take its
   // time, so holding off comes first.
-  const char* why = controller_.burnInProgress() ? "burningdisk" : "LogoutDiscOpen";
-  inhibition_ = std::make_unique<desktop::LogoutInhibition>(localizedString(why),
+  inhibition_ = std::make_unique<desktop::LogoutInhibition>(localizedString(reasonToStay()),
                                                             [this] { monitor_->acknowledge(); });
   decide();
+}
+
+const char* LogoutDecision::reasonToStay() const {
+  if (controller_.burnInProgress()) return "burningdisk";
+  return window_.isErasing() ? "erasingdisk" : "LogoutDiscOpen";
 }
 
 void LogoutDecision::reply(bool shouldTerminate) {

@@ -15,7 +15,7 @@ namespace kelvane {
 
 /// Answers for the application when the user's session is to end, by the same decision as when it
 /// is asked to quit: a burn refuses, an open disc is closed first, and the session waits for what
-/// the user answers then.
+/// the user answers then. It also waits for the end of an erase.
 ///
 /// Where a session manager of the X Session Management Protocol runs the session, it is answered
 /// through Qt; otherwise the desktop's portal is, by a LogoutInhibition. The application does not
@@ -39,6 +39,7 @@ class LogoutDecision : public QObject {
   bool waitForReply();
   void portalTells(desktop::SessionMonitor::State state);
   void tellThatABurnRuns();
+  const char* reasonToStay() const;
 
   KVController& controller_;
   KVAppDelegate& delegate_;

@@ -2,6 +2,7 @@
 #include "app/window_session.h"
 
 #include <QApplication>
+#include <QPointer>
 #include <filesystem>
 #include <utility>
 
@@ -46,29 +47,29 @@ WindowSession::~WindowSession() {
 void WindowSession::start() {
   controller_.awakeFromNib();
   delegate_.applicationDidFinishLaunching();
-  if (!controller_.allowMainWindowUnhide()) return;
+  if (!controller_.observesDrives()) return;
+  // The first reports of the drives are on their way to whoever observes them by then.
   closedDrives_.emplace(window_);
   wireEmulatedDrives();
-  // The drives have reported once, to whoever observed them first. The controller observes them
-  // only when the user has agreed to the licence, and would wait for the next change.
-  for (const DRDevice* device : DRDevice::devices()) {
-    DRNotificationCenter::currentRunLoopCenter().post(DRDeviceStatusChangedNotification, device);
-  }
 }
 
 void WindowSession::wireQuitting() {
   window_.setQuitHandler([this] { quitRequested(); });
-  window_.setTerminateReplyHandler([this](bool shouldTerminate) {
+  const auto reply = [this](bool shouldTerminate) {
     if (!quitIsPending_ && !logout_.isPending()) return;
     // What has gone wrong is told by an alert, which may be begun right behind the reply.
     performOnMainThread([this, shouldTerminate] {
       window_.afterAlerts([this, shouldTerminate] { replied(shouldTerminate); });
     });
-  });
+  };
+  window_.setTerminateReplyHandler(reply);
+  window_.setEraseEndHandler([reply] { reply(true); });
 }
 
-// A disc that has been opened in the meantime asks for a decision of its own.
+// A disc that has been opened in the meantime asks for a decision of its own, and the end of an
+// erase is waited for whatever has been replied: that brings us here again.
 void WindowSession::replied(bool shouldTerminate) {
+  if (window_.isErasing()) return;
   if (shouldTerminate && logout_.somethingIsAtStake()) {
     const TerminateReply answer = delegate_.applicationShouldTerminate();
     if (answer == TerminateReply::Later) return;
@@ -78,7 +79,12 @@ void WindowSession::replied(bool shouldTerminate) {
   if (std::exchange(quitIsPending_, false) && shouldTerminate) quit();
 }
 
+// An erase cannot be stopped, and nobody but its sheet would tell how it has ended.
 void WindowSession::quitRequested() {
+  if (window_.isErasing()) {
+    quitIsPending_ = true;
+    return;
+  }
   switch (delegate_.applicationShouldTerminate()) {
     case TerminateReply::Cancel:
       return;
@@ -94,7 +100,11 @@ void WindowSession::quitRequested() {
 void WindowSession::quit() {
   window_.allowClosing();
   // What the clean-up has queued on this thread comes first.
-  performOnMainThread([] { QCoreApplication::quit(); });
+  performOnMainThread([window = QPointer(&window_)] {
+    QCoreApplication::quit();
+    // Where a window has refused to close, the application goes on.
+    if (window) window->askBeforeClosing();
+  });
 }
 
 void WindowSession::reopen() {

@@ -39,7 +39,8 @@ class WindowSession {
   /// Offers to put the discs of empty emulated drives back.
   void offerEjectedDiscs();
   void quitRequested();
-  /// The answer to a decision that was deferred, once the user has read what came of it.
+  /// The answer to a decision that was deferred, or an erase has ended that a decision waits for;
+  /// once the user has read what came of it.
   void replied(bool shouldTerminate);
   void quit();
   /// The user has started the application once more.

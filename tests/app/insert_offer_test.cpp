@@ -26,6 +26,7 @@ TEST_F(InsertOffer, IsNotMadeWhileTheDriveTakesTheDiscIn) {
   when([] { return isReady() && message() == localizedString("loadingdisk"); },
        [] {
          EXPECT_FALSE(isMade());
+         EXPECT_EQ(firstDiscImage(), discImage()) << "also one that is still loading has it";
          quitByKey();
        });
   runWithDisc();

@@ -100,6 +100,9 @@ TEST_F(KVControllerBurn, TheCleanUpAfterABurnClearsTheFlagAndStopsTheBarFirst) {
   controller_.setBurnInProgress(true);
   turn();
   newCalls();
+  window_.onCall = [this](const std::string& call) {
+    EXPECT_FALSE(controller_.burnInProgress()) << "at " << call;
+  };
   controller_.commonBurnCleanup();
   EXPECT_THAT(newCalls(), ElementsAre("bar stops", "header headerDisksAvail", "caption buttonopen",
                                       "will eject kv0", "eject", "closed kv0", "reply yes"));
@@ -216,6 +219,10 @@ TEST_F(KVControllerBurn, ConfirmingEndsTheSheetBeforeTheBurnBegins) {
 TEST_F(KVControllerBurn, ABurnShowsItsViewAndTheBarAnimatesLaterNotAtOnce) {
   device_.deviceStatus = {};  // A disc of which nothing is known cannot be continued.
   const auto begin = std::chrono::steady_clock::now();
+  window_.onCall = [this](const std::string& call) {
+    EXPECT_TRUE(controller_.burnInProgress()) << "at " << call << ", with which the burn begins";
+    window_.onCall = nullptr;
+  };
   controller_.burn();
   EXPECT_THAT(newCalls(),
               ElementsAre("header burningdisk", "burnMessage burnpreparing", "duration 600 ms",

@@ -29,6 +29,49 @@ TEST_F(KVControllerStartup, DrivesAreReservedAndNoScanRunsBeforeADriveReports) {
   EXPECT_THAT(newCalls(), ElementsAre("makeKeyAndOrderFront", "reserve"));
 }
 
+TEST_F(KVControllerStartup, TheWindowMayBeBroughtBackFromTheMomentThatItComesToTheFront) {
+  std::vector<bool> allowed;
+  window_.onCall = [this, &allowed](const std::string& call) {
+    if (call == "makeKeyAndOrderFront") allowed.push_back(controller_.allowMainWindowUnhide());
+  };
+  EXPECT_FALSE(controller_.allowMainWindowUnhide());
+  controller_.initialiseController();
+  EXPECT_THAT(allowed, ElementsAre(true));
+}
+
+// What happens within a report is not seen; what both queue then is.
+TEST_F(KVControllerStartup, WhoeverIsToHearOfTheDrivesBeforeTheControllerIsCalledInTime) {
+  devices_ = {&device_};
+  DRNotificationCenter& center = DRNotificationCenter::currentRunLoopCenter();
+  services_.drivesWillBeObserved = [this, &center] {
+    window_.note("drives will be observed");
+    const auto hear = [this](const Notification&) {
+      performOnMainThread([this] { window_.note("heard before"); });
+    };
+    center.addObserver(this, hear, DRDeviceStatusChangedNotification, nullptr);
+  };
+  services_.discsWillBeScanned = [this] { window_.note("scan"); };
+  EXPECT_FALSE(controller_.observesDrives());
+  controller_.initialiseController();
+  EXPECT_TRUE(controller_.observesDrives());
+  EXPECT_THAT(newCalls(),
+              ElementsAre("makeKeyAndOrderFront", "reserve", "drives will be observed"));
+  center.post(DRDeviceStatusChangedNotification, &device_);
+  turnUntil([this] { return window_.has("scan"); });
+  center.removeObserver(this);
+  const std::vector<std::string> calls = newCalls();
+  EXPECT_EQ(calls[0], "heard before");
+  EXPECT_EQ(calls[1], "scan");
+}
+
+TEST_F(KVControllerStartup, WithoutAUserSpaceFileSystemNobodyIsToldToHearOfTheDrives) {
+  userFileSystemIsAvailable_ = false;
+  services_.drivesWillBeObserved = [this] { window_.note("drives will be observed"); };
+  controller_.initialiseController();
+  EXPECT_FALSE(window_.has("drives will be observed"));
+  EXPECT_FALSE(controller_.observesDrives());
+}
+
 TEST_F(KVControllerStartup, WithoutAUserSpaceFileSystemOnlyInstallOrQuitIsOffered) {
   devices_ = {&device_};
   userFileSystemIsAvailable_ = false;
@@ -118,9 +161,11 @@ TEST_F(StartupWithLicense, TheAgreementComesBeforeTheWindowAndTheDrives) {
 
 TEST_F(StartupWithLicense, WithoutAgreementNothingFollowsButTheQuit) {
   licenseWindow_.whileModal = [this] { license_.disagree(); };
+  services_.drivesWillBeObserved = [this] { window_.note("drives will be observed"); };
   controller_.initialiseController();
   EXPECT_THAT(newCalls(), ElementsAre("terminate"));
   EXPECT_FALSE(controller_.allowMainWindowUnhide());
+  EXPECT_FALSE(controller_.observesDrives());
 }
 
 TEST_F(StartupWithLicense, OnceAgreedToItIsNotInTheWay) {

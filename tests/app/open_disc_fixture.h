@@ -35,6 +35,7 @@ class ErasingWindow : public WindowlessOutlets {
   }
   void setSizeInformationField(const std::string& text) override { sizes.push_back(text); }
   void selectFile(const std::string& path, const std::string& root) override {
+    if (onReveal) onReveal();
     asked.push_back("reveal " + path + " below " + root);
   }
   void hideApplication() override { asked.emplace_back("hide"); }
@@ -54,6 +55,7 @@ class ErasingWindow : public WindowlessOutlets {
   std::vector<HideableView> shown;
   std::vector<std::string> sizes;
   std::vector<std::string> asked;  ///< Of the desktop, in this order.
+  std::function<void()> onReveal;  ///< To look at what stands then.
   std::vector<bool> replies;
   bool isErasing() const { return panel_.isErasing(); }
   std::vector<std::string> alerts;
@@ -126,6 +128,15 @@ class OpenDiscTestOf : public ApplicationFixture {
   void close() {
     controller_->closeVolume();
     EXPECT_TRUE(waitFor([this] { return controller_->currentDevice() == nullptr; }));
+  }
+
+  /// Another controller with these services, and the disc is inserted once more. It has been closed
+  /// before.
+  void openAnew(const ControllerServices& services) {
+    controller_.emplace(window_, services);
+    controller_->awakeFromNib();
+    controller_->initialiseController();
+    device_->loadMedia();
   }
 
   TemporaryPrefix prefix_;

@@ -25,40 +25,6 @@ using testing::IsEmpty;
 
 using OpenDisc = OpenDiscTest;
 
-/// User defaults that are there before the disc is opened.
-class OpenDiscWithDefaults : public OpenDiscTest {
- protected:
-  TemporaryUserDefaults userDefaults_;
-};
-
-class OpenDiscToHide : public OpenDiscWithDefaults {
- protected:
-  void SetUp() override {
-    UserDefaults::standard().setBool(true, "autohide");
-    OpenDiscTest::SetUp();
-  }
-};
-
-TEST_F(OpenDiscToHide, RevealsItsVolumeAndThenHidesTheApplication) {
-  ASSERT_TRUE(waitFor([this] { return window_.asked.size() >= 2; }));
-  close();
-  EXPECT_THAT(
-      window_.asked,
-      ElementsAre("reveal " + volume_ + " below " + paths::volumesDirectory() + "/", "hide"));
-}
-
-TEST_F(OpenDiscWithDefaults, LeavesTheWindowWhereItIsUnlessTheUserWantsOtherwise) {
-  close();
-  EXPECT_THAT(window_.asked, IsEmpty());
-}
-
-TEST_F(OpenDisc, IsAnnouncedWithTheOpenButtonAndProbedWithoutATrace) {
-  EXPECT_THAT(window_.shown, Contains(HideableView::OpenButton));
-  EXPECT_FALSE(fs::exists(volume_ + "/.kvfsvolume"));
-  EXPECT_TRUE(fs::is_empty(controller_->tmpDirPath())) << "the probe has left a change";
-  close();
-}
-
 /// What has happened in a folder since the object was made, as "created NAME" and "deleted NAME".
 class FolderEvents {
  public:
@@ -86,6 +52,58 @@ class FolderEvents {
   int inotify_;
 };
 
+/// User defaults that are there before the disc is opened.
+class OpenDiscWithDefaults : public OpenDiscTest {
+ protected:
+  TemporaryUserDefaults userDefaults_;
+};
+
+class OpenDiscToHide : public OpenDiscWithDefaults {
+ protected:
+  void SetUp() override {
+    UserDefaults::standard().setBool(true, "autohide");
+    OpenDiscTest::SetUp();
+  }
+};
+
+TEST_F(OpenDiscToHide, RevealsItsVolumeAndThenHidesTheApplication) {
+  ASSERT_TRUE(waitFor([this] { return window_.asked.size() >= 2; }));
+  close();
+  EXPECT_THAT(
+      window_.asked,
+      ElementsAre("reveal " + volume_ + " below " + paths::volumesDirectory() + "/", "hide"));
+}
+
+TEST_F(OpenDiscToHide, IsShownToNobodyBeforeItHasBeenLeftToSettleAndTried) {
+  close();
+  ControllerServices services = services_;
+  std::optional<FolderEvents> events;
+  services.sleep = [&](std::chrono::milliseconds) {
+    EXPECT_THAT(window_.asked, IsEmpty());
+    events.emplace(controller_->tmpDirPath());
+  };
+  window_.asked.clear();
+  window_.onReveal = [&events] {
+    ASSERT_TRUE(events.has_value()) << "shown before anybody has waited";
+    EXPECT_THAT(events->all(), ElementsAre("created .kvfsvolume", "deleted .kvfsvolume"));
+  };
+  openAnew(services);
+  ASSERT_TRUE(waitFor([this] { return window_.asked.size() >= 2; }));
+  close();
+}
+
+TEST_F(OpenDiscWithDefaults, LeavesTheWindowWhereItIsUnlessTheUserWantsOtherwise) {
+  close();
+  EXPECT_THAT(window_.asked, IsEmpty());
+}
+
+TEST_F(OpenDisc, IsAnnouncedWithTheOpenButtonAndProbedWithoutATrace) {
+  EXPECT_THAT(window_.shown, Contains(HideableView::OpenButton));
+  EXPECT_FALSE(fs::exists(volume_ + "/.kvfsvolume"));
+  EXPECT_TRUE(fs::is_empty(controller_->tmpDirPath())) << "the probe has left a change";
+  close();
+}
+
 TEST_F(OpenDisc, IsLeftASecondToSettleAndThenTriedWithAFileThatGoesAgain) {
   close();
   ControllerServices services = services_;
@@ -96,11 +114,8 @@ TEST_F(OpenDisc, IsLeftASecondToSettleAndThenTriedWithAFileThatGoesAgain) {
     EXPECT_THAT(window_.shown, Contains(HideableView::OpenButton));
     events.emplace(controller_->tmpDirPath());
   };
-  controller_.emplace(window_, services);
-  controller_->awakeFromNib();
-  controller_->initialiseController();
   window_.shown.clear();
-  device_->loadMedia();
+  openAnew(services);
   ASSERT_TRUE(waitFor([this] { return controller_->mediaIsMounted(); }));
   ASSERT_TRUE(events.has_value());
   EXPECT_THAT(events->all(), ElementsAre("created .kvfsvolume", "deleted .kvfsvolume"));
@@ -174,10 +189,7 @@ TEST_F(OpenDisc, IsGivenBackWhereTheApplicationIsQuitWhileItIsBeingOpened) {
     EXPECT_FALSE(isMountPoint(paths::hiddenMountPoint())) << "a second mount would be in its way";
     given.push_back(bsdName);
   };
-  controller_.emplace(window_, services);
-  controller_->awakeFromNib();
-  controller_->initialiseController();
-  device_->loadMedia();
+  openAnew(services);
   ASSERT_TRUE(waitFor([this] { return controller_->currentDevice() != nullptr; }));
   ASSERT_FALSE(controller_->mediaIsMounted());
   const std::string overlay = controller_->tmpDirPath();

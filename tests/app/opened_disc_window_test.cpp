@@ -37,6 +37,8 @@ TEST_F(OpenedDiscInTheWindow, TellsItsNameItsDriveAndTheRoomThatWritingLeaves) {
     EXPECT_EQ(text("deviceNameField"), "CDRW in KELVANE SOFTWARE BURNER");
     EXPECT_EQ(caption(), localizedString("buttonclose"));
     EXPECT_TRUE(tellsTheRoomThatThereIs());
+    EXPECT_FALSE(discImage().isNull());
+    EXPECT_EQ(firstDiscImage(), discImage());
     before = text("sizeInformationField");
     std::ofstream(paths::overlayMountPoint() + "/new") << std::string(3 << 20, 'x');
   });

@@ -3,6 +3,8 @@
 #include <signal.h>
 #include <unistd.h>
 
+#include <QCloseEvent>
+#include <QDialog>
 #include <QListView>
 #include <QMessageBox>
 #include <filesystem>
@@ -45,6 +47,22 @@ class Quit : public WindowSessionWithDisc {
 
   static int listedDiscs() {
     return shown("mainWindow")->findChild<QListView*>("diskTableView")->model()->rowCount();
+  }
+
+  /// Erases the disc, which is open, and lets the recorder stand still in the middle of it.
+  void beginErase(std::optional<pid_t>& recorder) {
+    when(isOpen(), [] { press(Qt::CTRL | Qt::Key_E); });
+    when(alert, [] { click("alertSheet", "alertButton0"); });
+    when([&recorder] { return (recorder = stoppedRecorder()).has_value(); }, [] {});
+  }
+
+  /// What the system sends when the machine is shut down. The application has heard of it when
+  /// `hasBeenHeard` holds.
+  static void askToEnd() { raise(SIGTERM); }
+  /// The event loop has turned, which it only does past a signal that has come.
+  static std::function<bool()> hasBeenHeard() {
+    constexpr int kLooks = 3;
+    return [looks = 0]() mutable { return ++looks == kLooks; };
   }
 
   static QString alertText() { return qobject_cast<QMessageBox*>(alert())->text(); }
@@ -162,6 +180,61 @@ TEST_F(Quit, IsRefusedDuringABurnAndGrantedBehindIt) {
   runWithDisc();
   expectNothingIsLeft();
   EXPECT_THAT(contents(), HasSubstr("second.txt"));
+}
+
+TEST_F(Quit, ThatTheSystemAsksForDuringAnEraseComesWhenTheDiscIsBlank) {
+  std::optional<pid_t> recorder;
+  beginErase(recorder);
+  when(isShown("eraseProgressPanel"), askToEnd);
+  when(hasBeenHeard(), [&recorder] {
+    EXPECT_NE(shown("mainWindow"), nullptr);
+    EXPECT_NE(shown("eraseProgressPanel"), nullptr);
+    kill(*recorder, SIGCONT);
+  });
+  runWithDisc();
+  expectNothingIsLeft();
+  EXPECT_THAT(discTool({"info", disc_}), HasSubstr("blank"));
+}
+
+TEST_F(Quit, ThatTheSystemAsksForDuringAnEraseComesOnlyOnceItsFailureHasBeenRead) {
+  std::optional<pid_t> recorder;
+  beginErase(recorder);
+  when(isShown("eraseProgressPanel"), askToEnd);
+  when(hasBeenHeard(), [&recorder] { kill(*recorder, SIGKILL); });
+  when(alert, [] {
+    EXPECT_EQ(alertText(), localizedText("EraseError"));
+    click("alertSheet", "alertButton0");
+  });
+  runWithDisc();
+  expectNothingIsLeft();
+}
+
+TEST_F(Quit, ThatAWindowHasRefusedIsForgottenAndTheNextOneIsDecidedAnew) {
+  class Refusing : public QDialog {
+    void closeEvent(QCloseEvent* event) override { event->ignore(); }
+  };
+  std::unique_ptr<QDialog> refusing;
+  // So that nothing is at stake.
+  when(isOpen(), [] { press(Qt::CTRL | Qt::Key_O); });
+  when([] { return isReady() && !DRDevice::devices().front()->mediaIsPresent(); },
+       [&refusing] {
+         refusing = std::make_unique<Refusing>();
+         refusing->open();
+         askToEnd();
+       });
+  when(hasBeenHeard(), [&refusing] {
+    refusing.reset();
+    EXPECT_NE(shown("mainWindow"), nullptr);
+    DRDevice::devices().front()->loadMedia();
+  });
+  when(isOpen(), [] {
+    change();
+    EXPECT_FALSE(shown("mainWindow")->close()) << "its changes would be lost";
+  });
+  when(isShown("burnConfirmationPanel"),
+       [] { click("burnConfirmationPanel", "burnCancelButton"); });
+  runWithDisc();
+  expectNothingIsLeft();
 }
 
 TEST_F(Quit, IsRefusedWhileAProgramUsesTheVolumeAndForgottenThen) {

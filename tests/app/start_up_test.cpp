@@ -7,6 +7,8 @@
 #include <vector>
 
 #include "app/window_session_fixture.h"
+#include "platform/recording/dr_device.h"
+#include "platform/recording/dr_notification_center.h"
 #include "ui/installers.h"
 
 namespace kelvane::test {
@@ -23,6 +25,10 @@ class StartUp : public WindowSessionTest {
     services.devices = [this] {
       note("drives");
       return std::vector<DRDevice*>();
+    };
+    services.drivesWillBeObserved = [this, observe = services.drivesWillBeObserved] {
+      note("observers");
+      observe();
     };
     services.userFileSystemIsAvailable = [this](std::string* reason) {
       note("file system");
@@ -60,9 +66,10 @@ TEST_F(StartUp, AgreementWindowFileSystemAndDrivesFollowEachOther) {
          quitByKey();
        });
   run();
-  ASSERT_GE(notes_.size(), 2u);
+  ASSERT_GE(notes_.size(), 3u);
   EXPECT_EQ(notes_[0], "file system: mainWindow");
   EXPECT_EQ(notes_[1], "drives: mainWindow");
+  EXPECT_EQ(notes_[2], "observers: mainWindow");
 }
 
 TEST_F(StartUp, WhoHasAgreedIsNotAskedAgain) {
@@ -157,6 +164,55 @@ TEST_F(StartUp, ClosingTheWindowQuitsWhereNoDiscIsOpen) {
   agreeBeforehand();
   when(isReady, [] { shown("mainWindow")->close(); });
   run();
+}
+
+/// With a disc in the drive, by a user who has agreed to the licence of an earlier version.
+class StartUpWithDisc : public WindowSessionWithDisc {
+ protected:
+  StartUpWithDisc() { UserDefaults::standard().setString("0.0.1", kAgreedTo); }
+
+  void adapt(ControllerServices& services) override {
+    if (!hasFileSystem_) services.userFileSystemIsAvailable = [](std::string*) { return false; };
+  }
+
+  /// What is mounted, or was to be.
+  static std::vector<std::string> volumes() {
+    std::vector<std::string> names;
+    for (const auto& entry : std::filesystem::directory_iterator(paths::volumesDirectory())) {
+      names.push_back(entry.path().filename().string());
+    }
+    return names;
+  }
+
+  bool hasFileSystem_ = true;
+};
+
+TEST_F(StartUpWithDisc, TheDiscIsNotMountedBeforeTheUserHasAgreedAndIsOpenedThen) {
+  when(isShown("licenseWindow"), [] {
+    EXPECT_THAT(volumes(), IsEmpty());
+    click("licenseWindow", "agreeButton");
+  });
+  when(isOpen(), [] { quitByKey(); });
+  runWithDisc();
+}
+
+TEST_F(StartUpWithDisc, NothingIsMountedAndNobodyHearsOfTheDrivesWhereTheFileSystemIsMissing) {
+  agreeBeforehand();
+  hasFileSystem_ = false;
+  when(alert, [] {
+    EXPECT_THAT(volumes(), IsEmpty());
+    DRDevice* drive = DRDevice::devices().front();
+    drive->ejectMedia();
+    DRNotificationCenter::currentRunLoopCenter().post(DRDeviceStatusChangedNotification, drive);
+    // Behind the notification, which goes the same way.
+    performOnMainThread([] {
+      const auto* offer = shown("mainWindow")->findChild<QWidget*>("insertDiscButton");
+      EXPECT_FALSE(offer->isVisible()) << "somebody has heard of the drive";
+      EXPECT_EQ(shown("mainWindow")->findChildren<QMessageBox*>().size(), 1);
+      click("alertSheet", "alertButton1");
+    });
+  });
+  runWithDisc();
 }
 
 }  // namespace

@@ -5,6 +5,9 @@
 #include <gtest/gtest.h>
 
 #include <QApplication>
+#include <QIcon>
+#include <QImage>
+#include <QListView>
 #include <QProcess>
 #include <QPushButton>
 #include <QTest>
@@ -35,6 +38,9 @@ namespace kelvane::test {
 /// until it quits by itself.
 class WindowSessionTest : public ::testing::Test {
  protected:
+  // The drives of this test are not those of the next.
+  void TearDown() override { DriveRegistry::shared().reset(); }
+
   /// What the user does, once the condition holds and the steps before it are done.
   void when(std::function<bool()> condition, std::function<void()> doThis) {
     steps_.emplace_back(std::move(condition), std::move(doThis));
@@ -52,7 +58,7 @@ class WindowSessionTest : public ::testing::Test {
     QTimer user;
     QObject::connect(&user, &QTimer::timeout, [this] { goOn(); });
     user.start(5);
-    constexpr std::chrono::seconds kFarTooLong{50};
+    constexpr std::chrono::seconds kFarTooLong{100};
     QTimer::singleShot(kFarTooLong, &user, [] {
       ADD_FAILURE() << "waited in vain for the next step";
       QCoreApplication::quit();
@@ -98,6 +104,19 @@ class WindowSessionTest : public ::testing::Test {
   static void press(QKeyCombination keys) {
     QTest::keySequence(shown("mainWindow"), QKeySequence(keys));
   }
+  /// The image beside the first disc of the list.
+  static QImage firstDiscImage() {
+    const auto* list = shown("mainWindow")->findChild<QListView*>("diskTableView");
+    const QVariant icon = list->model()->index(0, 0).data(Qt::DecorationRole);
+    return imageOf(icon.value<QIcon>());
+  }
+  /// The image that belongs there.
+  static QImage discImage() {
+    const auto path = Bundle::mainBundle().pathForResource("diskicon", "png");
+    EXPECT_TRUE(path.has_value());
+    return imageOf(QIcon(QString::fromStdString(path.value_or(""))));
+  }
+
   static void quitByKey() { press(Qt::CTRL | Qt::Key_Q); }
 
   TemporaryPrefix prefix_;
@@ -105,6 +124,11 @@ class WindowSessionTest : public ::testing::Test {
   RecordedLog log_;
 
  private:
+  static QImage imageOf(const QIcon& icon) {
+    constexpr int kSide = 48;
+    return icon.pixmap(kSide).toImage();
+  }
+
   // One step at a time: a step may open a window that waits for the next.
   void goOn() {
     if (steps_.empty() || !steps_.front().first()) return;

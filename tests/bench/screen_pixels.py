@@ -2,6 +2,7 @@
 """What stands on an X screen, by Xlib itself: no tool is fast enough to be asked every millisecond."""
 import ctypes
 import ctypes.util
+import os
 import subprocess
 import tempfile
 
@@ -19,8 +20,8 @@ class Screen:
                                            pass_fds=[number.fileno()], stderr=subprocess.DEVNULL)
             text = b""
             while not text.endswith(b"\n"):
-                number.seek(0)
-                text = number.read()
+                # Not by reading on: the server writes at the same place in the file.
+                text = os.pread(number.fileno(), 16, 0)
                 if self.server.poll() is not None:
                     raise SystemExit("Xvfb does not start")
         self.name = f":{int(text)}"

@@ -335,10 +335,17 @@ class EraseInUse(EraseTest):
         shown, _ = self.edit(disc, "echo new > new.txt")
         self.assert_last_session_equals(disc, shown)
 
+    @staticmethod
+    def stands_still(process):
+        with open(f"/proc/{process}/stat", encoding="utf-8") as stat:
+            return stat.read().rpartition(")")[2].split()[0] == "T"
+
     def stop_between_commands(self, recorder, disc):
         """Stops the recorder where it does not just carry out a command: nobody else could ask the drive then."""
         while True:
             os.kill(recorder, signal.SIGSTOP)
+            # It may go on for a moment, and begin a command.
+            wait_until(lambda: self.stands_still(recorder), lambda: "the recorder does not stop")
             with open(os.path.join(disc, "lock"), "r+b") as file:
                 try:
                     fcntl.lockf(file, fcntl.LOCK_EX | fcntl.LOCK_NB, 1, 1)

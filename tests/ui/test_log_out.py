@@ -83,7 +83,17 @@ class LogOut(RealWindowTest):
         """Closes the disc and lets it be burned. The burn stands still then, until the test goes on with it or ends."""
         self.keys("ctrl+o")
         self.burn()
+        return self.stop_recorder()
 
+    def stop_in_the_middle_of_an_erase(self):
+        """The same for the erase of the disc."""
+        self.keys("ctrl+e")
+        self.wait_for("Erase this disc?")
+        self.wait_for_focus("Cancel")
+        self.keys("alt+e")
+        return self.stop_recorder()
+
+    def stop_recorder(self):
         def recorder():
             for entry in pathlib.Path("/proc").glob("[0-9]*"):
                 try:
@@ -130,7 +140,7 @@ class LogOut(RealWindowTest):
         self.change()
         self.manager.tell("log out")
         self.wait_for("Burn your changes to the disc?")
-        self.assertEqual(self.manager.lines, ["client", "interacts"])
+        self.wait_for_lines(self.manager, "client", "interacts")
         self.burn()
         self.assertEqual(self.process.wait(timeout=120), 0)
         self.wait_for_lines(self.manager, "client", "interacts", "goes on", "saved", "logged out", "gone")
@@ -146,7 +156,7 @@ class LogOut(RealWindowTest):
         self.burn()
         self.wait_until("the end of the burn", lambda: self.logged("cd burn finished with state:"))
         self.wait_for("OK", "push button")
-        self.assertEqual(self.manager.lines, ["client", "interacts"])
+        self.wait_for_lines(self.manager, "client", "interacts")
         self.keys("Return")
         self.assertEqual(self.process.wait(timeout=60), 0)
         self.wait_for_lines(self.manager, "client", "interacts", "goes on", "saved", "logged out", "gone")
@@ -178,6 +188,17 @@ class LogOut(RealWindowTest):
         self.manager.tell("log out")
         self.assertEqual(self.process.wait(timeout=60), 0)
         self.wait_for_lines(self.manager, "saved", "logged out", "gone")
+
+    def test_an_erase_is_brought_to_its_end_first(self):
+        self.start_under_session_manager()
+        self.wait_until_open()
+        recorder = self.stop_in_the_middle_of_an_erase()
+        self.manager.tell("log out")
+        self.wait_for_lines(self.manager, "client", "interacts")
+        self.go_on(recorder)
+        self.assertEqual(self.process.wait(timeout=120), 0)
+        self.wait_for_lines(self.manager, "client", "interacts", "goes on", "saved", "logged out", "gone")
+        self.assertEqual(self.sessions(), 0)
 
     # By the portal, where no session manager is to be reached.
 

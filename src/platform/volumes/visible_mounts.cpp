@@ -38,6 +38,7 @@ VisibleMounts::~VisibleMounts() {
 }
 
 void VisibleMounts::start() {
+  if (std::exchange(observesDrives_, true)) return;
   DRNotificationCenter::currentRunLoopCenter().addObserver(
       this, [this](const Notification& change) { deviceStatusChanged(change.object); },
       DRDeviceStatusChangedNotification, nullptr);
@@ -171,9 +172,7 @@ void VisibleMounts::updateAll() {
 }
 
 std::string mountableBsdName(const DRDevice& device) {
-  const std::optional<std::string> mediaType = device.mediaType();
-  const bool isCd = mediaType == DRDeviceMediaTypeCDR || mediaType == DRDeviceMediaTypeCDRW;
-  return isCd ? device.bsdName() + "s0" : device.bsdName();
+  return isWritableCd(device.mediaType()) ? device.bsdName() + "s0" : device.bsdName();
 }
 
 }  // namespace kelvane

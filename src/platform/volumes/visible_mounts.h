@@ -41,7 +41,8 @@ class VisibleMounts {
 
   /// Observes the drives from now on. To be followed by the controller's own registration before
   /// the event loop turns: observers are called in their order, so the disc is mounted when the
-  /// scan looks for it, and the first notification of each drive reaches both.
+  /// scan looks for it, and the first notification of each drive reaches both. A second call
+  /// changes nothing.
   void start();
 
   /// Keeps the disc of the drive from being mounted visibly while it is open in the application:
@@ -89,6 +90,7 @@ class VisibleMounts {
   void workHasEnded(const std::string& bsdName, uint64_t number);
 
   Drives drives_;
+  bool observesDrives_ = false;
   std::map<std::string, Mounted> mounted_;  // By the drive's BSD name.
   std::set<std::string> held_;
   std::set<std::string> seen_;          // Every drive that has been looked at.
