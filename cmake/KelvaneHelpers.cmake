@@ -84,5 +84,6 @@ function(kv_add_test name)
   if(ARG_SERIAL)
     list(APPEND properties RUN_SERIAL ON)
   endif()
-  gtest_discover_tests(${name} PROPERTIES ${properties} DISCOVERY_MODE PRE_TEST)
+  gtest_discover_tests(${name} PROPERTIES ${properties} DISCOVERY_MODE PRE_TEST
+    DISCOVERY_TIMEOUT 60)
 endfunction()

@@ -100,7 +100,7 @@ class KVControllerCD : public ControllerFixture {
                                  return call == "bar determinate" || call.starts_with("bar at");
                                }),
                 imaged);
-    return calls;
+    return withoutDelayedAnimation(std::move(calls));
   }
 
   void expectIdle() {

@@ -61,7 +61,7 @@ class KVControllerDVD : public ControllerFixture {
     std::vector<std::string> calls = newCalls();
     const auto reply = std::find(calls.begin(), calls.end(), "reply yes");
     if (reply != calls.end()) calls.erase(reply + 1, calls.end());
-    return calls;
+    return withoutDelayedAnimation(std::move(calls));
   }
 
   std::string growisofsLine(const std::string& option) const {

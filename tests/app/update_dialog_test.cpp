@@ -20,13 +20,14 @@ class UpdateDialog : public WindowSessionTest {
   UpdateSource updates() const override {
     return {.versionEndpoint = server_.endpoint(),
             .productPage = "https://kelvanefs.example/download",
-            .patience = patience_};
+            .patience = kPatience};
   }
 
   static QWidget* panel() { return shown("alertPanel"); }
 
   VersionServer server_;
-  std::chrono::milliseconds patience_ = kUpdateCheckTimeout;
+  // Whoever waited for the answer of a silent server would still do so when the test is given up.
+  static constexpr std::chrono::minutes kPatience{10};
   kelvane::testing::OpenedUrls browser_{QStringLiteral("https")};
 };
 
@@ -86,7 +87,6 @@ TEST_F(UpdateDialog, CanBeAnsweredOverTheAgreementWhichStays) {
 TEST_F(UpdateDialog, HoldsNobodyUpWhileTheServerIsSilent) {
   agreeBeforehand();
   server_.keepWaiting("/version");
-  patience_ = std::chrono::minutes(10);  // Whoever waited for it would wait longer than a test may.
   when([this] { return isReady() && !server_.requests().empty(); }, [] { quitByKey(); });
   run();
 }

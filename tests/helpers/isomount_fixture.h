@@ -24,8 +24,11 @@ inline bool fuseIsUsable() {
   return access("/dev/fuse", R_OK | W_OK) == 0;
 }
 
+/// False where the condition has not come to hold after a time that is far longer than it can take,
+/// though shorter than the one after which a test is killed. A volume that was unmounted is served
+/// as long as another test's mount namespace has a copy of the mount.
 inline bool waitFor(const std::function<bool()>& condition) {
-  const auto deadline = std::chrono::steady_clock::now() + std::chrono::seconds(30);
+  const auto deadline = std::chrono::steady_clock::now() + std::chrono::seconds(100);
   while (!condition()) {
     if (std::chrono::steady_clock::now() > deadline) return false;
     std::this_thread::sleep_for(std::chrono::milliseconds(5));

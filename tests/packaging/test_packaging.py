@@ -180,6 +180,8 @@ class DebianPackage(Installed):
     def test_the_package_is_installed_used_and_removed_by_dpkg(self):
         # A copy of this machine to write in, which is gone with the last process of its mount namespace.
         prepare = textwrap.dedent("""
+            # Of a volume of another test, its copy here would be served after it is unmounted, and that test waits.
+            umount --all --lazy --types fuse.kelvanefs,fuse.cd9660,fuse.cd9660-damaged
             mount -t tmpfs none /mnt && mkdir /mnt/new /mnt/work /mnt/machine || exit 77
             mount -t overlay overlay -o lowerdir=/,upperdir=/mnt/new,workdir=/mnt/work /mnt/machine || exit 77
             mount --bind /dev /mnt/machine/dev && mount -t proc proc /mnt/machine/proc || exit 77

@@ -92,6 +92,8 @@ TEST_F(RealDrivesTest, OneThatAnybodyRecordsOnIsBusy) {
 
 // A loop device stands for the drive: the kernel gives an exclusive descriptor of it once only.
 TEST_F(RealDrivesTest, OneThatAnotherProgramHasForItselfCannotBeHad) {
+  // Tests that claim or mount one at the same time begin with the first of them, too.
+  const auto turn = FileLock::acquire("/dev/loop0", std::chrono::minutes(1));
   const std::string device = freeLoopDevice();
   if (access(device.c_str(), R_OK) != 0) GTEST_SKIP() << "no loop device may be used here";
   mmc::SgIoTransport transport(device);

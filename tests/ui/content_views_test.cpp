@@ -1,33 +1,33 @@
 // SPDX-License-Identifier: GPL-2.0-or-later
 // The four content views: where they lie, how they slide, and that what is out of sight is out of
-// reach.
+// reach. Time passes by a clock that the test moves.
+#include <QApplication>
 #include <QLabel>
 #include <QListView>
 #include <QPushButton>
-#include <QTest>
 
 #include "platform/foundation/strings_table.h"
 #include "ui/motion.h"
 #include "ui/sliding_area.h"
+#include "ui/stepped_clock.h"
 #include "ui/window_test.h"
 
 namespace kelvane {
 namespace {
 
-using ::testing::Gt;
-using ::testing::Lt;
-using ::testing::SizeIs;
 using namespace kelvane::testing;
 
 class ContentViews : public WindowTest {
  protected:
   const SlidingArea& area() const { return window_.contentArea(); }
 
-  bool waitUntilStill() {
-    return QTest::qWaitFor([this] {
-      return !area().isMoving(ContentView::Message) && !area().isMoving(ContentView::DiskScroll) &&
-             !area().isMoving(ContentView::MountedItem) && !area().isMoving(ContentView::Burn);
-    });
+  /// Lets more time pass than any movement takes. Whether all have come to their ends then.
+  bool comeToRest() {
+    constexpr int kFarTooLong = 10000;
+    clock_.pass(0);
+    clock_.pass(kFarTooLong);
+    return !area().isMoving(ContentView::Message) && !area().isMoving(ContentView::DiskScroll) &&
+           !area().isMoving(ContentView::MountedItem) && !area().isMoving(ContentView::Burn);
   }
 
   void showMounted(Movement movement) {
@@ -35,6 +35,8 @@ class ContentViews : public WindowTest {
     window_.setFrame(ContentView::DiskScroll, kLeftOfWindow, movement);
     window_.setFrame(ContentView::MountedItem, kInWindow, movement);
   }
+
+  SteppedClock clock_;
 };
 
 TEST_F(ContentViews, ListAndMessageLieInTheWindowAndTheOthersToItsRightAtFirst) {
@@ -73,17 +75,18 @@ TEST_F(ContentViews, DirectMoveIsThereAtOnce) {
 
 TEST_F(ContentViews, AnimatedMovePassesThroughFramesInBetweenAndEndsWhereItWasSentTo) {
   window_.setAnimationDuration(0.6);
-  std::vector<double> passed;
   showMounted(Movement::Animated);
   EXPECT_EQ(area().targetFrame(ContentView::MountedItem), kInWindow);
-  ASSERT_TRUE(QTest::qWaitFor([&] {
+  clock_.pass(0);
+  double before = kRightOfWindow.x;
+  for (int millisecond = 100; millisecond < 600; millisecond += 100) {
+    clock_.pass(100);
     const double x = area().currentFrame(ContentView::MountedItem).x;
-    if (x > 0 && x < 402) passed.push_back(x);
-    return !area().isMoving(ContentView::MountedItem);
-  }));
-  EXPECT_THAT(passed, SizeIs(Gt(2U)));
-  EXPECT_TRUE(std::is_sorted(passed.rbegin(), passed.rend())) << "it went back and forth";
-  ASSERT_TRUE(waitUntilStill());
+    EXPECT_LT(x, before) << "it stood still or went back at " << millisecond;
+    EXPECT_GT(x, kInWindow.x) << "it was there already at " << millisecond;
+    before = x;
+  }
+  ASSERT_TRUE(comeToRest());
   EXPECT_EQ(area().currentFrame(ContentView::MountedItem), kInWindow);
   EXPECT_EQ(area().currentFrame(ContentView::DiskScroll), kLeftOfWindow);
   EXPECT_EQ(area().currentFrame(ContentView::Message), kLeftOfWindow);
@@ -106,19 +109,20 @@ TEST_F(ContentViews, DirectMoveEndsAnAnimationThatIsStillRunning) {
   ASSERT_TRUE(area().isMoving(ContentView::MountedItem));
   window_.setFrame(ContentView::MountedItem, kRightOfWindow, Movement::Direct);
   EXPECT_FALSE(area().isMoving(ContentView::MountedItem));
-  ASSERT_TRUE(waitUntilStill());
+  ASSERT_TRUE(comeToRest());
   EXPECT_EQ(area().currentFrame(ContentView::MountedItem), kRightOfWindow);
 }
 
 TEST_F(ContentViews, SecondAnimatedMoveStartsFromWhereTheFirstHasCome) {
   window_.setAnimationDuration(0.6);
   window_.setFrame(ContentView::MountedItem, kInWindow, Movement::Animated);
-  ASSERT_TRUE(
-      QTest::qWaitFor([&] { return area().currentFrame(ContentView::MountedItem).x < 300; }));
+  clock_.pass(0);
+  clock_.pass(300);
   const double turned = area().currentFrame(ContentView::MountedItem).x;
+  ASSERT_LT(turned, 300);
   window_.setFrame(ContentView::MountedItem, kRightOfWindow, Movement::Animated);
   EXPECT_LE(area().currentFrame(ContentView::MountedItem).x, turned + 1);
-  ASSERT_TRUE(waitUntilStill());
+  ASSERT_TRUE(comeToRest());
   EXPECT_EQ(area().currentFrame(ContentView::MountedItem), kRightOfWindow);
 }
 
@@ -129,7 +133,7 @@ TEST_F(ContentViews, WhatIsParkedOutOfSightIsHiddenFromKeyboardAndScreenReader) 
   showMounted(Movement::Animated);
   EXPECT_TRUE(child<QWidget>("mountedItemView")->isVisible());
   EXPECT_TRUE(child<QWidget>("diskScrollView")->isVisible()) << "it is still sliding out";
-  ASSERT_TRUE(waitUntilStill());
+  ASSERT_TRUE(comeToRest());
   EXPECT_TRUE(child<QWidget>("mountedItemView")->isVisible());
   EXPECT_FALSE(child<QWidget>("diskScrollView")->isVisible());
   EXPECT_FALSE(child<QWidget>("messageView")->isVisible());
@@ -217,8 +221,9 @@ TEST_F(ContentViews, TextsReachTheirFields) {
   window_.setDeviceNameField("CDRW in drive");
   window_.setSizeInformationField("12 MB free");
   window_.setBurnMessage("burning");
-  EXPECT_TRUE(
-      QTest::qWaitFor([this] { return child<QLabel>("headerLineTextField")->text() == "header"; }));
+  clock_.pass(0);
+  clock_.pass(500);  // It has slid out with its old text then.
+  EXPECT_EQ(child<QLabel>("headerLineTextField")->text(), "header");
   EXPECT_EQ(child<QLabel>("messageTextField")->text(), "message");
   EXPECT_EQ(child<QLabel>("volumeNameField")->text(), "volume <b>name</b>");
   EXPECT_EQ(child<QLabel>("deviceNameField")->text(), "CDRW in drive");

@@ -93,6 +93,10 @@ DESKTOP = Desktop()
 import pyatspi  # noqa: E402  It connects to the bus that the desktop has made.
 from gi.repository import GLib  # noqa: E402
 
+# An application that has something else to do for a second is still there. Left to itself, the reader gives a call up after
+# 0.8 s, and believes from then on that the application hangs.
+pyatspi.setTimeout(LIMIT * 1000, LIMIT * 1000)
+
 
 def why_nothing_can_be_read():
     """Empty where the accessibility bus runs."""

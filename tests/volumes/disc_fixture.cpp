@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-2.0-or-later
 #include "volumes/disc_fixture.h"
 
+#include <sys/wait.h>
 #include <unistd.h>
 
 #include <filesystem>
@@ -18,6 +19,12 @@ bool runProgram(const std::vector<std::string>& words) {
   if (!task.launch()) return false;
   task.waitBlocking(-1);
   return task.terminationStatus() == 0;
+}
+
+void awaitEndOfProgram() {
+  siginfo_t ended = {};
+  // Also of one whose end sends no signal.
+  waitid(P_ALL, 0, &ended, WEXITED | WNOWAIT | __WALL);
 }
 
 void DiscFixture::SetUp() {

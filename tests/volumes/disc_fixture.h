@@ -41,4 +41,7 @@ class DiscFixture : public ::testing::Test {
 /// Runs a program with arguments; true where it ends with status 0.
 bool runProgram(const std::vector<std::string>& words);
 
+/// Waits until a program that was started from here has ended. How is left to its starter to learn.
+void awaitEndOfProgram();
+
 }  // namespace kelvane::test

@@ -80,13 +80,14 @@ TEST_F(VisibleMountsOfRealDrives, WithoutAVolumeThatCanBeReadNothingIsMountedAnd
   EXPECT_TRUE(std::filesystem::is_empty(prefix_.volumes()));
 }
 
-/// A disc in a drive that counts as a real one, and a desktop that does not mount it.
+/// A disc in a drive that counts as a real one, and a desktop that does not mount it. No other test
+/// mounts from a drive of that name: a disc that others have mounted is left to them.
 class VisibleMountsBesideARefusingDesktop : public DiscFixture {
  protected:
   void SetUp() override {
     DiscFixture::SetUp();
     if (IsSkipped()) return;
-    makeDisc("kv0", "DISC");
+    makeDisc("kv2", "DISC");
     drive_.setTracks({0, 11702});
     drive_.present = true;
     service_.error = "org.freedesktop.UDisks2.Error.NotAuthorized";
@@ -97,8 +98,8 @@ class VisibleMountsBesideARefusingDesktop : public DiscFixture {
   char* argv_[2] = {name_, nullptr};
   QCoreApplication application_{argc_, argv_};
   PrivateBus bus_;
-  FakeDiscService service_{bus_.services(), "kv0"};
-  FakeDevice drive_{"kv0"};
+  FakeDiscService service_{bus_.services(), "kv2"};
+  FakeDevice drive_{"kv2"};
   VisibleMounts mounts_{[this] { return std::vector<DRDevice*>{&drive_}; }};
 };
 

@@ -119,41 +119,46 @@ TEST_F(VisibleMountsTest, ABlankOrForeignDiscGetsNoMount) {
   EXPECT_TRUE(volumesAreEmpty());
 }
 
-// Of a real drive as far as the drive tells; its name still leads to the disc.
+// Of a real drive as far as the drive tells; its name still leads to the disc. No other test mounts
+// from a drive of that name: a disc that others have mounted, wherever that is, is left to them.
 class VisibleMountsWithoutADesktop : public VisibleMountsTest {
  protected:
   void SetUp() override {
     VisibleMountsTest::SetUp();
-    drive_.disc.reset();
+    if (IsSkipped()) return;
+    insert(realDrive_, "kv2", "DISC");
+    realDrive_.disc.reset();
   }
+
+  test::FakeDevice realDrive_{"kv2"};
 };
 
 TEST_F(VisibleMountsWithoutADesktop, ADiscInARealDriveIsMountedAndWhoeverOpensItWaitsForThat) {
   VisibleMounts mounts;
-  mounts.update(drive_);
-  mounts.hold("kv0");
-  EXPECT_TRUE(isMountedFrom(visible("DISC"), "/dev/kv0s0"));
+  mounts.update(realDrive_);
+  mounts.hold("kv2");
+  EXPECT_TRUE(isMountedFrom(visible("DISC"), "/dev/kv2s0"));
 }
 
 TEST_F(VisibleMountsWithoutADesktop, ADiscInARealDriveIsMountedOnceHoweverOftenTheDriveTellsOfIt) {
   VisibleMounts mounts;
-  for (int time = 0; time < 3; ++time) mounts.update(drive_);
-  mounts.hold("kv0");
-  mounts.release("kv0");
-  mounts.update(drive_);
-  mounts.hold("kv0");
-  EXPECT_TRUE(isMountedFrom(visible("DISC"), "/dev/kv0s0"));
+  for (int time = 0; time < 3; ++time) mounts.update(realDrive_);
+  mounts.hold("kv2");
+  mounts.release("kv2");
+  mounts.update(realDrive_);
+  mounts.hold("kv2");
+  EXPECT_TRUE(isMountedFrom(visible("DISC"), "/dev/kv2s0"));
   EXPECT_FALSE(std::filesystem::exists(visible("DISC 1"))) << "mounted twice";
 }
 
 TEST_F(VisibleMountsWithoutADesktop, WhoeverUnmountsItDoesSoBehindTheMountThatHasBegun) {
   VisibleMounts mounts;
-  mounts.update(drive_);
-  mounts.unmountAllOf("kv0");
+  mounts.update(realDrive_);
+  mounts.unmountAllOf("kv2");
   EXPECT_TRUE(volumesAreEmpty());
   {
     VisibleMounts others;
-    others.update(drive_);
+    others.update(realDrive_);
   }
   EXPECT_TRUE(volumesAreEmpty());
 }

@@ -68,7 +68,9 @@ TEST_F(VolumeServicesTest, ARequestThatFailsLeavesTheReasonInTheLog) {
   makeForeignDisc("kv0");
   std::vector<std::string> lines;
   const SystemLogRedirection log([&](const std::string& line) { lines.push_back(line); });
-  services_.requestMount({"kv0", 0, prefix_.volumes()}).reset();
+  auto request = services_.requestMount({"kv0", 0, prefix_.volumes()});
+  test::awaitEndOfProgram();  // The request itself does not wait for ever.
+  request.reset();
   ASSERT_EQ(lines.size(), 1U);
   EXPECT_TRUE(lines[0].starts_with("mounting kv0 failed: ")) << lines[0];
 }
