@@ -339,6 +339,8 @@ void BatchRun::terminate() {
 
 void BatchRun::replyToApplicationShouldTerminate(bool shouldTerminate) {
   if (!shouldTerminate) return;
+  // A disc that is listed from now on, in another drive or put back, is not for the command.
+  controller_->setSingleDisc(KVController::SingleDisc::Listed);
   // The command has unmounted the volume itself, and is still at work.
   endWaits_ = stage_ == Stage::Running && !discHasGone_;
   if (!endWaits_) end();

@@ -7,6 +7,7 @@
 #include "platform/desktop/work_inhibition.h"
 #include "platform/recording/dr_device.h"
 #include "platform/recording/drive.h"
+#include "platform/recording/drive_watcher.h"
 #include "platform/userfs/gm_user_file_system.h"
 #include "platform/volumes/visible_mounts.h"
 
@@ -16,7 +17,11 @@ ControllerServices systemControllerServices(VisibleMounts& visibleMounts) {
   ControllerServices services;
   services.devices = [] { return DRDevice::devices(); };
   services.drivesWillBeObserved = [&visibleMounts] { visibleMounts.start(); };
-  services.discsWillBeScanned = [&visibleMounts] { visibleMounts.updateAll(); };
+  services.discsWillBeScanned = [&visibleMounts] {
+    visibleMounts.updateAll();
+    // What the scan finds out by asking all drives comes first.
+    DriveWatcher::shared().takeNoticeSoon();
+  };
   services.volumes = &VolumeServices::system();
   services.userFileSystemIsAvailable = [](std::string* reason) {
     return GMUserFileSystem::isAvailable(reason);

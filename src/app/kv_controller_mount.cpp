@@ -211,7 +211,10 @@ void KVController::mountFailed() {
   releaseOverlay();
   mountHasFailed_ = true;
   removeOverlayAndHideList();
-  if (DRDevice* device = currentDevice_) services_.discWillBeEjected(device->bsdName());
+  if (DRDevice* device = currentDevice_) {
+    services_.discWillBeEjected(device->bsdName());
+    services_.volumes->letOthersMount(*device);  // Or the drive's button would have no effect.
+  }
   makeUpForRefusedScan();
 }
 

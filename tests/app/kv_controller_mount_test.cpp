@@ -227,6 +227,7 @@ TEST_F(KVControllerMount, AfterAMountThatFailedRequestsAreIgnoredUntilTheDiscHas
   devices_ = {&device_};
   controller_.mountFailed();
   EXPECT_THAT(newCalls(), ElementsAre("will eject kv0")) << "what is mounted would hold the disc";
+  EXPECT_THAT(volumes_.leftToOthers, ElementsAre(&device_)) << "so would a claim of the drive";
   controller_.mountBurnFS();
   controller_.performScanForMedia();
   EXPECT_THAT(newCalls(), IsEmpty());

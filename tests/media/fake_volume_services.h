@@ -44,6 +44,8 @@ class FakeVolumeServices : public VolumeServices {
     if (onKeptFromOthers) onKeptFromOthers();
   }
 
+  void letOthersMount(const DRDevice& device) override { leftToOthers.push_back(&device); }
+
   void createDirectory(const std::string& path) override { created.push_back(path); }
 
   std::unique_ptr<MountRequest> requestMount(const DiscMount& mount) override {
@@ -74,6 +76,7 @@ class FakeVolumeServices : public VolumeServices {
   bool lookupFails = false;
   /// The drives that nobody else was to mount, and after how many unmounts.
   std::vector<std::pair<const DRDevice*, size_t>> keptFromOthers;
+  std::vector<const DRDevice*> leftToOthers;
   std::vector<int> statuses;  ///< Of the unmount attempts, in order; then `lastStatus`.
   int lastStatus = 0;
 

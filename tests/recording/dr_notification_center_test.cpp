@@ -1,8 +1,10 @@
 // SPDX-License-Identifier: GPL-2.0-or-later
 #include "platform/recording/dr_notification_center.h"
 
+#include <fcntl.h>
 #include <gmock/gmock.h>
 #include <sys/resource.h>
+#include <unistd.h>
 
 #include <filesystem>
 #include <fstream>
@@ -181,24 +183,86 @@ TEST_F(DRNotificationCenterTest, TheEndOfAnotherProgramsRecordingIsWaitedForByPo
   EXPECT_FALSE(DriveWatcher::shared().isPolling());
 }
 
-TEST_F(DRNotificationCenterTest, ADriveThatCouldNotBeAskedIsToldOfWhenItCan) {
+/// While it lives the process gets no descriptor, without which no emulated drive can be asked.
+class NoDescriptorLeft {
+ public:
+  NoDescriptorLeft() {
+    getrlimit(RLIMIT_NOFILE, &usual_);
+    const int next = ::open("/dev/null", O_RDONLY | O_CLOEXEC);
+    close(next);
+    // Not none at all: the event loop could not wait for those that it has (poll(2), EINVAL).
+    const rlimit noFurther{static_cast<rlim_t>(next), usual_.rlim_max};
+    setrlimit(RLIMIT_NOFILE, &noFurther);
+  }
+  ~NoDescriptorLeft() { setrlimit(RLIMIT_NOFILE, &usual_); }
+  NoDescriptorLeft(const NoDescriptorLeft&) = delete;
+  NoDescriptorLeft& operator=(const NoDescriptorLeft&) = delete;
+
+ private:
+  rlimit usual_{};
+};
+
+TEST_F(DRNotificationCenterTest, ADriveThatCouldNotBeAskedByWhoHeardOfItIsToldOfWhenItCan) {
   const DRDevice* device = addDrive();
-  rlimit usual{};
-  ASSERT_EQ(getrlimit(RLIMIT_NOFILE, &usual), 0);
-  const rlimit none{0, usual.rlim_max};
-  int questions = 0;
+  int reports = 0;
   const auto askInVain = [&](const Notification&) {
-    if (++questions > 1) return;
-    ASSERT_EQ(setrlimit(RLIMIT_NOFILE, &none), 0);
+    if (++reports > 1) return;
+    const NoDescriptorLeft noDescriptorLeft;
     EXPECT_FALSE(device->status().DRDeviceMediaInfoKey);
-    ASSERT_EQ(setrlimit(RLIMIT_NOFILE, &usual), 0);
+    DriveWatcher::shared().takeNoticeSoon();
   };
-  center().addObserver(&questions, askInVain, DRDeviceStatusChangedNotification, device);
-  EXPECT_TRUE(loop.runUntil([&questions] { return questions >= 2; }));
-  loop.deliverQueued();
+  center().addObserver(&reports, askInVain, DRDeviceStatusChangedNotification, device);
+  EXPECT_TRUE(loop.runUntil([&reports] { return reports >= 2; }));
   EXPECT_TRUE(device->status().DRDeviceMediaInfoKey);
-  EXPECT_FALSE(DriveWatcher::shared().isPolling());
-  center().removeObserver(&questions);
+  EXPECT_TRUE(loop.runUntil([] { return !DriveWatcher::shared().isPolling(); }));
+  center().removeObserver(&reports);
+}
+
+TEST_F(DRNotificationCenterTest, ADriveThatCouldNotBeAskedAtItsNewsIsToldOfWhenItCan) {
+  const DRDevice* device = addDrive();
+  observeDevices();
+  ASSERT_TRUE(hearsOf(device));
+  std::string error;
+  ASSERT_TRUE(open(*device->emulatedDisc()).ejectDisc(EjectManner::Button, &error));
+  {
+    const NoDescriptorLeft noDescriptorLeft;
+    ASSERT_TRUE(loop.runUntil([] { return DriveWatcher::shared().isPolling(); }));
+    EXPECT_EQ(changes[device], 0);
+  }
+  EXPECT_TRUE(hearsOf(device));
+  EXPECT_FALSE(device->mediaIsPresent());
+}
+
+TEST_F(DRNotificationCenterTest, ADriveThatCanNeverBeAskedIsGivenUpUntilItHasNews) {
+  const DRDevice* device = addDrive();
+  observeDevices();
+  ASSERT_TRUE(hearsOf(device));
+  {
+    const NoDescriptorLeft noDescriptorLeft;
+    EXPECT_TRUE(device->mediaIsPresent());
+    DriveWatcher::shared().takeNoticeSoon();
+    ASSERT_TRUE(loop.runUntil([] { return DriveWatcher::shared().isPolling(); }));
+    EXPECT_TRUE(loop.runUntil([] { return !DriveWatcher::shared().isPolling(); }));
+  }
+  EXPECT_EQ(changes[device], 0);
+  DriveWatcher::shared().checkSoon();
+  EXPECT_TRUE(hearsOf(device));
+}
+
+TEST_F(DRNotificationCenterTest, WhatOthersHaveFoundOutOfADriveIsToldAndFollowed) {
+  const DRDevice* device = addDrive();
+  const DRDevice* other = addDrive();
+  observeDevices();
+  ASSERT_TRUE(loop.runUntil([&] { return changes[device] > 0 && changes[other] > 0; }));
+  changes.clear();
+  auto recording = FileLock::acquire(*other->emulatedDisc() + "/sectors", std::chrono::seconds(60));
+  ASSERT_TRUE(recording.has_value());
+  DriveWatcher::shared().takeNoticeSoon();
+  ASSERT_TRUE(hearsOf(other));
+  EXPECT_TRUE(DriveWatcher::shared().isPolling());
+  recording.reset();
+  EXPECT_TRUE(hearsOf(other));
+  EXPECT_FALSE(other->mediaIsBusy());
 }
 
 TEST_F(DRNotificationCenterTest, ObserversHearOnlyOfTheirObjectAndName) {

@@ -40,7 +40,8 @@ class DriveEventsTest : public ::testing::Test {
 
 TEST_F(DriveEventsTest, AnEventOfADeviceOfThatNameIsToldOf) {
   int heard = 0;
-  const auto events = DriveEvents::listen(Channel::Kernel, "loop", [&heard](const std::string&) { ++heard; });
+  const auto events =
+      DriveEvents::listen(Channel::Kernel, "loop", [&heard](const std::string&) { ++heard; });
   ASSERT_NE(events, nullptr);
   ASSERT_TRUE(tellAgain());
   ASSERT_TRUE(loop_.runUntil([&heard] { return heard > 0; }));
@@ -51,8 +52,11 @@ TEST_F(DriveEventsTest, AnEventOfADeviceOfThatNameIsToldOf) {
 TEST_F(DriveEventsTest, EventsOfOtherDevicesAreNot) {
   int heardOfDrives = 0;
   int heardOfLoops = 0;
-  const auto drives = DriveEvents::listen(Channel::Kernel, "sr", [&](const std::string&) { ++heardOfDrives; });
-  const auto loops = DriveEvents::listen(Channel::Kernel, "loop", [&](const std::string& name) { heardOfLoops += name == "loop0" ? 1 : 0; });
+  const auto drives =
+      DriveEvents::listen(Channel::Kernel, "sr", [&](const std::string&) { ++heardOfDrives; });
+  const auto loops = DriveEvents::listen(Channel::Kernel, "loop", [&](const std::string& name) {
+    heardOfLoops += name == "loop0" ? 1 : 0;
+  });
   ASSERT_NE(drives, nullptr);
   ASSERT_NE(loops, nullptr);
   ASSERT_TRUE(tellAgain());

@@ -243,19 +243,37 @@ TEST_F(DriveWithSessions, DoesNotSayWhichWhereItIsNotReadInTimeTheFirstTime) {
 
 TEST_F(DriveWithSessions, IsWorthAnotherQuestionUntilItHasAnswered) {
   ASSERT_TRUE(drive_.mediaState().present);
-  EXPECT_FALSE(drive_.statusIsMissing()) << "nobody has asked";
+  EXPECT_FALSE(drive_.isWorthAnotherQuestion()) << "nobody has asked";
   EXPECT_THAT(starts(), IsEmpty());
-  EXPECT_TRUE(drive_.statusIsMissing());
+  EXPECT_TRUE(drive_.isWorthAnotherQuestion());
   answerForTracks();
   answerForSector("CD001");
   EXPECT_THAT(starts(), ElementsAre(0, 11702, 25000, 40000));
-  EXPECT_FALSE(drive_.statusIsMissing());
+  EXPECT_FALSE(drive_.isWorthAnotherQuestion());
 }
 
 TEST_F(DriveWithSessions, IsNotWorthAnotherQuestionWhereItHasAnsweredBefore) {
   readOnce();
   EXPECT_THAT(starts(), ElementsAre(0, 11702, 25000, 40000));
-  EXPECT_FALSE(drive_.statusIsMissing());
+  EXPECT_FALSE(drive_.isWorthAnotherQuestion());
+}
+
+TEST_F(DriveWithSessions, IsWorthAnotherQuestionWhereItsStateWasNotAnswered) {
+  ASSERT_TRUE(drive_.mediaState().present);
+  EXPECT_FALSE(drive_.isWorthAnotherQuestion());
+  EXPECT_TRUE(drive_.mediaState().present);
+  EXPECT_TRUE(drive_.isWorthAnotherQuestion());
+  answerForState();
+  EXPECT_TRUE(drive_.mediaState().present);
+  EXPECT_FALSE(drive_.isWorthAnotherQuestion());
+}
+
+TEST_F(DriveWithSessions, IsNotWorthAnotherQuestionWhereItIsClosedToThisUser) {
+  ASSERT_TRUE(drive_.mediaState().present);
+  transport_->silence = EACCES;
+  EXPECT_TRUE(drive_.mediaState().present);
+  EXPECT_THAT(starts(), IsEmpty());
+  EXPECT_FALSE(drive_.isWorthAnotherQuestion());
 }
 
 TEST_F(DriveWithSessions, IsNotWorthAnotherQuestionWithoutItsDisc) {
@@ -263,7 +281,7 @@ TEST_F(DriveWithSessions, IsNotWorthAnotherQuestionWithoutItsDisc) {
   EXPECT_THAT(starts(), IsEmpty());
   transport_->answerCheckCondition(kNoDisc);
   EXPECT_FALSE(drive_.mediaState().present);
-  EXPECT_FALSE(drive_.statusIsMissing());
+  EXPECT_FALSE(drive_.isWorthAnotherQuestion());
 }
 
 TEST_F(DriveWithSessions, DoesNotSayWhichWhileItBecomesReady) {

@@ -134,6 +134,14 @@ class RoadTest(unittest.TestCase):
         self.kelvanedisc("create", disc, *options)
         return disc
 
+    def make_small_disc(self):
+        """A CD-R with one session, whose only file is a.txt."""
+        source = os.path.join(self.folder, "source")
+        os.mkdir(source)
+        with open(os.path.join(source, "a.txt"), "w", encoding="utf-8") as file:
+            file.write("a")
+        return self.make_disc(source=source, label="SAMPLE")
+
     def info(self, disc):
         return json.loads(self.kelvanedisc("info", disc, "--json").stdout)
 

@@ -12,11 +12,7 @@ from road import RoadTest, sha256_of, wait_until
 class Signals(RoadTest):
     def setUp(self):
         super().setUp()
-        source = os.path.join(self.folder, "source")
-        os.mkdir(source)
-        with open(os.path.join(source, "a.txt"), "w", encoding="utf-8") as file:
-            file.write("a")
-        self.disc = self.make_disc(source=source, label="SAMPLE")
+        self.disc = self.make_small_disc()
         self.started = os.path.join(self.folder, "started")
 
     def check_interruption(self, signal_number, last, beforehand="true"):

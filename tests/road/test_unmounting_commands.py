@@ -12,11 +12,7 @@ UNMOUNT = 'cd /; fusermount3 -u "$KELVANEFS_VOLUME"'
 class UnmountingCommands(RoadTest):
     def setUp(self):
         super().setUp()
-        source = os.path.join(self.folder, "source")
-        os.mkdir(source)
-        with open(os.path.join(source, "a.txt"), "w", encoding="utf-8") as file:
-            file.write("a")
-        self.disc = self.make_disc(source=source, label="SAMPLE")
+        self.disc = self.make_small_disc()
 
     def until_the_burn_is_in_question(self):
         """A piece of a script that waits for the image builder to be asked for the size of the new session."""
@@ -58,6 +54,15 @@ class UnmountingCommands(RoadTest):
     def test_one_without_changes_is_waited_for(self):
         outcome = self.run_on_the_volume(UNMOUNT, self.until_the_disc_is_ejected(), "exit 7", status=7)
         self.assertEqual(outcome["state"], "command-failed")
+
+    def test_another_disc_is_not_opened_while_one_without_changes_is_waited_for(self):
+        other = self.make_disc(name="other", source=os.path.join(self.folder, "source"), label="OTHER")
+        outcome = self.run_on_the_volume(UNMOUNT, self.until_the_disc_is_ejected(), options=("--drive", other))
+        self.assertEqual(outcome["state"], "unchanged")
+        # Opening a disc begins with the unmounting of its visible volume.
+        opened = [line for line in outcome["lines"] if "unmount attempt" in line]
+        self.assertEqual(len(opened), 1, outcome["lines"])
+        self.assertEqual(len(self.sessions(other)), 1)
 
     def test_one_without_changes_that_succeeds_has_burned_nothing(self):
         outcome = self.run_on_the_volume(UNMOUNT, self.until_the_disc_is_ejected())

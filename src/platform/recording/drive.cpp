@@ -32,6 +32,8 @@ class NotingTransport : public mmc::Transport {
   explicit NotingTransport(mmc::Transport& drive) : drive_(drive) {}
 
   bool everyQuestionWasPut() const { return everyQuestionWasPut_; }
+  /// Whether what could not be put is worth another try.
+  bool mayBeAskedAgain() const { return mayBeAskedAgain_; }
   bool driveBecomesReady() const { return driveBecomesReady_; }
 
   mmc::Answer read(std::span<const uint8_t> commandBlock, std::span<uint8_t> data,
@@ -47,6 +49,8 @@ class NotingTransport : public mmc::Transport {
   mmc::Answer note(const mmc::Answer& answer) {
     if (answer.status == mmc::Status::Unreachable && !meansThatDriveIsGone(answer.errorNumber)) {
       everyQuestionWasPut_ = false;
+      const bool isClosed = answer.errorNumber == EACCES || answer.errorNumber == EPERM;
+      mayBeAskedAgain_ = mayBeAskedAgain_ || !isClosed;
     }
     if (mmc::readinessFrom(answer) == mmc::Readiness::BecomingReady) driveBecomesReady_ = true;
     return answer;
@@ -54,6 +58,7 @@ class NotingTransport : public mmc::Transport {
 
   mmc::Transport& drive_;
   bool everyQuestionWasPut_ = true;
+  bool mayBeAskedAgain_ = false;
   bool driveBecomesReady_ = false;
 };
 
@@ -103,6 +108,7 @@ bool Drive::writesCD() const {
 void Drive::askForState() const {
   NotingTransport transport(*transport_);
   const MediaState state = readMediaState(transport);
+  stateWasAnswered_ = !transport.mayBeAskedAgain();
   if (!transport.everyQuestionWasPut()) return;
   if (state != lastState_) forgetStatus();
   if (state.transitioning && lastState_.present) {
@@ -118,7 +124,7 @@ void Drive::askForState() const {
 void Drive::askForStatus() const {
   NotingTransport transport(*transport_);
   DRDeviceStatus status = readDeviceStatus(transport);
-  statusWasAnswered_ = transport.driveBecomesReady() || transport.everyQuestionWasPut();
+  statusWasAnswered_ = transport.driveBecomesReady() || !transport.mayBeAskedAgain();
   if (transport.driveBecomesReady()) {
     lastStatus_ = {};
   } else if (transport.everyQuestionWasPut()) {
@@ -138,10 +144,17 @@ DRDeviceStatus Drive::status() const {
   return lastStatus_;
 }
 
-bool Drive::statusIsMissing() const {
+MediaState Drive::knownMediaState() const {
   const std::lock_guard guard(mutex_);
-  return !leftAlone_ && lastState_.present && !statusWasAnswered_ &&
-         !lastStatus_.DRDeviceMediaInfoKey;
+  return lastState_;
+}
+
+bool Drive::isWorthAnotherQuestion() const {
+  const std::lock_guard guard(mutex_);
+  if (leftAlone_) return false;
+  const bool statusIsMissing =
+      lastState_.present && !statusWasAnswered_ && !lastStatus_.DRDeviceMediaInfoKey;
+  return !stateWasAnswered_ || statusIsMissing;
 }
 
 std::optional<uint32_t> Drive::formatCapacity() const {

@@ -57,9 +57,12 @@ class Drive {
   /// Where the drive cannot be asked now, what was read of the same disc before. Without media
   /// information where nothing was, and while the drive becomes ready.
   DRDeviceStatus status() const;
-  /// Whether the last one who asked for the status was told nothing since the drive could not be
-  /// asked, so that it is worth another question.
-  bool statusIsMissing() const;
+  /// What `mediaState` gave last. The drive is not asked.
+  MediaState knownMediaState() const;
+  /// Whether the drive could not be asked last for its state, or for the status of a disc of which
+  /// nothing is known, so that it is worth another question. Not where its node is closed to this
+  /// user. The drive is not asked.
+  bool isWorthAnotherQuestion() const;
   /// The blocks that a medium which is written over at will has in all; empty where the drive does
   /// not say, or is left alone.
   std::optional<uint32_t> formatCapacity() const;
@@ -110,7 +113,9 @@ class Drive {
   mutable std::optional<bool> writesCD_;
   mutable MediaState lastState_;
   mutable DRDeviceStatus lastStatus_;
-  mutable bool statusWasAnswered_ = true;  // Or not asked for yet.
+  // Or not asked for yet, or closed to this user.
+  mutable bool stateWasAnswered_ = true;
+  mutable bool statusWasAnswered_ = true;
   std::optional<FileLock> exclusiveAccess_;
   std::unique_ptr<DriveClaim> claim_;
   bool leftAlone_ = false;

@@ -5,6 +5,7 @@
 #include <unistd.h>
 
 #include <QSocketNotifier>
+#include <cerrno>
 #include <set>
 #include <string_view>
 #include <utility>
@@ -57,6 +58,7 @@ class DriveEvents::Connection {
   // The monitor's socket does not block, so that all that has come can be taken.
   void receive() {
     std::set<std::string> drives;
+    errno = 0;
     while (const UdevDevice device{udev_monitor_receive_device(monitor_.get())}) {
       const char* name = udev_device_get_sysname(device.get());
       if (name == nullptr || !std::string_view(name).starts_with(prefix_)) continue;
@@ -65,6 +67,7 @@ class DriveEvents::Connection {
         trayKeptShut_(name);
       }
     }
+    if (errno == ENOBUFS) drives.insert("");  // More has come than the socket holds.
     for (const std::string& drive : drives) handler_(drive);
   }
 

@@ -53,12 +53,14 @@ void DriveWatcher::start() {
   QObject::connect(folders_.get(), &QFileSystemWatcher::directoryChanged,
                    [this](const QString& folder) { folderHasChanged(folder.toStdString()); });
   soon_->setSingleShot(true);
-  QObject::connect(soon_.get(), &QTimer::timeout, [this] { check(); });
+  poll_->setSingleShot(true);  // So that time is left for others between two looks.
+  QObject::connect(soon_.get(), &QTimer::timeout, [this] { checkNews(); });
   QObject::connect(poll_.get(), &QTimer::timeout, [this] { poll(); });
   events_ = DriveEvents::listen(
       DriveEvents::systemChannel(), kRealDrives,
-      [this](const std::string& name) { checkSoon(name); }, tellOfShutTray);
-  check();
+      [this](const std::string& name) { name.empty() ? checkSoon() : checkSoon(name); },
+      tellOfShutTray);
+  checkNews();
 }
 
 void DriveWatcher::stop() {
@@ -90,47 +92,69 @@ void DriveWatcher::folderHasChanged(const std::string& folder) {
   }
 }
 
-DriveWatcher::Observation DriveWatcher::observe(const DRDevice& device) {
+void DriveWatcher::takeNoticeSoon() {
+  performOnMainThread([this] {
+    if (soon_ && !soon_->isActive()) soon_->start(kSettlingTime);
+  });
+}
+
+DriveWatcher::Observation DriveWatcher::observe(const DRDevice& device, const MediaState& media) {
   Observation observation;
   observation.valid = device.isValid();
   observation.busy = device.mediaIsBusy();
   observation.settled = isEmulated(device) || DriveEvents::isSettled(device.bsdName());
-  if (const Drive* drive = device.drive()) {
-    observation.trayOpenings = drive->trayOpenings();
-    // Whoever writes to the disc is not to be disturbed by questions.
-    if (observation.valid && !observation.busy) {
-      observation.media = drive->mediaState();
-      if (drive->statusIsMissing()) static_cast<void>(drive->status());
-    }
-    observation.statusIsMissing = drive->statusIsMissing();
-  }
+  if (const Drive* drive = device.drive()) observation.trayOpenings = drive->trayOpenings();
+  if (observation.valid && !observation.busy) observation.media = media;
   return observation;
 }
 
-void DriveWatcher::check() {
-  const std::set<std::string> named = std::exchange(drivesWithNews_, {});
+/// Asks the drive, and gives whether it tells now what it could not be asked for before.
+bool DriveWatcher::answersAtLast(const Drive& drive) {
+  const bool before = drive.isWorthAnotherQuestion();
+  static_cast<void>(drive.mediaState());
+  if (drive.isWorthAnotherQuestion()) static_cast<void>(drive.status());
+  return before && !drive.isWorthAnotherQuestion();
+}
+
+// Whether there is something to tell. Whoever writes to the disc is not to be disturbed by
+// questions.
+bool DriveWatcher::look(const DRDevice& device, Watched& known) {
+  const Drive* drive = device.drive();
+  const bool mayBeAsked = drive != nullptr && device.isValid() && !device.mediaIsBusy();
+  const bool isAnswered = mayBeAsked && answersAtLast(*drive);
+  const bool isInVain = drive != nullptr && drive->isWorthAnotherQuestion();
+  known.looksInVain = isInVain ? known.looksInVain + 1 : 0;
+  const Observation now =
+      observe(device, drive == nullptr ? MediaState() : drive->knownMediaState());
+  return std::exchange(known.observation, now) != now || isAnswered;
+}
+
+// Of drives that are not worth a question it is noted what others have found out.
+void DriveWatcher::check(const Names& worthAQuestion) {
   watchFolders();
   for (const DRDevice* device : DRDevice::devices()) {
-    const auto known = watched_.find(device);
-    const bool isKnown = known != watched_.end();
-    if (isKnown && !named.contains(device->bsdName())) continue;
-    const Observation now = observe(*device);
-    if (isKnown && known->second.observation == now) continue;
-    watched_[device].observation = now;
-    DRNotificationCenter::currentRunLoopCenter().post(DRDeviceStatusChangedNotification, device);
+    const bool isNew = !watched_.contains(device);
+    Watched& known = watched_[device];
+    bool isChanged = isNew;
+    if (isNew || worthAQuestion.contains(device->bsdName())) {
+      isChanged = look(*device, known) || isNew;
+    } else if (const Drive* drive = device->drive()) {
+      const Observation now = observe(*device, drive->knownMediaState());
+      isChanged = std::exchange(known.observation, now) != now;
+    }
+    if (isChanged) {
+      DRNotificationCenter::currentRunLoopCenter().post(DRDeviceStatusChangedNotification, device);
+    }
   }
-  // Behind the notifications: who hears of a drive asks it what is on the disc.
-  performOnMainThread([this] { noteMissingStatus(); });
   pollWhileNeeded();
 }
 
-void DriveWatcher::noteMissingStatus() {
-  if (!folders_) return;
+void DriveWatcher::checkNews() {
+  const Names named = std::exchange(drivesWithNews_, {});
   for (auto& [device, known] : watched_) {
-    const Drive* drive = device->drive();
-    known.observation.statusIsMissing = drive != nullptr && drive->statusIsMissing();
+    if (named.contains(device->bsdName())) known.looksInVain = 0;
   }
-  pollWhileNeeded();
+  check(named);
 }
 
 // The watch of a folder ends with the folder; one that has come back is watched anew.
@@ -142,14 +166,22 @@ void DriveWatcher::watchFolders() {
   }
 }
 
-// The end of a recording by another program and of a disc's loading, the return of a folder, a
-// drive that can be asked again: nobody tells of these.
+// The end of a recording by another program and of a disc's loading, the return of a folder: nobody
+// tells of these. A drive that cannot be asked is asked some more times; each may take its time.
+bool DriveWatcher::isInFlux(const DRDevice& device) const {
+  constexpr int kMostLooksInVain = 3;
+  const auto known = watched_.find(&device);
+  if (known == watched_.end()) return true;
+  const Drive* drive = device.drive();
+  const bool isWorthALook = drive != nullptr && drive->isWorthAnotherQuestion() &&
+                            known->second.looksInVain < kMostLooksInVain;
+  const Observation& observation = known->second.observation;
+  return isWorthALook || observation.busy || observation.media.transitioning;
+}
+
 bool DriveWatcher::needsPoll(const DRDevice& device) const {
   const bool mediaAreToldOf = isEmulated(device) || (events_ && events_->tellsOfMedia());
-  const auto known = watched_.find(&device);
-  return !mediaAreToldOf || known == watched_.end() || known->second.observation.busy ||
-         known->second.observation.media.transitioning ||
-         known->second.observation.statusIsMissing || !known->second.observation.valid;
+  return !mediaAreToldOf || isInFlux(device) || !watched_.at(&device).observation.valid;
 }
 
 void DriveWatcher::pollWhileNeeded() {
@@ -164,21 +196,19 @@ void DriveWatcher::pollWhileNeeded() {
   }
 }
 
-// Looks closer only where something may have happened that no folder tells of.
+// Asks only where something may have happened that nobody tells of.
 void DriveWatcher::poll() {
+  Names worthAQuestion;
   for (const DRDevice* device : DRDevice::devices()) {
     const auto known = watched_.find(device);
-    const bool changing = known == watched_.end() || known->second.observation.busy ||
-                          known->second.observation.media.transitioning ||
-                          known->second.observation.statusIsMissing ||
-                          known->second.observation.valid != device->isValid();
+    const bool changing = isInFlux(*device) || known->second.observation.valid != device->isValid();
     // What the drive has told once it does not tell again; where the kernel asks it, it is the
     // kernel that has to hear of it.
     const bool moved =
         !isEmulated(*device) && !(events_ && events_->tellsOfMedia()) && trayHasMoved(*device);
-    if (changing || moved) drivesWithNews_.insert(device->bsdName());
+    if (changing || moved) worthAQuestion.insert(device->bsdName());
   }
-  if (!drivesWithNews_.empty()) check();
+  check(worthAQuestion);
 }
 
 bool DriveWatcher::trayHasMoved(const DRDevice& device) {

@@ -15,6 +15,7 @@ class QTimer;
 
 namespace kelvane {
 
+class Drive;
 class DRDevice;
 class DriveEvents;
 
@@ -43,9 +44,12 @@ class DriveWatcher {
 
   /// Looks at every drive soon, from the event loop. Without effect before `start`.
   void checkSoon();
-  /// Looks at the drive of this name alone, and at those that are new: a drive at rest may have to
-  /// spin up its disc to answer.
+  /// Asks the drive of this name alone, and those that are new: a drive at rest may have to spin up
+  /// its disc to answer.
   void checkSoon(const std::string& bsdName);
+  /// Takes notice soon of what others have found out by asking. Drives that are known are not
+  /// asked. Any thread.
+  void takeNoticeSoon();
 
  private:
   // All by which one state of a drive differs from another.
@@ -56,22 +60,27 @@ class DriveWatcher {
     bool settled = true;
     int trayOpenings = 0;
     MediaState media;
-    /// Whether somebody could not be told what is on the disc. The end of it is a change.
-    bool statusIsMissing = false;
 
     friend bool operator==(const Observation&, const Observation&) = default;
   };
   struct Watched {
     Observation observation;
     std::optional<mmc::MediaEventStatus> tray;
+    /// How often it was asked again in vain since its last news.
+    int looksInVain = 0;
   };
+  /// The names of drives.
+  using Names = std::set<std::string>;
 
-  static Observation observe(const DRDevice& device);
-  void noteMissingStatus();
-  void check();
+  static Observation observe(const DRDevice& device, const MediaState& media);
+  static bool answersAtLast(const Drive& drive);
+  bool look(const DRDevice& device, Watched& known);
+  void check(const Names& worthAQuestion);
+  void checkNews();
   void poll();
   void pollWhileNeeded();
   bool needsPoll(const DRDevice& device) const;
+  bool isInFlux(const DRDevice& device) const;
   void watchFolders();
   bool trayHasMoved(const DRDevice& device);
   void folderHasChanged(const std::string& folder);
@@ -81,7 +90,7 @@ class DriveWatcher {
   std::unique_ptr<QTimer> poll_;
   std::unique_ptr<DriveEvents> events_;  // Null where nothing can be heard.
   std::map<const DRDevice*, Watched> watched_;
-  std::set<std::string> drivesWithNews_;
+  Names drivesWithNews_;
 };
 
 }  // namespace kelvane

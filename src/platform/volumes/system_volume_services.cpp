@@ -105,6 +105,10 @@ class SystemVolumeServices : public VolumeServices {
     systemLog("%@ may be mounted by others while it is open.", drive->identity().programPath);
   }
 
+  void letOthersMount(const DRDevice& device) override {
+    if (Drive* drive = device.drive()) drive->letOthersMount();
+  }
+
   void createDirectory(const std::string& path) override {
     std::error_code failure;
     std::filesystem::create_directories(path, failure);

@@ -8,6 +8,7 @@
 #include "platform/foundation/main_thread.h"
 #include "platform/foundation/system_log.h"
 #include "platform/recording/dr_notification_center.h"
+#include "platform/recording/drive_watcher.h"
 #include "platform/volumes/mount_table.h"
 #include "platform/volumes/stale_mounts.h"
 #include "platform/volumes/visible_mount.h"
@@ -91,7 +92,10 @@ void VisibleMounts::update(DRDevice& device) {
   const bool isWritten = hasWrittenDisc(device);
   const DRDeviceStatus status = isWritten ? device.status() : DRDeviceStatus();
   // Who does not say what is on the disc has not said that it is another one.
-  if (isWritten && !status.DRDeviceMediaInfoKey) return;
+  if (isWritten && !status.DRDeviceMediaInfoKey) {
+    DriveWatcher::shared().takeNoticeSoon();
+    return;
+  }
   const std::optional<int64_t> sessionStart = lastSessionStart(status);
   if (!sessionStart) {
     unmountAllOf(bsdName);

@@ -51,6 +51,9 @@ class VolumeServices {
   /// until that is ended at the drive.
   virtual void keepOthersFromMounting(const DRDevice& /*device*/) {}
 
+  /// Ends that at the drive: the disc has not been opened after all.
+  virtual void letOthersMount(const DRDevice& /*device*/) {}
+
   /// Makes the folder and those above it. Errors are ignored.
   virtual void createDirectory(const std::string& path) = 0;
 
