@@ -30,10 +30,9 @@ void declareOptions(CLI::App& app, BatchOptions& options) {
       "COMMAND runs with the volume as its working directory; KELVANEFS_VOLUME holds its path.\n"
       "Exit status: 0 burned, nothing to burn, or discarded as asked; COMMAND's own status where "
       "it failed (127 where it cannot\n"
-      "be run), and the changes are discarded; 2 wrong usage; 3 the disc could not be opened; 4 "
-      "the "
-      "burn failed or the disc was\n"
-      "gone before; 128 plus the signal's number if interrupted.");
+      "be run), and the changes are discarded; 2 wrong usage; 3 the disc could not be opened;\n"
+      "4 the burn failed or the disc was gone before; 128 plus the signal's number if "
+      "interrupted.");
   app.add_option("--drive", options.drives,
                  "A drive such as /dev/sr0, or DISC.kvdisc, the disc for an emulated one; may be "
                  "given several times")

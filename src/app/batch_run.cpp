@@ -218,8 +218,9 @@ void BatchRun::setBurnMessage(const std::string& text) {
   const bool isWriting =
       text == localizedString("burningchangesdvd") || text == localizedString("burningchangescd");
   // Of a CD the second half of the bar is the burn itself, of a DVD all of it.
-  if (isWriting && device != nullptr)
+  if (isWriting && device != nullptr) {
     writingBeginsAt_ = isWritableCd(device->mediaType()) ? 1.0 : 0.0;
+  }
   std::error_code failure;
   const std::string image = paths::burnImage(controller_->tmpDirPath());
   const uintmax_t size = std::filesystem::file_size(image, failure);
