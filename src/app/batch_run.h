@@ -35,6 +35,7 @@ class BatchRun final : public WindowlessOutlets {
 
   // What the controller says to its window.
   void setFrame(ContentView view, Rect frame, Movement movement) override;
+  bool showsSizeInformation() const override { return false; }
   void setBurnMessage(const std::string& text) override;
   int32_t burnSpeedTag() override { return options_.speedTag; }
   void beginBurnConfirmationSheet() override;

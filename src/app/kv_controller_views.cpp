@@ -14,6 +14,15 @@ namespace {
 constexpr double kTransitionSeconds = 0.6;
 constexpr uintmax_t kBytesPerMegabyte = 1048576;
 
+std::string sizeInformation(const std::string& volume) {
+  std::error_code failure;
+  if (!std::filesystem::exists(volume, failure)) return localizedString("viewSizeNotAvail");
+  const auto freeBytes = static_cast<int64_t>(std::filesystem::space(volume, failure).free);
+  if (failure) return localizedString("viewSizeNotAvail");
+  const auto megabytes = static_cast<int32_t>(freeBytes / static_cast<int64_t>(kBytesPerMegabyte));
+  return format(localizedString("viewSizeOfDisk"), megabytes);
+}
+
 }  // namespace
 
 void KVController::setMediaIsMounted(bool mounted) {
@@ -62,17 +71,8 @@ void KVController::updateMountedItemView() {
 void KVController::performUpdateMountedItemView() {
   const std::optional<DeviceRecord> record = currentDeviceDictionary();
   if (!record) return;
-  std::error_code failure;
-  const std::string volume = paths::overlayMountPoint();
-  const bool volumeExists = std::filesystem::exists(volume, failure);
-  const auto freeBytes = static_cast<int64_t>(
-      volumeExists ? std::filesystem::space(volume, failure).free : uintmax_t{0});
-  if (volumeExists && !failure) {
-    const auto megabytes =
-        static_cast<int32_t>(freeBytes / static_cast<int64_t>(kBytesPerMegabyte));
-    window_.setSizeInformationField(format(localizedString("viewSizeOfDisk"), megabytes));
-  } else {
-    window_.setSizeInformationField(localizedString("viewSizeNotAvail"));
+  if (window_.showsSizeInformation()) {
+    window_.setSizeInformationField(sizeInformation(paths::overlayMountPoint()));
   }
   window_.setVolumeNameField(record->description.volumename);
   window_.setDeviceNameField(format("%@ in %@", record->description.mediatype.value_or(""),

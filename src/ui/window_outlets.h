@@ -77,6 +77,9 @@ class WindowOutlets {
   virtual void setVolumeNameField(const std::string& text) = 0;
   virtual void setDeviceNameField(const std::string& text) = 0;
   virtual void setSizeInformationField(const std::string& text) = 0;
+  /// Whether the field is seen. Where it is not, the volume is not asked, since whoever asks it
+  /// keeps it from being unmounted meanwhile.
+  virtual bool showsSizeInformation() const { return true; }
 
   virtual void setBurnMessage(const std::string& text) = 0;
   virtual ProgressIndicator& burnProgressIndicator() = 0;

@@ -8,6 +8,7 @@
 #include <QTranslator>
 #include <filesystem>
 
+#include "app/batch_run.h"
 #include "app/controller_fixture.h"
 #include "platform/foundation/paths.h"
 
@@ -75,6 +76,20 @@ TEST_F(KVControllerViews, WithoutAVolumeTheNamesAreFilledAllTheSame) {
   controller_.performUpdateMountedItemView();
   EXPECT_THAT(newCalls(), ElementsAre("size viewSizeNotAvail", "volume SAMPLE",
                                       "device CDR in KELVANE BURNER"));
+}
+
+// Whoever asks a volume keeps it from being unmounted meanwhile, by a command of batch mode too.
+TEST_F(KVControllerViews, AVolumeWhoseSizeIsNotShownIsLeftAlone) {
+  DeviceRecord record;
+  record.description = {"SAMPLE", "KELVANE BURNER", "CDR"};
+  controller_.setCurrentDeviceDictionary(record);
+  window_.sizeIsShown = false;
+  controller_.performUpdateMountedItemView();
+  EXPECT_THAT(newCalls(), ElementsAre("volume SAMPLE", "device CDR in KELVANE BURNER"));
+}
+
+TEST(BatchRunViews, TheSizeOfTheVolumeIsNotShown) {
+  EXPECT_FALSE(BatchRun(BatchOptions{}).showsSizeInformation());
 }
 
 TEST_F(KVControllerViews, TheViewOfTheOpenedDiscIsFilledWhenItIsShown) {

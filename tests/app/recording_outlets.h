@@ -42,6 +42,7 @@ class RecordingOutlets : public WindowlessOutlets {
   void setVolumeNameField(const std::string& text) override { note("volume " + text); }
   void setDeviceNameField(const std::string& text) override { note("device " + text); }
   void setSizeInformationField(const std::string& text) override { note("size " + text); }
+  bool showsSizeInformation() const override { return sizeIsShown; }
   void setBurnMessage(const std::string& text) override { note("burnMessage " + text); }
   void setBurnConfirmationDiskTitle(const std::string& name) override {
     note("title " + name);
@@ -87,6 +88,7 @@ class RecordingOutlets : public WindowlessOutlets {
   std::function<void(int returnCode)> answerAlert;
   int modalAlertAnswer = kAlertFirstButtonReturn + 1;
   int32_t speedTag = 0;
+  bool sizeIsShown = true;
   std::vector<BurnEnd> burnEnds;
 
  protected:

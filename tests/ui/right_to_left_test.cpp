@@ -49,8 +49,8 @@ struct Layout {
 
 std::map<std::string, Layout> layoutsOfAllStates(Qt::LayoutDirection direction) {
   const Reading reading(direction);
+  const Stillness stillness;
   MainWindow window;
-  window.setAnimationDuration(0);
   leaveState(window);
   window.makeKeyAndOrderFront();
   std::map<std::string, Layout> layouts;

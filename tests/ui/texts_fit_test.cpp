@@ -89,8 +89,8 @@ class TextsFit
 };
 
 TEST_P(TextsFit, InEveryState) {
+  const Stillness stillness;
   MainWindow window;
-  window.setAnimationDuration(0);
   leaveState(window);
   window.makeKeyAndOrderFront();
   for (const WindowState& state : windowStates()) {

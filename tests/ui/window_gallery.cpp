@@ -26,6 +26,7 @@
 #include "ui/erase_progress_sheet.h"
 #include "ui/every_alert.h"
 #include "ui/main_window.h"
+#include "ui/motion.h"
 #include "ui/sample_copy.h"
 #include "ui/sample_records.h"
 #include "ui/sliding_area.h"
@@ -93,7 +94,7 @@ class Gallery {
   explicit Gallery(QString folder)
       : folder_(std::move(folder)), actions_(window_.mediaController()) {
     window_.setActions(&actions_);
-    window_.setAnimationDuration(0);
+    setLessMotionIsWanted(true);  // Or pictures are taken while the header line slides.
     window_.setOpenButtonCaption(localizedString("buttonopen"));
     window_.setHeaderLine(localizedString("headerDisksAvail"));
     window_.makeKeyAndOrderFront();

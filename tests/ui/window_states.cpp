@@ -15,6 +15,7 @@
 #include "ui/every_alert.h"
 #include "ui/license_reader.h"
 #include "ui/media_controller.h"
+#include "ui/motion.h"
 #include "ui/preferences_panel.h"
 #include "ui/sample_copy.h"
 #include "ui/sample_records.h"
@@ -253,6 +254,14 @@ void leaveState(MainWindow& window) {
   window.setHidden(HideableView::OpenButton, false);
   window.setHeaderLine(localizedString("headerDisksAvail"));
   window.setOpenButtonCaption(localizedString("buttonopen"));
+}
+
+Stillness::Stillness() {
+  setLessMotionIsWanted(true);
+}
+
+Stillness::~Stillness() {
+  setLessMotionIsWanted(false);
 }
 
 Language::Language(const std::string& language) {

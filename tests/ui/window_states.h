@@ -22,6 +22,15 @@ const std::vector<WindowState>& windowStates();
 /// Leads a window back from any of these states into the first one.
 void leaveState(MainWindow& window);
 
+/// Nothing slides while it lives, so what is looked at stands where it belongs.
+class Stillness {
+ public:
+  Stillness();
+  ~Stillness();
+  Stillness(const Stillness&) = delete;
+  Stillness& operator=(const Stillness&) = delete;
+};
+
 /// Speaks another language than English while it lives.
 class Language {
  public:
