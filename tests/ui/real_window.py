@@ -19,6 +19,9 @@ import unittest
 BIN = pathlib.Path(os.environ["KELVANE_BIN_DIR"])
 LIMIT = int(os.environ.get("KELVANE_WINDOW_LIMIT", "120"))  # Seconds that nothing here may take, on a slow machine either.
 
+# Nobody asks for these by name: they hold others, or divide them.
+CONTAINERS = {"filler", "panel", "scroll pane", "separator", "layered pane", "viewport", "scroll bar"}
+
 
 class Desktop:
     """A screen without a window manager, a session bus, and the accessibility services on it."""
@@ -221,6 +224,22 @@ class RealWindowTest(unittest.TestCase):
     def wait_for(self, name, role=None):
         return self.wait_until(f"“{name}”", lambda: self.find(name, role))
 
+    def check(self, state):
+        """Everything that is shown has a role, and a name where it is for the user."""
+        wrong = []
+        count = 0
+        for window in self.windows():
+            for item in tree(window):
+                count += 1
+                role = item.getRoleName()
+                focusable = item.getState().contains(pyatspi.STATE_FOCUSABLE)
+                if role in ("unknown", "invalid", ""):
+                    wrong.append(f"no role: “{item.name}”")
+                if not item.name and (focusable or role not in CONTAINERS):
+                    wrong.append(f"no name: {role}")
+        self.assertEqual(wrong, [], state)
+        self.assertGreater(count, 4, state)
+
     def wait_for_focus(self, name):
         def focused():
             item = self.find(name)
@@ -239,6 +258,9 @@ class RealWindowTest(unittest.TestCase):
         return heard
 
     # What a user does.
+
+    def press(self, name):
+        self.wait_for(name, "push button").queryAction().doAction(0)
 
     def on_screen(self):
         """The windows on the screen, menus among them, by their numbers."""

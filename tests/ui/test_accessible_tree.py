@@ -1,38 +1,30 @@
 # SPDX-License-Identifier: GPL-2.0-or-later
 """What a screen reader finds in each state of the real application, over AT-SPI."""
 
+import http.server
 import os
 import pathlib
+import threading
 
-from real_window import RealWindowTest, pyatspi, tree
+from real_window import BIN, RealWindowTest
 
 LIBEXEC = pathlib.Path(os.environ["KELVANE_LIBEXEC_DIR"])
+UPDATING_BUILD = os.environ["KELVANE_UPDATING_BUILD"]
 
-# Nobody asks for these by name: they hold others, or divide them.
-CONTAINERS = {"filler", "panel", "scroll pane", "separator", "layered pane", "viewport",
-              "scroll bar"}
+
+class NewerVersion(http.server.BaseHTTPRequestHandler):
+    """Answers as the endpoint does once a newer version is out."""
+
+    def do_GET(self):
+        self.send_response(200)
+        self.end_headers()
+        self.wfile.write(b"1601")
+
+    def log_message(self, *_):
+        pass
 
 
 class AccessibleTree(RealWindowTest):
-    def check(self, state):
-        """Everything that is shown has a role, and a name where it is for the user."""
-        wrong = []
-        count = 0
-        for window in self.windows():
-            for item in tree(window):
-                count += 1
-                role = item.getRoleName()
-                focusable = item.getState().contains(pyatspi.STATE_FOCUSABLE)
-                if role in ("unknown", "invalid", ""):
-                    wrong.append(f"no role: “{item.name}”")
-                if not item.name and (focusable or role not in CONTAINERS):
-                    wrong.append(f"no name: {role}")
-        self.assertEqual(wrong, [], state)
-        self.assertGreater(count, 4, state)
-
-    def press(self, name):
-        self.wait_for(name, "push button").queryAction().doAction(0)
-
     def let_recorder_wait(self):
         """What starts as the recorder waits for a file, which is given, before it becomes the real one."""
         sign = self.folder / "go on"
@@ -138,3 +130,29 @@ class AccessibleTree(RealWindowTest):
         self.press("Keep Both")
         self.wait_until("the end of the copying", lambda: len(self.windows()) == 1)
         self.assertEqual((self.volume / "first (2).txt").read_text(), "new")
+
+    def test_a_disc_that_the_drive_is_still_loading(self):
+        disc = self.make_disc("SLOW", "cd-rw")
+        self.disc_tool("eject", disc)
+        (disc / "faults").write_text("load: never ready", encoding="utf-8")
+        self.agree_to_license()
+        self.start(disc)
+        self.wait_until("the disc", lambda: any("Loading disc…" in item.name for item in self.items()))
+        self.check("loading")
+
+    def test_a_newer_version(self):
+        server = http.server.HTTPServer(("127.0.0.1", 0), NewerVersion)
+        thread = threading.Thread(target=server.serve_forever)
+        thread.start()
+        self.addCleanup(server.server_close)
+        self.addCleanup(thread.join)
+        self.addCleanup(server.shutdown)
+        self.environment.update(KELVANEFS_EXECUTABLE=str(BIN / "kelvanefs"),
+                                KELVANE_TEST_ENDPOINT=f"http://127.0.0.1:{server.server_port}/version")
+        self.agree_to_license()
+        self.start_program(UPDATING_BUILD)
+        self.wait_for("A newer version of KelvaneFS is available")
+        self.check("update")
+        self.press("Not Now")
+        self.wait_until("the question's end", lambda: len(self.windows()) == 1)
+        self.check("empty")

@@ -29,9 +29,6 @@ class StartUp(RealWindowTest):
         self.start_program(*covered, BIN / "kelvanefs")
         self.wait_for("KelvaneFS cannot use FUSE on this computer")
 
-    def press(self, name):
-        self.wait_for(name, "push button").queryAction().doAction(0)
-
     def test_install_leads_to_the_installer_and_the_application_ends(self):
         self.start_without_fuse()
         self.press("Install")
@@ -41,6 +38,7 @@ class StartUp(RealWindowTest):
 
     def test_quit_installs_nothing(self):
         self.start_without_fuse()
+        self.check("missing facility")
         self.press("Quit")
         self.assertEqual(self.process.wait(timeout=60), 0)
         self.assertFalse(self.note.exists())

@@ -10,6 +10,7 @@
 
 #include "platform/foundation/placeholders.h"
 #include "platform/foundation/strings_table.h"
+#include "ui/agreement_window.h"
 #include "ui/burn_summary.h"
 #include "ui/erase_progress_sheet.h"
 #include "ui/every_alert.h"
@@ -195,6 +196,20 @@ QWidget* license(MainWindow& window) {
   return reader;
 }
 
+/// The agreement that is shown; there is one at a time.
+std::optional<AgreementWindow>& shownAgreement() {
+  static std::optional<AgreementWindow> agreement;
+  return agreement;
+}
+
+/// Asked for before the window is there.
+QWidget* agreement(MainWindow& /*window*/) {
+  AgreementWindow& agreement = shownAgreement().emplace();
+  agreement.setLicenseText("<h1>Licence</h1><p>Words that are agreed to.</p>");
+  agreement.show();
+  return &agreement;
+}
+
 std::vector<WindowState> allStates() {
   std::vector<WindowState> states{{"empty", empty},
                                   {"emptyWithDiscToInsert", emptyWithDiscToInsert},
@@ -212,7 +227,8 @@ std::vector<WindowState> allStates() {
                                   {"copying", copying},
                                   {"copyQuestion", copyQuestion},
                                   {"preferences", preferences},
-                                  {"license", license}};
+                                  {"license", license},
+                                  {"agreement", agreement}};
   for (const Alert& alert : everyAlert()) {
     states.push_back({alert.messageKey + "_" + alert.informativeKey, [alert](MainWindow& window) {
                         window.beginAlertSheet(alert, {});
@@ -239,6 +255,7 @@ void leaveState(MainWindow& window) {
   }
   window.endCopySheet();
   shownCopy().reset();
+  shownAgreement().reset();
   window.endBurnConfirmationSheet();
   window.orderOutBurnConfirmationPanel();
   for (QDialog* panel : window.findChildren<QDialog*>()) panel->hide();
