@@ -64,8 +64,7 @@ endfunction()
 # Each TEST of the program becomes a test of ctest. Tests find the built programs through KELVANE_BIN_DIR and
 # KELVANE_LIBEXEC_DIR (compile definitions). The desktop of whoever runs them is out of their reach.
 #
-# Half of the time that a test's file takes to compile would go into the headers that all of them share, so these are
-# compiled once. What shares them has to be compiled the same way, with or without Qt: as position-independent code.
+# Two seconds or more of each test's file would go into the headers that all of them share, so these are compiled once. What shares them has to be compiled the same way, with or without Qt: as position-independent code.
 function(kv_add_test name)
   cmake_parse_arguments(ARG "SERIAL" "TIMEOUT" "SOURCES;LINK;DEPENDS" ${ARGN})
   if(NOT ARG_TIMEOUT)

@@ -28,6 +28,7 @@ constexpr Rect kIn{0, 33, 402, 86};
 constexpr Rect kLeft{-402, 33, 402, 86};
 constexpr Rect kRight{402, 33, 402, 86};
 
+constexpr const char* kLicense = "<h1>Licence</h1><p>Words that are agreed to.</p>";
 constexpr double kHalfBurned = 1.37;
 constexpr double kHalfErased = 0.42;
 
@@ -192,22 +193,15 @@ QWidget* preferences(MainWindow& window) {
 
 QWidget* license(MainWindow& window) {
   auto* reader = window.findChild<LicenseReader*>();
-  reader->present("<h1>Licence</h1><p>Words that are agreed to.</p>");
+  reader->present(kLicense);
   return reader;
 }
 
-/// The agreement that is shown; there is one at a time.
-std::optional<AgreementWindow>& shownAgreement() {
-  static std::optional<AgreementWindow> agreement;
+QWidget* agreement(MainWindow& window) {
+  auto* agreement = new AgreementWindow(&window);
+  agreement->setLicenseText(kLicense);
+  agreement->show();
   return agreement;
-}
-
-/// Asked for before the window is there.
-QWidget* agreement(MainWindow& /*window*/) {
-  AgreementWindow& agreement = shownAgreement().emplace();
-  agreement.setLicenseText("<h1>Licence</h1><p>Words that are agreed to.</p>");
-  agreement.show();
-  return &agreement;
 }
 
 std::vector<WindowState> allStates() {
@@ -251,11 +245,12 @@ const std::vector<WindowState>& windowStates() {
 
 void leaveState(MainWindow& window) {
   for (QDialog* sheet : window.findChildren<QDialog*>()) {
-    if (sheet->objectName() == QLatin1String("alertSheet")) delete sheet;
+    // These are made anew each time.
+    const QString name = sheet->objectName();
+    if (name == QLatin1String("alertSheet") || name == QLatin1String("licenseWindow")) delete sheet;
   }
   window.endCopySheet();
   shownCopy().reset();
-  shownAgreement().reset();
   window.endBurnConfirmationSheet();
   window.orderOutBurnConfirmationPanel();
   for (QDialog* panel : window.findChildren<QDialog*>()) panel->hide();
