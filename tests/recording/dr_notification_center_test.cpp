@@ -10,6 +10,7 @@
 #include <fstream>
 #include <map>
 #include <nlohmann/json.hpp>
+#include <optional>
 #include <thread>
 
 #include "platform/foundation/main_thread.h"
@@ -37,6 +38,11 @@ class DRNotificationCenterTest : public testing::BurnerFixture {
     const bool heard = loop.runUntil([this, device] { return changes[device] > 0; });
     changes.clear();
     return heard;
+  }
+
+  /// Another program writes to the drive's disc, until this is let go.
+  static std::optional<FileLock> recordingOn(const DRDevice& device) {
+    return FileLock::acquire(*device.emulatedDisc() + "/sectors", std::chrono::seconds(60));
   }
 
   static DRNotificationCenter& center() { return DRNotificationCenter::currentRunLoopCenter(); }
@@ -171,8 +177,7 @@ TEST_F(DRNotificationCenterTest, TheEndOfAnotherProgramsRecordingIsWaitedForByPo
   const DRDevice* device = addDrive();
   observeDevices();
   ASSERT_TRUE(hearsOf(device));
-  auto recording =
-      FileLock::acquire(*device->emulatedDisc() + "/sectors", std::chrono::seconds(60));
+  auto recording = recordingOn(*device);
   ASSERT_TRUE(recording.has_value());
   DriveWatcher::shared().checkSoon();
   ASSERT_TRUE(hearsOf(device));
@@ -255,7 +260,7 @@ TEST_F(DRNotificationCenterTest, WhatOthersHaveFoundOutOfADriveIsToldAndFollowed
   observeDevices();
   ASSERT_TRUE(loop.runUntil([&] { return changes[device] > 0 && changes[other] > 0; }));
   changes.clear();
-  auto recording = FileLock::acquire(*other->emulatedDisc() + "/sectors", std::chrono::seconds(60));
+  auto recording = recordingOn(*other);
   ASSERT_TRUE(recording.has_value());
   DriveWatcher::shared().takeNoticeSoon();
   ASSERT_TRUE(hearsOf(other));
