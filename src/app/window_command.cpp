@@ -36,9 +36,8 @@ int runWindowCommand(int argc, char** argv) {
       ->multi_option_policy(CLI::MultiOptionPolicy::TakeAll);
   app.set_version_flag("--version", Bundle::mainBundle().shortVersionString());
   app.footer(
-      "kelvanefs batch --help tells how to change discs from scripts, kelvanefs erase --help how "
-      "to "
-      "erase them.");
+      "kelvanefs batch --help tells how to change discs from scripts, "
+      "kelvanefs erase --help how to erase them.");
   try {
     app.parse(argc, argv);
   } catch (const CLI::ParseError& problem) {

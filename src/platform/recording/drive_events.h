@@ -32,11 +32,11 @@ class DriveEvents {
 
   /// Calls `handler`, from the event loop, with the kernel name of each block device that an event
   /// came of and whose name begins with `prefix`; with an empty name where events were lost, so
-  /// that any of them may have news. Null where the channel cannot be listened to. Where a rule of ours has
-  /// kept a tray shut whose button was pressed, `trayKeptShut` is called with the drive's name.
+  /// that any of them may have news. Null where the channel cannot be listened to. Where a rule of
+  /// ours has kept a tray shut whose button was pressed, `trayKeptShut` is called with the drive's
+  /// name.
   static std::unique_ptr<DriveEvents> listen(Channel channel, const std::string& prefix,
-                                             NameHandler handler,
-                                             NameHandler trayKeptShut = {});
+                                             NameHandler handler, NameHandler trayKeptShut = {});
   ~DriveEvents();
   DriveEvents(const DriveEvents&) = delete;
   DriveEvents& operator=(const DriveEvents&) = delete;

@@ -46,8 +46,8 @@ class VolumeServices {
   /// value. The folder of a visible volume goes with it.
   virtual int unmountVolumeSync(const std::string& volume) = 0;
 
-  /// The disc of this drive, which is mounted nowhere any more, is being opened: keeps a desktop that
-  /// mounts discs by itself from mounting it again, and the drive's button from taking it out,
+  /// The disc of this drive, which is mounted nowhere any more, is being opened: keeps a desktop
+  /// that mounts discs by itself from mounting it again, and the drive's button from taking it out,
   /// until that is ended at the drive.
   virtual void keepOthersFromMounting(const DRDevice& /*device*/) {}
 
